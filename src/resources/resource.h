@@ -1,0 +1,67 @@
+// Every resource id of the library, named. Kinds of resources have number spaces of their own, so numbers recur.
+// Also read by the resource compiler: preprocessor lines only.
+#pragma once
+
+// Dialogs and the dialog initialisation resource
+#define IDD_PROPERTY_PAGE 200
+#define IDD_REGISTRY_RULES 203
+
+// Icons and cursors
+#define IDI_BINARY_VALUE 209
+#define IDI_STRING_VALUE 210
+#define IDC_CURSOR_GROUP 206
+
+// Controls of IDD_REGISTRY_RULES
+#define IDC_RULE_LIST 201
+#define IDC_REGISTRY_TREE 206
+#define IDC_DELETE_RULE 213
+#define IDC_SPLITTER_BOUNDS 225
+#define IDC_NEW_KEY 226
+#define IDC_NEW_VALUE 227
+#define IDC_NEW_TYPE 228
+#define IDC_TYPE_LABEL 229
+#define IDC_KEY_LABEL 230
+#define IDC_VALUE_LABEL 231
+#define IDC_TYPE_FRAME 233
+#define IDC_KEY_FRAME 234
+#define IDC_VALUE_FRAME 235
+
+// Strings
+#define IDS_CONTROL_NAME 1
+#define IDS_PROPERTY_PAGE_TYPE 2
+#define IDS_PROPERTY_PAGE_CAPTION 200
+#define IDS_COLUMN_KEY 201
+#define IDS_COLUMN_TYPE 202
+#define IDS_TOO_MANY_ITEMS 204
+#define IDS_HIVE_NAME_CLASSES_ROOT 205
+#define IDS_HIVE_NAME_CURRENT_USER 206
+#define IDS_HIVE_NAME_LOCAL_MACHINE 207
+#define IDS_HIVE_NAME_USERS 208
+#define IDS_HIVE_NAME_CURRENT_CONFIG 209
+#define IDS_ENTIRE_HIVES 210
+#define IDS_KIND_BRANCH 211
+#define IDS_KIND_VALUE 212
+#define IDS_KIND_KEY 213
+#define IDS_WATERMARK 214
+#define IDS_HKCR 215
+#define IDS_HKEY_CLASSES_ROOT 216
+#define IDS_HKCU 217
+#define IDS_HKEY_CURRENT_USER 218
+#define IDS_HKLM 219
+#define IDS_HKEY_LOCAL_MACHINE 220
+#define IDS_HKU 221
+#define IDS_HKEY_USERS 222
+#define IDS_HKCC 223
+#define IDS_HKEY_CURRENT_CONFIG 224
+#define IDS_NOT_ALLOWED 225
+#define IDS_UNKNOWN_HIVE 226
+#define IDS_DEFAULT_VALUE 227
+#define IDS_HIVES_NOT_SELECTABLE 228
+#define IDS_APP_NAME 229
+#define IDS_CONFIRM_CANCEL 230
+#define IDS_MULTIPLE_BACKSLASH 231
+#define IDS_BARE_HIVE 232
+#define IDS_TRAILING_BACKSLASH 233
+#define IDS_CONFIRM_CLOSE 234
+#define IDS_VALUE_NOT_DISPLAYED 235
+#define IDS_REGISTRY 236

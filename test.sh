@@ -1,0 +1,61 @@
+#!/usr/bin/env bash
+# Builds everything from nothing and runs every lane. Prints "N passed, M failed" last; the exit code follows.
+set -uo pipefail
+cd "$(dirname "$0")" || exit 1
+. scripts/packages
+install_missing "${packages[@]}" || exit 1
+
+mkdir -p build
+passed=0 failed=0
+step() { printf '%s  %s\n' "$(date +%H:%M:%S)" "$*"; }
+fail() { echo "FAILED: $*"; failed=$((failed + 1)); }
+
+# build PRESET: configures and builds; on failure shows the errors and counts one failure.
+build() {
+    step "building: $1"
+    local log=build/$1.log
+    if ! { cmake --preset "$1" && cmake --build --preset "$1"; } >"$log" 2>&1; then
+        grep -E 'error|Error|undefined reference' "$log" | head -40
+        tail -5 "$log"
+        fail "the build '$1' (whole log: $log)"
+        return 1
+    fi
+    if grep -q 'warning:' "$log"; then
+        grep 'warning:' "$log" | head -20
+        fail "warnings in the build '$1'"
+    fi
+}
+
+# lane PRESET: runs the tests of a build and adds up the cases that GoogleTest counted.
+lane() {
+    step "testing: $1"
+    local log=build/$1-tests.log
+    ctest --preset "$1" >"$log" 2>&1
+    local code=$?
+    sed -n '/^ *[0-9]*\/[0-9]* Test/p' "$log"
+    local full=build/$1/Testing/Temporary/LastTest.log ok bad
+    ok=$(grep -oE '^\[  PASSED  \] [0-9]+' "$full" | awk '{n += $4} END {print n + 0}')
+    bad=$(grep -oE '^\[  FAILED  \] [0-9]+ test' "$full" | awk '{n += $4} END {print n + 0}')
+    passed=$((passed + ok)) failed=$((failed + bad))
+    if [ $code -ne 0 ]; then
+        sed -n '/The following tests FAILED/,$p' "$log"
+        grep -E 'FAILED|Failure|watchdog|timed out|wine: Unhandled|=>' "$log" | head -40
+        [ "$bad" -gt 0 ] || fail "the lane '$1' ended without a count (whole log: $log)"
+    fi
+}
+
+step "preparing the Wine prefix"
+scripts/wine-setup >build/wine-setup.log 2>&1 &
+setup=$!
+build native && lane native
+if build windows; then
+    wait "$setup" || fail "the Wine prefix (see build/wine-setup.log)"
+    lane windows
+    if [ -x scripts/check-exports ]; then
+        step "comparing the export table"
+        if scripts/check-exports build/windows/bin/RegistryRules.dll; then passed=$((passed + 1)); else fail "the export table"; fi
+    fi
+fi
+step "done"
+echo "$passed passed, $failed failed"
+[ "$failed" -eq 0 ] && [ "$passed" -gt 0 ]
