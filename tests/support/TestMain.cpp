@@ -1,11 +1,10 @@
 // The main of every test program: GoogleTest plus a watchdog that names a test which hangs and ends the process.
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
+#include <gtest/gtest.h>
 #include <mutex>
 #include <string>
 #include <thread>
