@@ -1,0 +1,111 @@
+#include "helpers/NumberText.h"
+
+#include <gtest/gtest.h>
+#include <limits>
+
+TEST(IsIntInRange, TakesOneWholeNumberWithinTheBounds) {
+    struct Case {
+        const wchar_t* text;
+        bool expected;  // for 1 to 100
+    };
+    const Case cases[] = {
+        {nullptr, false},
+        {L"", false},
+        {L" ", false},
+        {L"1", true},
+        {L"100", true},
+        {L"0", false},
+        {L"101", false},
+        {L"12x", false},
+        {L"12 ", false},
+        {L"x12", false},
+        {L" 12", true},
+        {L"\t+12", true},
+        {L"-12", false},
+        {L"0x10", false},
+        {L"012", true},
+        {L"+", false},
+        {L"1.0", false},
+        {L"- 12", false},
+        {L"4294967297", false},
+        {L"99999999999999999999", false},
+        {L"18446744073709551617", false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.text ? std::wstring(c.text) : L"(null)"));
+        EXPECT_EQ(IsIntInRange(c.text, 1, 100), c.expected);
+    }
+}
+
+TEST(IsIntInRange, HoldsAtTheEndsOfTheType) {
+    constexpr auto kMin = std::numeric_limits<std::int32_t>::min();
+    constexpr auto kMax = std::numeric_limits<std::int32_t>::max();
+    EXPECT_TRUE(IsIntInRange(L"2147483647", kMin, kMax));
+    EXPECT_TRUE(IsIntInRange(L"-2147483648", kMin, kMax));
+    EXPECT_FALSE(IsIntInRange(L"2147483648", kMin, kMax));
+    EXPECT_FALSE(IsIntInRange(L"-2147483649", kMin, kMax));
+    EXPECT_TRUE(IsIntInRange(L"-7", -7, -7));
+}
+
+TEST(LeadingNumber, ReadsAsFarAsDigitsGo) {
+    EXPECT_EQ(LeadingNumber(L""), 0);
+    EXPECT_EQ(LeadingNumber(L"abc"), 0);
+    EXPECT_EQ(LeadingNumber(L" 12abc"), 12);
+    EXPECT_EQ(LeadingNumber(L"-5"), -5);
+    EXPECT_EQ(LeadingNumber(L"99999999999"), std::numeric_limits<std::int32_t>::max());
+    EXPECT_EQ(LeadingNumber(L"-99999999999"), std::numeric_limits<std::int32_t>::min());
+}
+
+TEST(GroupingNumber, FollowsTheLocaleText) {
+    struct Case {
+        std::wstring_view text;
+        std::uint32_t expected;
+    };
+    const Case cases[] = {
+        {L"3;0", 3},
+        {L"3;2;0", 32},
+        {L"0;0", 0},
+        {L"4;0", 4},
+        {L"3;2;1;0", 321},
+        // Without the ending the text runs out: each number, the last too, moves the ones before it up.
+        {L"3", 30},
+        {L"3;2", 320},
+        {L"3;", 30},
+        {L"", 0},
+        {L"0", 0},
+        // Malformed: what cannot be read counts 0, and one character is passed over.
+        {L";", 0},
+        {L";0", 0},
+        {L"x;0", 0},
+        {L"3x;0", 30},
+        {L"3;;0", 30},
+        {L"3;0 ", 300},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(std::wstring(c.text)));
+        EXPECT_EQ(GroupingNumber(c.text), c.expected);
+    }
+}
+
+TEST(GroupingNumber, EndsOnTextsThatOverflow) {
+    EXPECT_NO_FATAL_FAILURE(GroupingNumber(L"99999999999999999999;99999999999;-5;0"));
+    EXPECT_NO_FATAL_FAILURE(GroupingNumber(std::wstring(10000, L'9')));
+    EXPECT_NO_FATAL_FAILURE(GroupingNumber(std::wstring(10000, L';')));
+}
+
+TEST(ScaleByteSize, AnExactUnitStaysInTheSmallerOne) {
+    const auto expect = [](double bytes, double amount, ByteUnit unit) {
+        SCOPED_TRACE(bytes);
+        const ScaledSize scaled = ScaleByteSize(bytes);
+        EXPECT_EQ(scaled.unit, unit);
+        EXPECT_DOUBLE_EQ(scaled.amount, amount);
+    };
+    expect(0, 0, ByteUnit::Bytes);
+    expect(-5e12, -5e12, ByteUnit::Bytes);
+    expect(1024, 1024, ByteUnit::Bytes);
+    expect(1536, 1.5, ByteUnit::Kilobytes);
+    expect(1048576, 1024, ByteUnit::Kilobytes);
+    expect(1048576.0 * 3, 3, ByteUnit::Megabytes);
+    expect(1073741824, 1024, ByteUnit::Megabytes);
+    expect(1073741824.0 * 2048, 2048, ByteUnit::Gigabytes);
+}
