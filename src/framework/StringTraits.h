@@ -1,0 +1,59 @@
+// What a string class needs to know about its character type, and where it finds string resources.
+#pragma once
+
+#include <cstdarg>
+#include <string>
+
+#include "framework/Api.h"
+
+template <typename CharType>
+class ChTraitsCRT;
+
+template <>
+class AFX_API ChTraitsCRT<wchar_t> {
+public:
+    using OtherChar = char;
+
+    static bool IsSpace(wchar_t character);
+    // Order by code units; ignoring case, as the registry and the file system compare names.
+    static int Compare(const wchar_t* first, const wchar_t* second);
+    static int CompareNoCase(const wchar_t* first, const wchar_t* second);
+    static void MakeLower(wchar_t* text, int length);
+    static void MakeUpper(wchar_t* text, int length);
+    // printf of the Windows runtime: %s is a wide text, %S a narrow one. Throws CInvalidArgException for a bad format.
+    static std::wstring FormatV(const wchar_t* format, va_list arguments);
+    // From the process's ANSI code page.
+    static std::wstring Convert(const char* text, int length);
+};
+
+template <>
+class AFX_API ChTraitsCRT<char> {
+public:
+    using OtherChar = wchar_t;
+
+    static bool IsSpace(char character);
+    static int Compare(const char* first, const char* second);
+    static int CompareNoCase(const char* first, const char* second);
+    static void MakeLower(char* text, int length);
+    static void MakeUpper(char* text, int length);
+    static std::string FormatV(const char* format, va_list arguments);
+    // To the process's ANSI code page.
+    static std::string Convert(const wchar_t* text, int length);
+};
+
+template <typename CharType, typename Traits = ChTraitsCRT<CharType>>
+class StrTraitMFC_DLL;
+
+// String resources are searched in the current module state's resources first.
+template <>
+class AFX_API StrTraitMFC_DLL<wchar_t, ChTraitsCRT<wchar_t>> : public ChTraitsCRT<wchar_t> {
+public:
+    // FALSE and an untouched `text` if no module has the string.
+    static BOOL LoadResourceText(UINT id, std::wstring& text);
+};
+
+template <>
+class AFX_API StrTraitMFC_DLL<char, ChTraitsCRT<char>> : public ChTraitsCRT<char> {
+public:
+    static BOOL LoadResourceText(UINT id, std::string& text);
+};

@@ -1,0 +1,4 @@
+// The common controls.
+#pragma once
+
+#include "afxwin.h"

@@ -1,0 +1,4 @@
+// Ready-made collections.
+#pragma once
+
+#include "framework/List.h"

@@ -1,0 +1,4 @@
+// Dialogs with a coloured background.
+#pragma once
+
+#include "afxwin.h"

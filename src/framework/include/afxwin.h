@@ -1,0 +1,4 @@
+// The framework as a program with windows needs it.
+#pragma once
+
+#include "afx.h"
