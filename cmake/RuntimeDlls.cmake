@@ -1,6 +1,10 @@
 # The toolchain's own DLLs travel with every program, stripped, so that heap, exceptions and RTTI are shared by all modules.
 set(runtime_dlls "")
-foreach(dll libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
+set(toolchain_dlls libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
+if(CMAKE_BUILD_TYPE STREQUAL Checked)
+    list(APPEND toolchain_dlls libssp-0.dll)  # the stack guard
+endif()
+foreach(dll ${toolchain_dlls})
     execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${dll} OUTPUT_VARIABLE path OUTPUT_STRIP_TRAILING_WHITESPACE)
     if(NOT EXISTS ${path})
         set(path /usr/x86_64-w64-mingw32/lib/${dll})
