@@ -3,7 +3,8 @@
 //     try {
 //         Work();
 //     } catch (CException* problem) {
-//         problem->ReportError();
+//         wchar_t text[200];
+//         if (problem->GetErrorMessage(text, 200)) Show(text);
 //         problem->Delete();
 //     }
 #pragma once

@@ -1,0 +1,3 @@
+#include "framework/CommandTarget.h"
+
+IMPLEMENT_DYNAMIC(CCmdTarget, CObject)
