@@ -1,0 +1,200 @@
+#include "RulesFile.h"
+
+#include <array>
+#include <cstdint>
+#include <limits>
+#include <nlohmann/json.hpp>
+#include <set>
+#include <utility>
+
+namespace {
+
+using nlohmann::json;
+using nlohmann::ordered_json;
+
+constexpr int FormatVersion = 1;
+constexpr std::array<std::pair<std::string_view, RuleKind>, 3> Kinds{{
+    {"branch", RuleKind::Branch},
+    {"key", RuleKind::Key},
+    {"value", RuleKind::Value},
+}};
+
+// A text of the file inside a message: quoted, control characters escaped, so that the message stays one line.
+std::string Quoted(const std::string& text) {
+    return json(text).dump();
+}
+
+// Finds members that stand twice in one object: the parser itself keeps the last one and says nothing.
+class DuplicateCheck {
+public:
+    bool operator()(int, json::parse_event_t event, json& parsed) {
+        switch (event) {
+            case json::parse_event_t::object_start:
+            case json::parse_event_t::array_start:
+                CountElement();
+                m_open.push_back({event == json::parse_event_t::array_start, -1, {}, {}});
+                break;
+            case json::parse_event_t::object_end:
+            case json::parse_event_t::array_end:
+                m_open.pop_back();
+                break;
+            case json::parse_event_t::key:
+                NoteMember(parsed.get<std::string>());
+                break;
+            case json::parse_event_t::value:
+                CountElement();
+                break;
+        }
+        return true;
+    }
+
+private:
+    struct Container {
+        bool isArray;
+        int index;
+        std::string member;
+        std::set<std::string> members;
+    };
+
+    void CountElement() {
+        if (!m_open.empty() && m_open.back().isArray) ++m_open.back().index;
+    }
+
+    void NoteMember(const std::string& name) {
+        Container& object = m_open.back();
+        object.member = name;
+        if (!object.members.insert(name).second) throw RulesFileError(Place(), "this member stands twice");
+    }
+
+    std::string Place() const {
+        json::json_pointer pointer;
+        for (const Container& container : m_open) {
+            if (container.isArray) {
+                pointer /= static_cast<std::size_t>(container.index);
+            } else {
+                pointer /= container.member;
+            }
+        }
+        return pointer.to_string();
+    }
+
+    std::vector<Container> m_open;
+};
+
+// The parser's message is "[id] parse error at line L, column C: reason".
+[[noreturn]] void ThrowSyntaxError(const json::parse_error& error) {
+    const std::string text = error.what();
+    const std::size_t line = text.find("line ");
+    const std::size_t reason = text.find(": ", line);
+    if (line == std::string::npos || reason == std::string::npos) throw RulesFileError("line 1, column 1", text);
+    throw RulesFileError(text.substr(line, reason - line), text.substr(reason + 2));
+}
+
+json ParseJson(std::string_view text) {
+    try {
+        return json::parse(text.begin(), text.end(), DuplicateCheck());
+    } catch (const json::parse_error& error) {
+        ThrowSyntaxError(error);
+    }
+}
+
+// One object of the file: its members are taken one by one, and what is left over is an error, because it would be lost
+// when the file is written back.
+class ObjectReader {
+public:
+    ObjectReader(const json& object, std::string place) : m_object(object), m_place(std::move(place)) {
+        if (!object.is_object()) throw RulesFileError(m_place.empty() ? "/" : m_place, "must be an object");
+    }
+
+    const json& Take(const std::string& name) {
+        const auto found = m_object.find(name);
+        if (found == m_object.end()) {
+            throw RulesFileError(m_place.empty() ? "/" : m_place, "has no member " + Quoted(name));
+        }
+        m_taken.insert(name);
+        return *found;
+    }
+
+    std::string TakeText(const std::string& name) {
+        const json& member = Take(name);
+        if (!member.is_string()) Fail(name, "must be a text");
+        std::string text = member.get<std::string>();
+        if (text.find('\0') != std::string::npos)
+            Fail(name, "holds the character U+0000, which no key or value name has");
+        return text;
+    }
+
+    int TakeInteger(const std::string& name) {
+        const json& member = Take(name);
+        const bool fits =
+            member.is_number_unsigned()
+                ? member.get<std::uint64_t>() <= std::numeric_limits<std::int32_t>::max()
+                : member.is_number_integer() && member.get<std::int64_t>() >= std::numeric_limits<std::int32_t>::min();
+        if (!fits) Fail(name, "must be a whole number of 32 bits");
+        return member.get<int>();
+    }
+
+    void ExpectNothingElse() const {
+        for (const auto& [name, member] : m_object.items()) {
+            if (!m_taken.contains(name)) Fail(name, "is not a member that belongs here");
+        }
+    }
+
+    [[noreturn]] void Fail(const std::string& name, const std::string& reason) const {
+        throw RulesFileError(m_place + (json::json_pointer() / name).to_string(), reason);
+    }
+
+private:
+    const json& m_object;
+    std::string m_place;
+    std::set<std::string> m_taken;
+};
+
+HostRule ReadRule(const json& object, const std::string& place) {
+    ObjectReader reader(object, place);
+    HostRule rule;
+    const std::string type = reader.TakeText("type");
+    const auto kind = std::find_if(Kinds.begin(), Kinds.end(), [&](const auto& entry) { return entry.first == type; });
+    if (kind == Kinds.end()) reader.Fail("type", Quoted(type) + R"( is none of "branch", "key" and "value")");
+    rule.kind = kind->second;
+    rule.key = reader.TakeText("key");
+    if (rule.kind == RuleKind::Value) rule.value = reader.TakeText("value");
+    rule.position = reader.TakeInteger("position");
+    reader.ExpectNothingElse();
+    return rule;
+}
+
+}  // namespace
+
+std::vector<HostRule> ParseRules(std::string_view text) {
+    const json file = ParseJson(text);
+    ObjectReader reader(file, "");
+    if (reader.TakeText("format") != "registry-rules") reader.Fail("format", R"(must be "registry-rules")");
+    if (const int version = reader.TakeInteger("version"); version != FormatVersion) {
+        reader.Fail("version", "this program reads version 1, not " + std::to_string(version));
+    }
+    const json& list = reader.Take("rules");
+    if (!list.is_array()) reader.Fail("rules", "must be an array");
+    reader.ExpectNothingElse();
+
+    std::vector<HostRule> rules;
+    rules.reserve(list.size());
+    for (const json& entry : list) rules.push_back(ReadRule(entry, "/rules/" + std::to_string(rules.size())));
+    return rules;
+}
+
+std::string FormatRules(const std::vector<HostRule>& rules) {
+    ordered_json list = ordered_json::array();
+    for (const HostRule& rule : rules) {
+        ordered_json entry{{"type", KindName(rule.kind)}, {"key", rule.key}};
+        if (rule.kind == RuleKind::Value) entry["value"] = rule.value;
+        entry["position"] = rule.position;
+        list.push_back(std::move(entry));
+    }
+    const ordered_json file{{"format", "registry-rules"}, {"version", FormatVersion}, {"rules", std::move(list)}};
+    return file.dump(2) + "\n";
+}
+
+std::string_view KindName(RuleKind kind) {
+    return std::find_if(Kinds.begin(), Kinds.end(), [&](const auto& entry) { return entry.second == kind; })->first;
+}

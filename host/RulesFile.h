@@ -1,0 +1,40 @@
+// The rules file: JSON text to rules in memory and back. The format is written down in docs/rules-file.md.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+enum class RuleKind { Branch, Key, Value };
+
+// One rule as host and file know it; texts are UTF-8.
+struct HostRule {
+    RuleKind kind = RuleKind::Branch;
+    std::string key;
+    std::string value;  // of the kind Value only; empty for the key's default value
+    int position = 0;   // row in the list, over all kinds
+
+    bool operator==(const HostRule&) const = default;
+};
+
+// A text that is not a rules file.
+class RulesFileError : public std::runtime_error {
+public:
+    RulesFileError(std::string place, const std::string& reason)
+        : std::runtime_error(place + ": " + reason), m_place(std::move(place)) {}
+    // "line 3, column 7", or the JSON pointer of the member that is wrong ("/rules/2/type").
+    const std::string& Place() const { return m_place; }
+
+private:
+    std::string m_place;
+};
+
+// The rules in the order of the file. Throws RulesFileError, whose text is one line.
+std::vector<HostRule> ParseRules(std::string_view json);
+
+// The text of a file that ParseRules reads back to the same rules. Texts must be valid UTF-8.
+std::string FormatRules(const std::vector<HostRule>& rules);
+
+// The name of a kind in the file: "branch", "key" or "value".
+std::string_view KindName(RuleKind kind);

@@ -1,0 +1,62 @@
+#include "RulesTable.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+namespace {
+
+using Row = std::array<std::string, 4>;
+
+// Longer texts stand out of line rather than widen every row.
+constexpr std::size_t WidestColumn = 60;
+
+// Characters, counted without the continuation bytes of UTF-8.
+std::size_t Width(const std::string& text) {
+    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char c) { return (c & 0xC0) != 0x80; }));
+}
+
+std::string Printable(const std::string& text) {
+    std::string result;
+    for (const char c : text) {
+        if (static_cast<unsigned char>(c) >= 0x20 && c != 0x7F) {
+            result += c;
+            continue;
+        }
+        char escaped[8];
+        std::snprintf(escaped, sizeof escaped, "\\x%02X", static_cast<unsigned>(static_cast<unsigned char>(c)));
+        result += escaped;
+    }
+    return result;
+}
+
+Row MakeRow(const HostRule& rule) {
+    Row row{std::to_string(rule.position), std::string(KindName(rule.kind)), Printable(rule.key), ""};
+    if (rule.kind == RuleKind::Value) row[3] = rule.value.empty() ? "(Default)" : Printable(rule.value);
+    return row;
+}
+
+}  // namespace
+
+std::string RulesTable(const std::vector<HostRule>& rules) {
+    if (rules.empty()) return "(no rules)\n";
+    std::vector<Row> rows{{"Position", "Type", "Key", "Value"}};
+    std::transform(rules.begin(), rules.end(), std::back_inserter(rows), MakeRow);
+
+    std::array<std::size_t, 4> widths{};
+    for (const Row& row : rows) {
+        for (std::size_t column = 0; column < row.size(); ++column) {
+            widths[column] = std::max(widths[column], std::min(Width(row[column]), WidestColumn));
+        }
+    }
+    std::string table;
+    for (const Row& row : rows) {
+        std::string line;
+        for (std::size_t column = 0; column < row.size(); ++column) {
+            const std::size_t width = Width(row[column]);
+            line += row[column] + std::string(widths[column] > width ? widths[column] - width : 0, ' ') + "  ";
+        }
+        table += line.substr(0, line.find_last_not_of(' ') + 1) + '\n';
+    }
+    return table;
+}

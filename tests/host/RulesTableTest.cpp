@@ -1,0 +1,35 @@
+#include "RulesTable.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(RulesTable, ColumnsStandInLineAlsoWithLettersOfSeveralBytes) {
+    EXPECT_EQ(RulesTable({{RuleKind::Branch,
+                           "HKCU\\Gr\xC3\xB6\xC3\x9F"
+                           "e",
+                           "", 0},
+                          {RuleKind::Value, "HKCU\\Environment", "TEMP", 10},
+                          {RuleKind::Value, "HKCU\\a", "", -1}}),
+              "Position  Type    Key               Value\n"
+              "0         branch  HKCU\\Gr\xC3\xB6\xC3\x9F"
+              "e\n"
+              "10        value   HKCU\\Environment  TEMP\n"
+              "-1        value   HKCU\\a            (Default)\n");
+}
+
+TEST(RulesTable, AVeryLongKeyDoesNotWidenTheOtherRows) {
+    const std::string table =
+        RulesTable({{RuleKind::Key, std::string(32000, 'k'), "", 0}, {RuleKind::Value, "a", "b", 1}});
+    EXPECT_NE(table.find(std::string(32000, 'k') + "\n"), std::string::npos);
+    EXPECT_LT(table.size(), 32400u);
+}
+
+TEST(RulesTable, ControlCharactersCannotBreakTheLine) {
+    EXPECT_EQ(RulesTable({{RuleKind::Key, "a\nb\x1B[2J\x7F", "", 0}}),
+              "Position  Type  Key                Value\n"
+              "0         key   a\\x0Ab\\x1B[2J\\x7F\n");
+    EXPECT_EQ(RulesTable({}), "(no rules)\n");
+}
+
+}  // namespace
