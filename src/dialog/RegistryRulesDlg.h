@@ -7,7 +7,6 @@
 
 #include <afxcmn.h>
 #include <afxdialogex.h>
-#include <afxtempl.h>
 #include <afxwin.h>
 
 #include "controls/ComboListCtrl.h"
@@ -15,6 +14,7 @@
 #include "entry/ColorEdit.h"
 #include "entry/ValueEdit.h"
 #include "resources/resource.h"
+#include "rules/RuleSet.h"
 #include "siblings/uictrl/BvDialogBase.h"
 
 class CKeyRule;
@@ -131,8 +131,8 @@ private:
     bool MoveSplitter(CPoint point);
     CRect ControlRect(int id);
 
-    static CList<CKeyRule*, CKeyRule*> s_keyRules;
-    static CList<CValueRule*, CValueRule*> s_valueRules;
+    static RuleSet<CKeyRule> s_keyRules;
+    static RuleSet<CValueRule> s_valueRules;
 
     CButton m_keyHeaderFrame;
     CButton m_valueHeaderFrame;

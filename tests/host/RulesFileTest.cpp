@@ -34,7 +34,7 @@ TEST(RulesFile, WhatIsNoRulesFileIsRefusedWithPlaceAndReason) {
         std::string place;
         std::string reason;
     } cases[] = {
-        {"", "line 1, column 1", "empty input"},
+        {"", "line 1, column 1", "unexpected end of input"},
         {"{\n  \"format\": registry-rules\n}", "line 2, column 13", "invalid literal"},
         {WithRules("") + "\nx", "line 2, column 1", "expected end of input"},
         {WithRules("\"\xFF\""), "line 1, column 55", "ill-formed UTF-8"},
