@@ -3,34 +3,25 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "helpers/AsciiCase.h"
+
 namespace {
 
 // How many characters ExpandHive compares, row by row. Fixed rather than taken from the texts: a table whose texts did
 // not load must not turn into shorter or longer prefixes.
 constexpr std::array<std::size_t, 5> kExpandPrefixChars{4, 4, 4, 3, 4};
 
-wchar_t FoldCase(wchar_t c) {
-    return c >= L'a' && c <= L'z' ? static_cast<wchar_t>(c - L'a' + L'A') : c;
-}
-
 // Each hive works on the text that the hives before it left.
 std::wstring ReplaceLeading(std::wstring_view path, const HiveTable& hives, std::wstring Hive::*leading) {
     std::wstring text(path);
     for (const Hive& hive : hives) {
-        const std::size_t length = (hive.*leading).size();
-        if (EqualsIgnoringCase(std::wstring_view(text).substr(0, length), hive.*leading)) {
-            text.replace(0, length, hive.abbreviation);
-        }
+        const std::wstring& prefix = hive.*leading;
+        if (StartsWithIgnoringAsciiCase(text, prefix)) text.replace(0, prefix.size(), hive.abbreviation);
     }
     return text;
 }
 
 }  // namespace
-
-bool EqualsIgnoringCase(std::wstring_view left, std::wstring_view right) {
-    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                      [](wchar_t a, wchar_t b) { return FoldCase(a) == FoldCase(b); });
-}
 
 std::wstring AbbreviateHive(std::wstring_view path, const HiveTable& hives) {
     return ReplaceLeading(path, hives, &Hive::fullName);

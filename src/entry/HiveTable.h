@@ -25,9 +25,6 @@ inline constexpr std::uint32_t ROOT_LOCAL_MACHINE = 0x80000002;
 inline constexpr std::uint32_t ROOT_USERS = 0x80000003;
 inline constexpr std::uint32_t ROOT_CURRENT_CONFIG = 0x80000005;
 
-// Whether two texts are equal when the case of the letters A to Z is ignored.
-bool EqualsIgnoringCase(std::wstring_view left, std::wstring_view right);
-
 // The path with a leading full hive name, in any letter case, replaced by its abbreviation. Only the leading letters
 // count, not what follows them: the paths that arrive here have passed the key check.
 std::wstring AbbreviateHive(std::wstring_view path, const HiveTable& hives);

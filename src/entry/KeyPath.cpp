@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "helpers/AsciiCase.h"
+
 namespace {
 
 constexpr wchar_t kBackslash = L'\\';
@@ -18,7 +20,7 @@ KeySelection Selection(std::size_t start, std::size_t end) {
 
 bool IsHiveName(std::wstring_view name, const HiveTable& hives) {
     return std::ranges::any_of(hives, [name](const Hive& hive) {
-        return EqualsIgnoringCase(name, hive.fullName) || EqualsIgnoringCase(name, hive.abbreviation);
+        return EqualIgnoringAsciiCase(name, hive.fullName) || EqualIgnoringAsciiCase(name, hive.abbreviation);
     });
 }
 
