@@ -1,0 +1,29 @@
+// Registry calls inside a kernel transaction. The transacted functions are looked up when they are called, because not
+// every system has them.
+#pragma once
+
+#include "framework/Api.h"
+
+class AFX_API CAtlTransactionManager {
+public:
+    // `fallback` lets the calls go on without a transaction while there is none. Nothing here starts a transaction:
+    // CInvalidArgException when `autoCreateTransaction` asks for it.
+    CAtlTransactionManager(BOOL fallback, BOOL autoCreateTransaction);
+    // Closes the transaction's handle; what was not committed is undone by the system.
+    virtual ~CAtlTransactionManager();
+    CAtlTransactionManager(const CAtlTransactionManager&) = delete;
+    CAtlTransactionManager& operator=(const CAtlTransactionManager&) = delete;
+
+    // Null while there is no transaction.
+    HANDLE GetHandle() const { return m_hTransaction; }
+
+    // The registry functions of these names within the transaction. ERROR_INVALID_FUNCTION where the system lacks the
+    // transacted form, and where there is neither a transaction nor the fall-back.
+    LSTATUS RegOpenKeyEx(HKEY key, LPCWSTR subKey, DWORD options, REGSAM access, PHKEY result);
+    LSTATUS RegCreateKeyEx(HKEY key, LPCWSTR subKey, DWORD reserved, LPWSTR keyClass, DWORD options, REGSAM access,
+                           LPSECURITY_ATTRIBUTES securityAttributes, PHKEY result, LPDWORD disposition);
+
+protected:
+    HANDLE m_hTransaction = nullptr;
+    BOOL m_bFallback;
+};

@@ -1,0 +1,4 @@
+// Registry keys.
+#pragma once
+
+#include "framework/RegKey.h"

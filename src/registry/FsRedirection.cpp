@@ -1,0 +1,25 @@
+#include "registry/FsRedirection.h"
+
+#include <windows.h>
+
+#include "registry/OfflineEnvironment.h"
+
+namespace {
+
+thread_local PVOID t_oldValue = nullptr;
+
+bool HasRedirection() {
+    return IsOffline64BitOs() && !IsWinPE();
+}
+
+}  // namespace
+
+bool DisableFsRedirection() {
+    return !HasRedirection() || Wow64DisableWow64FsRedirection(&t_oldValue);
+}
+
+// The idle answer differs from that of DisableFsRedirection on purpose: callers take it as "there is nothing to
+// revert".
+bool RevertFsRedirection() {
+    return HasRedirection() && Wow64RevertWow64FsRedirection(t_oldValue);
+}
