@@ -2,3 +2,5 @@
 #pragma once
 
 #include "afxwin.h"
+#include "framework/ListControl.h"
+#include "framework/TreeControl.h"

@@ -2,4 +2,6 @@
 #pragma once
 
 #include "afx.h"
+#include "framework/Dialog.h"
+#include "framework/StandardControls.h"
 #include "framework/WinApp.h"

@@ -1,0 +1,63 @@
+// Points, sizes and rectangles, in whatever unit their source has: pixels, mostly.
+#pragma once
+
+#include "framework/Api.h"
+
+class CSize : public SIZE {
+public:
+    CSize() : SIZE{} {}
+    CSize(int width, int height) : SIZE{width, height} {}
+    CSize(SIZE size) : SIZE(size) {}  // NOLINT(google-explicit-constructor)
+
+    friend bool operator==(CSize left, CSize right) { return left.cx == right.cx && left.cy == right.cy; }
+};
+
+class CPoint : public POINT {
+public:
+    CPoint() : POINT{} {}
+    CPoint(int left, int top) : POINT{left, top} {}
+    CPoint(POINT point) : POINT(point) {}  // NOLINT(google-explicit-constructor)
+    // The low and the high half of a message's parameter, each with its sign.
+    explicit CPoint(LPARAM packed) : POINT{static_cast<short>(LOWORD(packed)), static_cast<short>(HIWORD(packed))} {}
+
+    void Offset(int right, int down) {
+        x += right;
+        y += down;
+    }
+    friend bool operator==(CPoint left, CPoint right) { return left.x == right.x && left.y == right.y; }
+};
+
+// The right and bottom edges do not belong to it.
+class CRect : public RECT {
+public:
+    CRect() : RECT{} {}
+    CRect(int l, int t, int r, int b) : RECT{l, t, r, b} {}
+    CRect(const RECT& rect) : RECT(rect) {}  // NOLINT(google-explicit-constructor)
+    CRect(POINT topLeft, SIZE size) : RECT{topLeft.x, topLeft.y, topLeft.x + size.cx, topLeft.y + size.cy} {}
+
+    operator LPRECT() { return this; }         // NOLINT(google-explicit-constructor)
+    operator LPCRECT() const { return this; }  // NOLINT(google-explicit-constructor)
+
+    // Negative when the edges stand crosswise.
+    int Width() const { return right - left; }
+    int Height() const { return bottom - top; }
+    CSize Size() const { return {Width(), Height()}; }
+    CPoint TopLeft() const { return {left, top}; }
+    CPoint BottomRight() const { return {right, bottom}; }
+    CPoint CenterPoint() const { return {(left + right) / 2, (top + bottom) / 2}; }
+
+    BOOL PtInRect(POINT point) const { return ::PtInRect(this, point); }
+    BOOL IsRectEmpty() const { return ::IsRectEmpty(this); }
+    void SetRect(int l, int t, int r, int b) { *this = CRect(l, t, r, b); }
+    void SetRectEmpty() { *this = CRect(); }
+    void OffsetRect(int x, int y) { ::OffsetRect(this, x, y); }
+    // Grows by `x` at the left and at the right, by `y` at the top and at the bottom.
+    void InflateRect(int x, int y) { ::InflateRect(this, x, y); }
+    void DeflateRect(int x, int y) { ::InflateRect(this, -x, -y); }
+    // Exchanges edges that stand crosswise.
+    void NormalizeRect() {
+        *this = CRect(left < right ? left : right, top < bottom ? top : bottom, left < right ? right : left,
+                      top < bottom ? bottom : top);
+    }
+    friend bool operator==(const CRect& first, const CRect& second) { return ::EqualRect(&first, &second); }
+};

@@ -1,0 +1,71 @@
+// The tree view. TVI_ROOT stands for the place above the top items; null for no item.
+#pragma once
+
+#include "framework/ImageList.h"
+
+class AFX_API CTreeCtrl : public CWnd {
+    DECLARE_DYNAMIC(CTreeCtrl)
+
+public:
+    BOOL Create(DWORD style, const RECT& rect, CWnd* parent, UINT id) {
+        return CWnd::Create(WC_TREEVIEWW, nullptr, style, rect, parent, id);
+    }
+
+    // The new item, or null. `after` is a sibling, TVI_FIRST, TVI_LAST or TVI_SORT.
+    HTREEITEM InsertItem(TVINSERTSTRUCTW* insert) { return Item(TVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(insert)); }
+    HTREEITEM InsertItem(LPCWSTR text, HTREEITEM parent = TVI_ROOT, HTREEITEM after = TVI_LAST);
+    HTREEITEM InsertItem(LPCWSTR text, int image, int selectedImage, HTREEITEM parent = TVI_ROOT,
+                         HTREEITEM after = TVI_LAST);
+    BOOL DeleteItem(HTREEITEM item) { return Ask(TVM_DELETEITEM, 0, item); }
+    UINT GetCount() const { return static_cast<UINT>(Ask(TVM_GETCOUNT, 0, nullptr)); }
+
+    // Relatives: null if there is none.
+    HTREEITEM GetRootItem() const { return Relative(TVGN_ROOT, nullptr); }
+    HTREEITEM GetParentItem(HTREEITEM item) const { return Relative(TVGN_PARENT, item); }
+    HTREEITEM GetChildItem(HTREEITEM item) const { return Relative(TVGN_CHILD, item); }
+    HTREEITEM GetNextSiblingItem(HTREEITEM item) const { return Relative(TVGN_NEXT, item); }
+    HTREEITEM GetSelectedItem() const { return Relative(TVGN_CARET, nullptr); }
+    BOOL SelectItem(HTREEITEM item) { return Ask(TVM_SELECTITEM, TVGN_CARET, item); }
+
+    // The text of an item, of any length; empty for no item.
+    CString GetItemText(HTREEITEM item) const;
+    DWORD_PTR GetItemData(HTREEITEM item) const;
+    BOOL SetItemData(HTREEITEM item, DWORD_PTR data);
+    BOOL GetItemImage(HTREEITEM item, int& image, int& selectedImage) const;
+    BOOL SetItemImage(HTREEITEM item, int image, int selectedImage);
+    UINT GetItemState(HTREEITEM item, UINT mask) const {
+        return static_cast<UINT>(Ask(TVM_GETITEMSTATE, reinterpret_cast<WPARAM>(item), nullptr)) & mask;
+    }
+
+    // `code` is TVE_...
+    BOOL Expand(HTREEITEM item, UINT code) { return Ask(TVM_EXPAND, code, item); }
+    BOOL EnsureVisible(HTREEITEM item) { return Ask(TVM_ENSUREVISIBLE, 0, item); }
+    BOOL SortChildrenCB(TVSORTCB* sort) {
+        return static_cast<BOOL>(SendMessage(TVM_SORTCHILDRENCB, 0, reinterpret_cast<LPARAM>(sort)));
+    }
+    // Client coordinates in pixels; `flags` gets TVHT_... if given.
+    HTREEITEM HitTest(CPoint point, UINT* flags = nullptr) const;
+    BOOL GetItemRect(HTREEITEM item, RECT* rect, BOOL textOnly) const;
+
+    // The list stays the caller's. Returns what was set before, as a temporary object, or null; `kind` is TVSIL_...
+    CImageList* SetImageList(CImageList* list, int kind);
+    // A picture of the item for a drag: a new object that the caller deletes, or null if the tree has no image list.
+    CImageList* CreateDragImage(HTREEITEM item);
+
+private:
+    int Ask(UINT message, WPARAM first, HTREEITEM item) const {
+        return static_cast<int>(SendMessage(message, first, reinterpret_cast<LPARAM>(item)));
+    }
+    HTREEITEM Item(UINT message, WPARAM first, LPARAM second) const {
+        return reinterpret_cast<HTREEITEM>(SendMessage(message, first, second));
+    }
+    HTREEITEM Relative(UINT relation, HTREEITEM item) const {
+        return Item(TVM_GETNEXTITEM, relation, reinterpret_cast<LPARAM>(item));
+    }
+    BOOL GetItem(TVITEMW& item) const {
+        return static_cast<BOOL>(SendMessage(TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item)));
+    }
+    BOOL SetItem(const TVITEMW& item) {
+        return static_cast<BOOL>(SendMessage(TVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item)));
+    }
+};

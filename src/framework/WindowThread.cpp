@@ -1,0 +1,63 @@
+#include "framework/WindowThread.h"
+
+#include <windows.h>
+#include <commctrl.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace afx {
+
+WindowThread& ThisThread() {
+    thread_local WindowThread state;
+    return state;
+}
+
+void WindowThread::TrimTemporaries(size_t count) {
+    if (temporaries.size() <= count) return;
+    std::erase_if(temporary, [&](const auto& entry) {
+        return std::any_of(temporaries.begin() + static_cast<ptrdiff_t>(count), temporaries.end(),
+                           [&](const auto& object) { return object.get() == entry.second; });
+    });
+    temporaries.resize(count);
+}
+
+void AddTemporary(std::unique_ptr<CObject> object) {
+    ThisThread().temporaries.push_back(std::move(object));
+}
+
+ModalScope::ModalScope() : m_outer(ThisThread().modal), m_temporaries(ThisThread().temporaries.size()) {
+    ThisThread().modal = this;
+}
+
+ModalScope::~ModalScope() {
+    ThisThread().modal = m_outer;
+    TrimTemporaries();
+}
+
+void ModalScope::KeepCurrentException() {
+    if (m_exception == nullptr) {
+        m_exception = std::current_exception();
+        return;
+    }
+    try {
+        throw;
+    } catch (CException* dropped) {
+        dropped->Delete();
+    } catch (...) {
+    }
+}
+
+void ModalScope::RethrowException() {
+    if (m_exception != nullptr) std::rethrow_exception(std::exchange(m_exception, nullptr));
+}
+
+void RegisterCommonControls() {
+    static const bool registered = [] {
+        const INITCOMMONCONTROLSEX classes = {sizeof(classes), ICC_WIN95_CLASSES};
+        return InitCommonControlsEx(&classes) != FALSE;
+    }();
+    static_cast<void>(registered);
+}
+
+}  // namespace afx
