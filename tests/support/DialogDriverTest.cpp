@@ -159,8 +159,23 @@ TEST(DialogDriver, ModifiersAreSeenByAsyncState) {
         d.List(IDC_ROWS).Click(0, 0);
         for (int i = 0; i < 20; ++i) {
             s_seen.asyncShiftWasDown = false;
+            d.OnGuiThread([] { EXPECT_GE(GetAsyncKeyState(VK_SHIFT), 0); });
             d.Key('Q', {VK_SHIFT});
             ASSERT_TRUE(s_seen.asyncShiftWasDown) << i;
+        }
+        d.Click(IDOK);
+    });
+}
+
+TEST(DialogDriver, PutsTheCursorOnThePixel) {
+    DialogDriver driver;
+    RunPlain(driver, [](Dialog& d) {
+        for (int i = 0; i < 200; i += 7) {
+            d.Move({300 + i, 200 + i});
+            POINT cursor{};
+            GetCursorPos(&cursor);
+            ASSERT_EQ(cursor.x, 300 + i);
+            ASSERT_EQ(cursor.y, 200 + i);
         }
         d.Click(IDOK);
     });
