@@ -1,0 +1,48 @@
+// For programs that compare work of ours with the same work done by bare calls, in one process. Absolute times mean
+// little on a shared machine, so both take turns, and what is reported is the ratio of the medians:
+//
+//     int wmain() {
+//         Ratios ratios;
+//         ratios.Compare("opening 10,000 rules", Timed(OpenDialog), [] {
+//             PrepareList();
+//             return SecondsOf(FillListBare);   // only this part is measured
+//         });
+//         ratios.Grow("opening", {2500, 5000, 10000}, [](int rules) { return SecondsOf([=] { Open(rules); }); });
+//         ratios.Print();
+//         return 0;
+//     }
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+// Does its work once and gives the seconds of the part to be measured.
+using Work = std::function<double()>;
+
+// Seconds that the function takes.
+double SecondsOf(const std::function<void()>& function);
+
+// Work of which everything is measured.
+inline Work Timed(std::function<void()> function) {
+    return [function = std::move(function)] { return SecondsOf(function); };
+}
+
+class Ratios {
+public:
+    // Runs both in turns, once unmeasured and then `runs` times (5 at least), and gives ours / bare of the medians.
+    double Compare(const std::string& name, const Work& ours, const Work& bare, int runs = 7);
+
+    // Runs the work for each of the sizes, in turns, and notes each size against the one before: "NAME 5000/2500".
+    void Grow(const std::string& name, const std::vector<int>& sizes, const std::function<double(int)>& work,
+              int runs = 5);
+
+    // Prints a line "name: ratio R (ours X, bare Y)" for each pair, times in milliseconds. The last thing a program
+    // does.
+    void Print() const;
+
+private:
+    void Note(const std::string& name, double ours, double bare);
+
+    std::vector<std::string> m_lines;
+};
