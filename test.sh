@@ -55,6 +55,8 @@ if build windows; then
         step "comparing the export table"
         if scripts/check-exports build/windows/bin/RegistryRules.dll; then passed=$((passed + 1)); else fail "the export table"; fi
     fi
+    step "building a host of its own against the installed package"
+    if scripts/check-package windows; then passed=$((passed + 1)); else fail "the package (see build/package.log)"; fi
 fi
 step "done"
 echo "$passed passed, $failed failed"

@@ -1,0 +1,25 @@
+# `cmake --install` puts a package in place that another project finds by find_package(RegistryRules): the DLLs with those
+# of the toolchain, the import libraries, the headers, and RulesHost.exe with its sample.
+include(CMakePackageConfigHelpers)
+include(GNUInstallDirs)
+
+set(package_headers ${CMAKE_INSTALL_INCLUDEDIR}/RegistryRules)
+set(package_cmake ${CMAKE_INSTALL_LIBDIR}/cmake/RegistryRules)
+
+install(TARGETS RegistryRules framework ZmUiCtrl ZmCoreSv EXPORT RegistryRulesTargets
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(TARGETS RulesHost RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(FILES ${runtime_dlls} DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(FILES host/sample-rules.json docs/rules-file.md docs/host-guide.md DESTINATION ${CMAKE_INSTALL_DATADIR}/RegistryRules)
+
+# The headers keep their folders, because they include each other by them.
+install(FILES src/rules/RegistryRulesCtrl.h DESTINATION ${package_headers}/rules)
+install(DIRECTORY src/framework DESTINATION ${package_headers} FILES_MATCHING PATTERN *.h)
+
+install(EXPORT RegistryRulesTargets NAMESPACE RegistryRules:: DESTINATION ${package_cmake})
+set(package_dlls RegistryRules.dll framework.dll ZmUiCtrl.dll ZmCoreSv.dll ${toolchain_dlls})
+configure_package_config_file(cmake/RegistryRulesConfig.cmake.in ${CMAKE_BINARY_DIR}/RegistryRulesConfig.cmake
+    INSTALL_DESTINATION ${package_cmake} PATH_VARS CMAKE_INSTALL_BINDIR)
+write_basic_package_version_file(${CMAKE_BINARY_DIR}/RegistryRulesConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${CMAKE_BINARY_DIR}/RegistryRulesConfig.cmake ${CMAKE_BINARY_DIR}/RegistryRulesConfigVersion.cmake
+    DESTINATION ${package_cmake})
