@@ -122,7 +122,7 @@ template <typename Arguments>
 concept ZeroDeclines = Arguments::kZeroDeclines;
 
 template <typename Target, typename Answer, typename... Parameters, typename... Values>
-bool Call(CCmdTarget& target, Answer (Target::*handler)(Parameters...), AFX_MSG_CALL& call,
+void Call(CCmdTarget& target, Answer (Target::*handler)(Parameters...), AFX_MSG_CALL& call,
           std::tuple<Values...> values) {
     static_assert(std::is_same_v<std::tuple<std::remove_cvref_t<Parameters>...>, std::tuple<Values...>>,
                   "the handler's parameters are not those of its message");
@@ -135,7 +135,6 @@ bool Call(CCmdTarget& target, Answer (Target::*handler)(Parameters...), AFX_MSG_
     } else {
         call.result = static_cast<LRESULT>(std::apply(invoke, values));
     }
-    return true;
 }
 
 // The function that an entry holds: handles a message of the given kind with one member function.

@@ -1,5 +1,5 @@
 // Objects that the framework makes for handles which it did not create: FromHandle and its kin give them out, nobody
-// deletes them, and they end when the modal loop that was running when they were made goes idle or returns.
+// deletes them, and they end when the modal loop in which they were made goes idle or, with no loop, with the handler.
 #pragma once
 
 #include <memory>

@@ -34,7 +34,7 @@ public:
     BOOL GetItemImage(HTREEITEM item, int& image, int& selectedImage) const;
     BOOL SetItemImage(HTREEITEM item, int image, int selectedImage);
     UINT GetItemState(HTREEITEM item, UINT mask) const {
-        return static_cast<UINT>(Ask(TVM_GETITEMSTATE, reinterpret_cast<WPARAM>(item), nullptr)) & mask;
+        return static_cast<UINT>(SendMessage(TVM_GETITEMSTATE, reinterpret_cast<WPARAM>(item), mask));
     }
 
     // `code` is TVE_...

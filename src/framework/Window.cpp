@@ -22,6 +22,10 @@ size_t CWnd::PermanentCountForTesting() {
     return afx::ThisThread().permanent.size();
 }
 
+size_t CWnd::TemporaryCountForTesting() {
+    return afx::ThisThread().temporaries.size();
+}
+
 BOOL CWnd::Attach(HWND window) {
     if (window == nullptr || m_hWnd != nullptr) return FALSE;
     if (!afx::ThisThread().permanent.emplace(window, this).second) return FALSE;

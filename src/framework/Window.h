@@ -48,13 +48,16 @@ public:
     // Destroys a window that is still bound.
     ~CWnd() override;
 
-    // The object of the window; for one that has none, a temporary object, good for the calls of this handler: it ends
-    // when the modal loop goes idle, so keep the HWND and not the pointer. Null for null.
+    // The object of the window; for one that has none, a temporary object, good for this handler: it ends when the
+    // modal loop goes idle or, with no loop, when the handler returns, so keep the HWND and not the pointer. Null for
+    // null.
     static CWnd* FromHandle(HWND window);
     // The object that was bound to the window on this thread, or null.
     static CWnd* FromHandlePermanent(HWND window);
     // How many windows of this thread are bound to objects.
     static size_t PermanentCountForTesting();
+    // How many temporary objects of all classes this thread has.
+    static size_t TemporaryCountForTesting();
 
     HWND GetSafeHwnd() const { return m_hWnd; }
     operator HWND() const { return m_hWnd; }  // NOLINT(google-explicit-constructor)

@@ -5,20 +5,25 @@
 
 namespace {
 
-// Makes a message the current one until the end of the block.
+// Makes a message the current one until the end of the block. With the outermost message of a thread that runs no modal
+// loop, the temporary objects made for it end as well: there is no idle loop to do it.
 class CurrentMessage {
 public:
     CurrentMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
-        : m_current(afx::ThisThread().current), m_previous(m_current) {
-        m_current = {window, message, wParam, lParam, 0, {}};
+        : m_thread(afx::ThisThread()), m_previous(m_thread.current), m_temporaries(m_thread.temporaries.size()) {
+        m_thread.current = {window, message, wParam, lParam, 0, {}};
     }
-    ~CurrentMessage() { m_current = m_previous; }
+    ~CurrentMessage() {
+        m_thread.current = m_previous;
+        if (m_previous.hwnd == nullptr && m_thread.modal == nullptr) m_thread.TrimTemporaries(m_temporaries);
+    }
     CurrentMessage(const CurrentMessage&) = delete;
     CurrentMessage& operator=(const CurrentMessage&) = delete;
 
 private:
-    MSG& m_current;
+    afx::WindowThread& m_thread;
     const MSG m_previous;
+    const size_t m_temporaries;
 };
 
 // Outside of a modal loop nobody is left to catch: the user is told.
