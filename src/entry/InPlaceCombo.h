@@ -24,7 +24,6 @@ public:
 
 protected:
     CInPlaceCombo() = default;
-    ~CInPlaceCombo() override;
     LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
 
     afx_msg int OnCreate(LPCREATESTRUCT lpCreateStruct);
@@ -38,6 +37,8 @@ protected:
 private:
     friend class CEditorScope<CInPlaceCombo>;
 
+    void FocusList();
+
     static CInPlaceCombo* s_instance;
 
     int m_iRowIndex = -1;
@@ -45,6 +46,7 @@ private:
     BOOL m_bESC = FALSE;
     CString m_strWindowText;
     CStringList m_DropDownList{10};
+    bool m_isDropped = false;
     int m_droppedSelection = CB_ERR;  // what was selected when the list dropped down
     CEditorLife m_life;
 };

@@ -34,18 +34,15 @@ protected:
 
     afx_msg int OnCreate(LPCREATESTRUCT lpCreateStruct);
     afx_msg void OnKillFocus(CWnd* pNewWnd);
-    afx_msg void OnSetFocus(CWnd* pOldWnd);
     afx_msg void OnChar(UINT nChar, UINT nRepCnt, UINT nFlags);
-    afx_msg void OnKeyUp(UINT nChar, UINT nRepCnt, UINT nFlags);
-    afx_msg LRESULT OnPaste(WPARAM wParam, LPARAM lParam);
     DECLARE_MESSAGE_MAP()
 
 private:
     friend class CEditorScope<CInPlaceEdit>;
 
     void EndEdit();
-    bool ConfirmEmptyKey();
-    void NotifyList(const CString& text);
+    // Asks what to do about a key that was deleted: KEY_RETRY or KEY_DISMISSED.
+    int ConfirmDeletedKey(HWND dialog);
 
     static CInPlaceEdit* s_instance;
     static int m_bInPlaceEditActive;

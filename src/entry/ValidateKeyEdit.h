@@ -16,6 +16,4 @@ public:
     // the focus back and selects what is wrong; Cancel empties the control if it was the hive that was not known.
     // Runs a nested message loop while the box is up. A control that is destroyed meanwhile answers KEY_DISMISSED.
     int ValidateKey();
-
-    DECLARE_MESSAGE_MAP()
 };

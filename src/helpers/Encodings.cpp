@@ -65,9 +65,9 @@ CStringA WideToAnsi(LPCWSTR text) {
     if (!text || !*text) return result;
     const int length = static_cast<int>(std::wcslen(text));
     const int needed =
-        WideCharToMultiByte(CP_THREAD_ACP, WC_COMPOSITECHECK, text, length, nullptr, 0, nullptr, nullptr);
+        WideCharToMultiByte(CP_THREAD_ACP, WC_NO_BEST_FIT_CHARS, text, length, nullptr, 0, nullptr, nullptr);
     if (needed <= 0) return result;
-    const int written = WideCharToMultiByte(CP_THREAD_ACP, WC_COMPOSITECHECK, text, length,
+    const int written = WideCharToMultiByte(CP_THREAD_ACP, WC_NO_BEST_FIT_CHARS, text, length,
                                             result.GetBufferSetLength(needed), needed, nullptr, nullptr);
     result.ReleaseBuffer(written);
     return result;

@@ -21,7 +21,7 @@ std::unique_ptr<BYTE[]> WideToUtf8(const CString& text, bool padded, int& bytes)
 // Windows makes of them.
 std::unique_ptr<WCHAR[]> Utf8ToWide(LPCSTR text);
 
-// In the thread's ANSI code page, with composed characters for base and mark.
+// In the thread's ANSI code page; "?" for a character that it lacks, not one that merely looks alike.
 CStringA WideToAnsi(LPCWSTR text);
 
 // The UTF-8 bytes, padded, two to a character: no readable text but a carrier for the bytes. An odd last byte is

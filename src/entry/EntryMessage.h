@@ -1,0 +1,11 @@
+// The message boxes of the key edits and the cell editors.
+#pragma once
+
+#include <afxwin.h>
+
+// Shows the text in the framework's message box with the buttons of `type` and returns the id of the one pressed.
+int ShowEntryMessage(const CString& text, UINT type);
+
+// Whether such a box is up. The box takes the focus and its end gives the focus back; an editor that took these moves
+// for the user leaving it would ask about the same text a second time.
+bool IsEntryMessageUp();
