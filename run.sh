@@ -1,0 +1,58 @@
+#!/usr/bin/env bash
+# Builds the product and opens the dialog over a sample registry, in a Wine prefix of its own.
+#   ./run.sh [FILE]   works on the rules file FILE instead of a copy of host/sample-rules.json
+# Without a display, a virtual one is used and the dialog is worked as a person would; a picture of it is saved.
+set -euo pipefail
+cd "$(dirname "$0")"
+. scripts/packages
+. scripts/virtual-desk
+
+step() { printf '%s  %s\n' "$(date +%H:%M:%S)" "$*"; }
+
+install_missing "${packages[@]}"
+[ -n "${DISPLAY:-}" ] || install_missing "${picture_packages[@]}"
+
+step "building: windows-release"
+mkdir -p build/run
+if ! { cmake --preset windows-release && cmake --build --preset windows-release --target RulesHost; } \
+    >build/run/build.log 2>&1; then
+    grep -E 'error|undefined reference' build/run/build.log | head -40
+    fail "the build (whole log: build/run/build.log)"
+fi
+host=build/windows-release/bin/RulesHost.exe
+rules=${1:-build/run/rules.json}
+[ $# -gt 0 ] || cp host/sample-rules.json "$rules"
+
+if [ -n "${DISPLAY:-}" ]; then
+    step "preparing the prefix and the sample registry"
+    trap end_desk EXIT
+    fresh_prefix "$PWD/build/run/prefix"
+    # A window manager draws the frame and moves the window.
+    without_display wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d Y /f
+    restart_server
+    step "opening the dialog"
+    wine "$host" "$rules"
+    step "the rules are in $rules"
+    exit 0
+fi
+
+step "preparing the virtual display, the prefix and the sample registry"
+start_desk build/run
+start_host "$host" "$rules"
+
+step "opening a hive in the tree"
+press Down Right
+step "typing a key into the strip"
+click $STRIP_KEY_X $STRIP_Y
+type_text 'HKCU\Software\Oakmere Instruments\Gauge'
+press Return
+step "changing the kind of the new rule from Branch to Key"
+edit_cell 0 $TYPE_COLUMN_X
+press k Return
+step "taking the picture"
+shot build/run/dialog.png
+step "pressing OK"
+click $OK_X $BUTTONS_Y
+end_host || fail "the host ended with an error"
+cat build/run/host.log
+step "the rules are in $rules, the picture is build/run/dialog.png"
