@@ -4,6 +4,7 @@
 #include <commctrl.h>
 
 #include <algorithm>
+#include <cwctype>
 
 #include "support/Input.h"
 #include "support/Narrow.h"
@@ -196,6 +197,11 @@ void Dialog::KeyDown(WORD virtualKey) {
 
 void Dialog::KeyUp(WORD virtualKey) {
     KeyStep("key up " + std::to_string(virtualKey), [&] { input::KeyUp(virtualKey); });
+}
+
+void Dialog::Alt(wchar_t letter) {
+    // The virtual keys of the letters are their capitals.
+    Key(static_cast<WORD>(std::towupper(letter)), {VK_MENU});
 }
 
 void Dialog::Type(std::wstring_view text) {

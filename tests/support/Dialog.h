@@ -59,7 +59,7 @@ public:
     void Key(WORD virtualKey, std::initializer_list<WORD> held = {});
     void KeyDown(WORD virtualKey);
     void KeyUp(WORD virtualKey);
-    void Alt(wchar_t letter) { Key(static_cast<WORD>(letter), {VK_MENU}); }
+    void Alt(wchar_t letter);
     // Any characters; keys such as Return are pressed by Key.
     void Type(std::wstring_view text);
 

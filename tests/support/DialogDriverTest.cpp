@@ -221,7 +221,7 @@ TEST(DialogDriver, AnswersExpectedBoxesInTheirOrder) {
         EXPECT_EQ(s_seen.answer, IDYES);
         d.Click(IDC_ASK);
         EXPECT_EQ(d.ExpectBox(), L"First question");
-        d.Alt(L'N');
+        d.Alt(L'n');
         d.WaitFor("the answer No", [] { return s_seen.answer == IDNO; });
         d.Click(IDOK);
     });
