@@ -9,7 +9,9 @@
 
 #include "resources/resource.h"
 #include "rules/RegistryRulesCtrl.h"
+#include "support/DialogDriver.h"
 #include "support/ImportPatch.h"
+#include "support/WindowText.h"
 
 namespace {
 
@@ -23,8 +25,11 @@ constexpr char SetModuleStateName[] = "_Z17AfxSetModuleStateP16AFX_MODULE_STATE"
 
 std::vector<AFX_MODULE_STATE*> g_statesSet;
 
+// Only of the test's own thread: the library's entry point also runs for threads that start meanwhile.
+const DWORD g_thread = GetCurrentThreadId();
+
 AFX_MODULE_STATE* NoteState(AFX_MODULE_STATE* state) {
-    g_statesSet.push_back(state);
+    if (GetCurrentThreadId() == g_thread) g_statesSet.push_back(state);
     return AfxSetModuleState(state);
 }
 
@@ -93,6 +98,27 @@ TEST_F(ModuleState, AnExceptionThatLeavesTheLibraryGivesTheHostItsStateBack) {
     };
     ExpectLibraryStateDuring("GetKeyRule", [&] { raises([&] { editor.GetKeyRule(-1, text, &isBranch, &position); }); });
     ExpectLibraryStateDuring("GetValueRule", [&] { raises([&] { editor.GetValueRule(-1, text, text, &position); }); });
+}
+
+TEST_F(ModuleState, TheDialogAndItsBoxesShowTheLibrarysResources) {
+    CRegistryRulesCtrl editor;
+    editor.AddValueRule(L"HKCU\\a", nullptr, 0);
+    DialogDriver driver;
+    ExpectLibraryStateDuring("Show", [&] {
+        driver.Run([&] { EXPECT_EQ(editor.Show(), 0); },
+                   [](Dialog& d) {
+                       EXPECT_EQ(WindowText(d.Window()), L"Registry Rules");
+                       EXPECT_EQ(d.Text(IDC_NEW_KEY), L"Click here to create a new rule");
+                       const std::vector<std::wstring> row{L"Value", L"HKCU\\a", L"(Default)"};
+                       EXPECT_EQ(d.List(IDC_RULE_LIST).Row(0), row);
+                       d.List(IDC_RULE_LIST).Click(0, 1);
+                       d.Click(IDC_DELETE_RULE);
+                       d.Click(IDCANCEL);
+                       EXPECT_TRUE(d.ExpectBox().starts_with(L"Changes have been made to the Registry Rules."));
+                       EXPECT_EQ(WindowText(GetForegroundWindow()), L"Registry Rules");
+                       d.AnswerBox(IDYES);
+                   });
+    });
 }
 
 TEST_F(ModuleState, TheTextOfTheDefaultValueIsTheLibrarysNotTheHosts) {

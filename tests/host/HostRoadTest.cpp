@@ -1,0 +1,140 @@
+// The whole program in this process: rules from the file, through the dialog, back into the file.
+#include <windows.h>
+
+#include <algorithm>
+#include <gtest/gtest.h>
+
+#include "FileText.h"
+#include "RulesFile.h"
+#include "RulesHost.h"
+#include "resources/resource.h"
+#include "support/DialogDriver.h"
+#include "support/ImportPatch.h"
+#include "support/ScopedTestDir.h"
+
+namespace {
+
+constexpr char Rules[] =
+    R"({"format": "registry-rules", "version": 1, "rules": [
+        {"type": "value", "key": "HKCU\\Environment", "value": "", "position": 1},
+        {"type": "key", "key": "HKEY_CURRENT_USER\\Gr\u00f6\u00dfe", "position": 0}]})";
+
+// Sends one of the process's standard streams into a file as long as it lives.
+class RedirectedStream {
+public:
+    RedirectedStream(DWORD stream, const std::wstring& path) : m_stream(stream), m_before(GetStdHandle(stream)) {
+        m_file = CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS, 0, nullptr);
+        SetStdHandle(m_stream, m_file);
+    }
+    ~RedirectedStream() {
+        SetStdHandle(m_stream, m_before);
+        CloseHandle(m_file);
+    }
+    RedirectedStream(const RedirectedStream&) = delete;
+    RedirectedStream& operator=(const RedirectedStream&) = delete;
+
+private:
+    DWORD m_stream;
+    HANDLE m_before;
+    HANDLE m_file;
+};
+
+class HostRoad : public testing::Test {
+protected:
+    // Runs the host on the file while the script works its dialog; gives the exit code.
+    int Run(const std::function<void(Dialog&)>& script) {
+        int exitCode = -1;
+        const ScopedTestDir streams;
+        {
+            const RedirectedStream output(STD_OUTPUT_HANDLE, streams.Path(L"output"));
+            const RedirectedStream errors(STD_ERROR_HANDLE, streams.Path(L"errors"));
+            DialogDriver().Run([&] { exitCode = RunHost({m_path}); }, script);
+        }
+        m_output = ReadFileText(streams.Path(L"output")).value_or("");
+        m_errors = ReadFileText(streams.Path(L"errors")).value_or("");
+        return exitCode;
+    }
+
+    static void AddRuleByStrip(Dialog& d, const std::wstring& key) {
+        d.Click(IDC_NEW_KEY);
+        d.Type(key);
+        d.Key(VK_RETURN);
+    }
+
+    const ScopedTestDir m_folder;
+    const std::wstring m_path = m_folder.Path(L"Regeln \x4E2D.json");
+    std::string m_output;
+    std::string m_errors;
+};
+
+TEST_F(HostRoad, AChangedSetIsSavedInRowOrderWithFullHiveNames) {
+    ReplaceFileText(m_path, Rules);
+    EXPECT_EQ(Run([](Dialog& d) {
+                  AddRuleByStrip(d, L"hklm\\Software\\\x4E2D");
+                  d.Click(IDOK);
+              }),
+              0);
+    const std::vector<HostRule> expected{{RuleKind::Branch, "HKEY_LOCAL_MACHINE\\Software\\\xE4\xB8\xAD", "", 0},
+                                         {RuleKind::Key,
+                                          "HKEY_CURRENT_USER\\Gr\xC3\xB6\xC3\x9F"
+                                          "e",
+                                          "", 1},
+                                         {RuleKind::Value, "HKEY_CURRENT_USER\\Environment", "", 2}};
+    EXPECT_EQ(ParseRules(ReadFileText(m_path).value_or("")), expected);
+    EXPECT_EQ(m_errors, "");
+    const std::size_t after = m_output.find("Rules after:\n");
+    ASSERT_NE(after, std::string::npos) << m_output;
+    EXPECT_NE(m_output.find("value  HKCU\\Environment"), std::string::npos) << m_output;
+    EXPECT_NE(m_output.find("HKEY_LOCAL_MACHINE\\Software\\\xE4\xB8\xAD", after), std::string::npos) << m_output;
+}
+
+TEST_F(HostRoad, AMissingFileIsAnEmptySetAndIsMade) {
+    EXPECT_EQ(Run([](Dialog& d) {
+                  EXPECT_EQ(d.List(IDC_RULE_LIST).RowCount(), 0);
+                  AddRuleByStrip(d, L"HKCU\\Software");
+                  d.Click(IDOK);
+              }),
+              0);
+    EXPECT_EQ(ParseRules(ReadFileText(m_path).value_or("")),
+              std::vector<HostRule>({{RuleKind::Branch, "HKEY_CURRENT_USER\\Software", "", 0}}));
+    EXPECT_NE(m_output.find("(no rules)"), std::string::npos) << m_output;
+}
+
+TEST_F(HostRoad, CancelAndAnOkWithoutChangeLeaveTheFileByteForByte) {
+    ReplaceFileText(m_path, Rules);
+    EXPECT_EQ(Run([](Dialog& d) { d.Click(IDOK); }), 0);
+    EXPECT_EQ(ReadFileText(m_path), Rules);
+    EXPECT_EQ(Run([](Dialog& d) {
+                  AddRuleByStrip(d, L"HKCU\\Software");
+                  d.Click(IDCANCEL);
+                  d.AnswerBox(IDYES);
+              }),
+              0);
+    EXPECT_EQ(ReadFileText(m_path), Rules);
+}
+
+TEST_F(HostRoad, WhatCannotBeSavedGivesCode1AndLeavesTheFileAsItWas) {
+    ReplaceFileText(m_path, Rules);
+    {
+        const ImportPatch<decltype(&MoveFileExW)> patch(GetModuleHandleW(nullptr), "MoveFileExW",
+                                                        [](LPCWSTR, LPCWSTR, DWORD) {
+                                                            SetLastError(ERROR_SHARING_VIOLATION);
+                                                            return FALSE;
+                                                        });
+        EXPECT_EQ(Run([](Dialog& d) {
+                      AddRuleByStrip(d, L"HKCU\\Software");
+                      d.Click(IDOK);
+                  }),
+                  1);
+    }
+    EXPECT_EQ(std::count(m_errors.begin(), m_errors.end(), '\n'), 1) << m_errors;
+    EXPECT_EQ(Run([](Dialog& d) {
+                  SetWindowTextW(d.Control(IDC_NEW_KEY), L"HKCU\\half \xD83D pair");
+                  d.Click(IDOK);
+              }),
+              1);
+    EXPECT_NE(m_errors.find("surrogate"), std::string::npos) << m_errors;
+    EXPECT_EQ(ReadFileText(m_path), Rules);
+}
+
+}  // namespace
