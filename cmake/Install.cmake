@@ -1,12 +1,16 @@
 # `cmake --install` puts a package in place that another project finds by find_package(RegistryRules): the DLLs with those
-# of the toolchain, the import libraries, the headers, and RulesHost.exe with its sample.
+# of the toolchain, the import libraries, the toolkit, the headers, and RulesHost.exe with its sample.
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
 set(package_headers ${CMAKE_INSTALL_INCLUDEDIR}/RegistryRules)
 set(package_cmake ${CMAKE_INSTALL_LIBDIR}/cmake/RegistryRules)
 
-install(TARGETS RegistryRules framework ZmUiCtrl ZmCoreSv EXPORT RegistryRulesTargets
+if(CMAKE_BUILD_TYPE STREQUAL Checked)
+    # The guarded stack of the checked objects, for programs that are not themselves built with it.
+    target_link_libraries(toolkit INTERFACE $<INSTALL_INTERFACE:ssp>)
+endif()
+install(TARGETS RegistryRules framework ZmUiCtrl ZmCoreSv toolkit decisions EXPORT RegistryRulesTargets
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(TARGETS RulesHost RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES ${runtime_dlls} DESTINATION ${CMAKE_INSTALL_BINDIR})
@@ -14,7 +18,11 @@ install(FILES host/sample-rules.json docs/rules-file.md docs/host-guide.md DESTI
 
 # The headers keep their folders, because they include each other by them.
 install(FILES src/rules/RegistryRulesCtrl.h DESTINATION ${package_headers}/rules)
-install(DIRECTORY src/framework DESTINATION ${package_headers} FILES_MATCHING PATTERN *.h)
+foreach(folder framework siblings helpers registry crypto profiles files transports)
+    if(EXISTS ${PROJECT_SOURCE_DIR}/src/${folder})
+        install(DIRECTORY src/${folder} DESTINATION ${package_headers} FILES_MATCHING PATTERN *.h)
+    endif()
+endforeach()
 
 install(EXPORT RegistryRulesTargets NAMESPACE RegistryRules:: DESTINATION ${package_cmake})
 set(package_dlls RegistryRules.dll framework.dll ZmUiCtrl.dll ZmCoreSv.dll ${toolchain_dlls})
