@@ -7,7 +7,7 @@
 
 namespace ShellIcons {
 
-enum ShellIconId : int {
+enum ShellIconId {
     ClosedFolder = 3,  // also stands for a registry key
 };
 

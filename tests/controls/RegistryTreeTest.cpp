@@ -1,0 +1,301 @@
+#include "controls/RegistryTree.h"
+
+#include <functional>
+#include <gtest/gtest.h>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "controls/RegistryWatch.h"
+#include "resources/resource.h"
+#include "support/ScopedRegistryKey.h"
+
+namespace {
+
+using Texts = std::vector<std::wstring>;
+
+// A tree in a window that is never shown, over the real registry, in which each test has a key of its own.
+class RegistryTreeTest : public testing::Test {
+protected:
+    RegistryTreeTest() { m_parent.CreateEx(0, L"STATIC", L"", WS_POPUP, CRect(0, 0, 300, 400), nullptr, 0); }
+    ~RegistryTreeTest() override { m_parent.DestroyWindow(); }
+
+    void OpenTree(bool showValues = true) {
+        constexpr DWORD kStyle = WS_CHILD | WS_VISIBLE | TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT;
+        m_tree.Create(kStyle, CRect(0, 0, 300, 400), &m_parent, IDC_REGISTRY_TREE);
+        m_tree.Initialize(showValues);
+    }
+
+    CRegistryTree& Tree() { return m_tree; }
+
+    std::wstring Text(HTREEITEM item) { return Tree().GetItemText(item).GetString(); }
+
+    std::vector<HTREEITEM> Items(HTREEITEM parent) {
+        std::vector<HTREEITEM> items;
+        HTREEITEM item = parent != nullptr ? Tree().GetChildItem(parent) : Tree().GetRootItem();
+        for (; item != nullptr; item = Tree().GetNextSiblingItem(item)) {
+            items.push_back(item);
+        }
+        return items;
+    }
+
+    Texts Children(HTREEITEM parent) {
+        Texts texts;
+        for (const HTREEITEM item : Items(parent)) {
+            texts.push_back(Text(item));
+        }
+        return texts;
+    }
+
+    HTREEITEM Child(HTREEITEM parent, const std::wstring& text) {
+        for (const HTREEITEM item : Items(parent)) {
+            if (Text(item) == text) {
+                return item;
+            }
+        }
+        return nullptr;
+    }
+
+    // The item of a key below HKEY_CURRENT_USER, with all above it expanded.
+    HTREEITEM Reach(const Texts& names) {
+        HTREEITEM item = Child(nullptr, L"HKEY_CURRENT_USER");
+        for (const std::wstring& name : names) {
+            Tree().Expand(item, TVE_EXPAND);
+            item = Child(item, name);
+        }
+        return item;
+    }
+
+    std::wstring Path(HTREEITEM item) {
+        HKEY root = nullptr;
+        CString path;
+        Tree().GetItemPath(item, root, path);
+        EXPECT_TRUE(item == nullptr || root == HKEY_CURRENT_USER);
+        return path.GetString();
+    }
+
+    CWnd m_parent;
+    CRegistryTree m_tree;
+    ScopedRegistryKey m_key;
+};
+
+TEST_F(RegistryTreeTest, BeginsWithTheHivesInAlphabeticalOrder) {
+    OpenTree();
+    EXPECT_EQ(Children(nullptr), (Texts{L"HKEY_CLASSES_ROOT", L"HKEY_CURRENT_CONFIG", L"HKEY_CURRENT_USER",
+                                        L"HKEY_LOCAL_MACHINE", L"HKEY_USERS"}));
+    const std::map<std::wstring, HKEY> roots{{L"HKEY_CLASSES_ROOT", HKEY_CLASSES_ROOT},
+                                             {L"HKEY_CURRENT_CONFIG", HKEY_CURRENT_CONFIG},
+                                             {L"HKEY_CURRENT_USER", HKEY_CURRENT_USER},
+                                             {L"HKEY_LOCAL_MACHINE", HKEY_LOCAL_MACHINE},
+                                             {L"HKEY_USERS", HKEY_USERS}};
+    for (const HTREEITEM hive : Items(nullptr)) {
+        HKEY root = nullptr;
+        CString path = L"left over";
+        Tree().GetItemPath(hive, root, path);
+        EXPECT_EQ(root, roots.at(Text(hive)));
+        EXPECT_TRUE(path.IsEmpty());
+        EXPECT_TRUE(Tree().IsKeyItem(hive));
+        EXPECT_TRUE(Tree().IsHiveItem(hive));
+    }
+}
+
+TEST_F(RegistryTreeTest, ListsKeysAboveValuesCapitalsFirst) {
+    for (const wchar_t* name : {L"apple", L"Zebra", L"zebra2", L"Apple3"}) {
+        m_key.AddKey(name);
+    }
+    m_key.SetText(L"", L"value", L"");
+    m_key.SetText(L"", L"Value2", L"");
+    m_key.SetText(L"", L"", L"the default value");
+    OpenTree();
+    const HTREEITEM item = Reach({L"Software", m_key.Name()});
+    ASSERT_NE(item, nullptr);
+    Tree().Expand(item, TVE_EXPAND);
+    EXPECT_EQ(Children(item), (Texts{L"Apple3", L"Zebra", L"apple", L"zebra2", L"", L"Value2", L"value"}));
+    EXPECT_TRUE(Tree().IsKeyItem(Child(item, L"apple")));
+    EXPECT_FALSE(Tree().IsHiveItem(Child(item, L"apple")));
+    EXPECT_FALSE(Tree().IsKeyItem(Child(item, L"")));
+    EXPECT_EQ(Path(Child(item, L"Zebra")), m_key.Path() + L"\\Zebra");
+    EXPECT_EQ(Path(Child(item, L"value")), m_key.Path() + L"\\value");
+    EXPECT_EQ(Path(Child(item, L"")), m_key.Path());
+    EXPECT_EQ(Path(nullptr), L"");
+    EXPECT_FALSE(Tree().IsKeyItem(nullptr));
+    EXPECT_FALSE(Tree().IsHiveItem(nullptr));
+}
+
+TEST_F(RegistryTreeTest, PicturesFollowTheTypeOfTheValue) {
+    for (DWORD type = REG_NONE; type <= REG_QWORD; ++type) {
+        m_key.SetData(L"", std::to_wstring(type), type, L"", 2);
+    }
+    m_key.SetData(L"", L"unknown", 0x12345, L"", 2);
+    m_key.AddKey(L"key");
+    OpenTree();
+    const HTREEITEM item = Reach({L"Software", m_key.Name()});
+    Tree().Expand(item, TVE_EXPAND);
+    int keyImage = -1;
+    int image = -1;
+    int selected = -1;
+    Tree().GetItemImage(Child(item, L"key"), keyImage, selected);
+    EXPECT_EQ(keyImage, selected);
+    Tree().GetItemImage(item, image, selected);
+    EXPECT_EQ(image, keyImage);
+
+    std::map<int, Texts> byImage;
+    for (const HTREEITEM value : Items(item)) {
+        Tree().GetItemImage(value, image, selected);
+        EXPECT_EQ(image, selected);
+        byImage[image].push_back(Text(value));
+    }
+    ASSERT_EQ(byImage.size(), 3u);
+    EXPECT_EQ(byImage.at(keyImage), Texts{L"key"});
+    byImage.erase(keyImage);
+    // The binary picture was appended first.
+    EXPECT_EQ(byImage.begin()->second, (Texts{L"0", L"10", L"11", L"3", L"4", L"5", L"6", L"8", L"9", L"unknown"}));
+    EXPECT_EQ(byImage.rbegin()->second, (Texts{L"1", L"2", L"7"}));
+    EXPECT_LT(byImage.rbegin()->first, ImageList_GetImageCount(TreeView_GetImageList(Tree().m_hWnd, TVSIL_NORMAL)));
+}
+
+TEST_F(RegistryTreeTest, PlusSignNeedsSomethingToShow) {
+    m_key.AddKey(L"empty");
+    m_key.AddKey(L"with key\\below");
+    m_key.SetText(L"with value", L"v", L"");
+    for (const bool showValues : {true, false}) {
+        OpenTree(showValues);
+        const HTREEITEM item = Reach({L"Software", m_key.Name()});
+        Tree().Expand(item, TVE_EXPAND);
+        EXPECT_EQ(Items(Child(item, L"empty")).size(), 0u);
+        EXPECT_EQ(Items(Child(item, L"with key")).size(), 1u);
+        EXPECT_EQ(Items(Child(item, L"with value")).size(), showValues ? 1u : 0u);
+        const HTREEITEM placeholder = Items(Child(item, L"with key")).front();
+        EXPECT_FALSE(Tree().IsKeyItem(placeholder)) << "a placeholder has no record";
+        m_tree.DestroyWindow();
+    }
+}
+
+TEST_F(RegistryTreeTest, WithoutValuesListsKeysOnly) {
+    m_key.AddKey(L"key");
+    m_key.SetText(L"", L"value", L"");
+    OpenTree(false);
+    const RegistryWatch watch;
+    const HTREEITEM item = Reach({L"Software", m_key.Name()});
+    Tree().Expand(item, TVE_EXPAND);
+    EXPECT_EQ(Children(item), Texts{L"key"});
+}
+
+TEST_F(RegistryTreeTest, ReadsNothingBeforeItIsNeeded) {
+    m_key.AddKey(L"one\\below");
+    m_key.AddKey(L"two");
+    m_key.SetText(L"", L"v1", L"");
+    RegistryWatch watch;
+    OpenTree();
+    RegistryWatch::Calls calls = watch.Take();
+    EXPECT_EQ(calls.queried, 5) << "one question for each hive's plus sign";
+    EXPECT_EQ(calls.opened.size(), 0u);
+    EXPECT_EQ(calls.subkeysAsked + calls.valuesAsked + calls.closed, 0);
+
+    const HTREEITEM item = Reach({L"Software", m_key.Name()});
+    ASSERT_NE(item, nullptr);
+    watch.Take();
+    Tree().Expand(item, TVE_EXPAND);
+    calls = watch.Take();
+    EXPECT_EQ(calls.opened, (Texts{m_key.Path(), m_key.Path() + L"\\one", m_key.Path() + L"\\two"}));
+    EXPECT_EQ(calls.subkeysAsked, 3);
+    EXPECT_EQ(calls.valuesAsked, 2);
+    EXPECT_EQ(calls.queried, 3);
+    EXPECT_EQ(calls.closed, 2) << "the expanded key itself stays open";
+
+    // Once in the life of the tree: nothing is read again.
+    m_key.AddKey(L"three");
+    Tree().Expand(item, TVE_COLLAPSE);
+    Tree().Expand(item, TVE_EXPAND);
+    calls = watch.Take();
+    EXPECT_EQ(calls.opened.size(), 0u);
+    EXPECT_EQ(calls.subkeysAsked, 0);
+    EXPECT_EQ(Children(item), (Texts{L"one", L"two", L"v1"}));
+}
+
+TEST_F(RegistryTreeTest, LeavesOutWhatCannotBeOpened) {
+    m_key.AddKey(L"a");
+    m_key.AddKey(L"secret");
+    m_key.AddKey(L"z");
+    OpenTree();
+    RegistryWatch watch;
+    watch.Deny(m_key.Path() + L"\\secret");
+    const HTREEITEM item = Reach({L"Software", m_key.Name()});
+    Tree().Expand(item, TVE_EXPAND);
+    EXPECT_EQ(Children(item), (Texts{L"a", L"z"}));
+}
+
+TEST_F(RegistryTreeTest, KeyThatCannotBeOpenedAnyMoreShowsNothingBelow) {
+    m_key.AddKey(L"gone\\below");
+    OpenTree();
+    const HTREEITEM parent = Reach({L"Software", m_key.Name()});
+    Tree().Expand(parent, TVE_EXPAND);
+    const HTREEITEM item = Child(parent, L"gone");
+    ASSERT_EQ(Items(item).size(), 1u);
+    RegDeleteTreeW(m_key.Key(), L"gone");
+    Tree().Expand(item, TVE_EXPAND);
+    EXPECT_EQ(Items(item).size(), 0u) << "the placeholder went";
+    EXPECT_EQ(Children(parent), Texts{L"gone"}) << "the tree shows what was";
+    EXPECT_EQ(Path(item), m_key.Path() + L"\\gone");
+}
+
+TEST_F(RegistryTreeTest, EnumerationThatFailsLeavesWhatItGave) {
+    for (const wchar_t* name : {L"a", L"b", L"c"}) {
+        m_key.AddKey(name);
+    }
+    m_key.SetText(L"", L"value", L"");
+    OpenTree();
+    const HTREEITEM item = Reach({L"Software", m_key.Name()});
+    RegistryWatch watch;
+    watch.FailSubkeyAt(2);
+    Tree().Expand(item, TVE_EXPAND);
+    EXPECT_EQ(Children(item), (Texts{L"a", L"b", L"value"}));
+}
+
+TEST_F(RegistryTreeTest, TakesNamesOfAllKinds) {
+    const Texts names{L"%s%n",
+                      L" blank ",
+                      L"for/ward",
+                      L"tab\there",
+                      L"\u00c4\u4e2d\U0001f511",
+                      L"\"quoted\" & more",
+                      L"HKCU",
+                      std::wstring(255, L'k')};
+    const std::wstring longValue(16000, L'v');
+    for (const std::wstring& name : names) {
+        m_key.AddKey(name + L"\\below");
+    }
+    m_key.SetText(L"", L"back\\slash", L"");
+    m_key.SetText(L"", longValue, L"");
+    OpenTree();
+    const HTREEITEM parent = Reach({L"Software", m_key.Name()});
+    Tree().Expand(parent, TVE_EXPAND);
+    ASSERT_EQ(Items(parent).size(), names.size() + 2);
+    for (const std::wstring& name : names) {
+        const HTREEITEM item = Child(parent, name);
+        ASSERT_NE(item, nullptr) << testing::PrintToString(name);
+        EXPECT_EQ(Path(item), m_key.Path() + L"\\" + name);
+        Tree().Expand(item, TVE_EXPAND);
+        EXPECT_EQ(Children(item), Texts{L"below"}) << testing::PrintToString(name);
+    }
+    EXPECT_NE(Child(parent, L"back\\slash"), nullptr);
+    EXPECT_NE(Child(parent, longValue), nullptr);
+}
+
+TEST_F(RegistryTreeTest, GoesDeep) {
+    std::wstring path;
+    for (int level = 0; level < 60; ++level) {
+        path += (path.empty() ? L"" : L"\\") + std::wstring(100, L'd');
+    }
+    m_key.AddKey(path);
+    OpenTree();
+    HTREEITEM item = Reach({L"Software", m_key.Name()});
+    for (int level = 0; level < 60; ++level) {
+        Tree().Expand(item, TVE_EXPAND);
+        item = Tree().GetChildItem(item);
+        ASSERT_NE(item, nullptr) << level;
+    }
+    EXPECT_EQ(Path(item), m_key.Path() + L"\\" + path);
+}
+
+}  // namespace
