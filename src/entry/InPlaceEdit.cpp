@@ -49,9 +49,7 @@ BOOL CInPlaceEdit::ShowEditCtrl(DWORD style, const RECT& rect, CWnd* parent, UIN
 
     m_bInPlaceEditActive = 1;
     m_life.m_ended = false;
-    const BOOL created = Create(style, rect, parent, id);
-    if (!created) m_bInPlaceEditActive = 0;
-    return created;
+    return Create(style, rect, parent, id);
 }
 
 int CInPlaceEdit::ValidateInPlace() {
@@ -74,7 +72,8 @@ LRESULT CInPlaceEdit::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 void CInPlaceEdit::PostNcDestroy() {
-    // A window that goes down with its list in the middle of an edit must not block the next one.
+    // A window that goes down with its list in the middle of an edit, or could not be created, must not block the next
+    // edit.
     m_bInPlaceEditActive = 0;
     CColorEdit::PostNcDestroy();
 }
@@ -123,8 +122,7 @@ void CInPlaceEdit::EndEdit() {
     const bool keyDeleted = text.IsEmpty() && m_iColumnIndex == kKeyColumn;
     const int result = keyDeleted ? ConfirmDeletedKey(dialog) : ValidateInPlace();
     if (m_hWnd == nullptr) return;  // gone while the box was up
-    if (result == KEY_RETRY) {
-        SetFocus();
+    if (result == KEY_RETRY) {      // and the focus is back here
         ::SendMessageW(dialog, RRM_CELL_EDIT_HELD, 0, 0);
         return;
     }

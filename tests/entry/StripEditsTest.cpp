@@ -213,6 +213,22 @@ TEST_F(StripEdits, ColoursFollowTheStateOfTheKeyBox) {
     });
 }
 
+TEST_F(StripEdits, AColourShowsAtOnce) {
+    Run([&](Dialog& d) {
+        d.OnGuiThread([&] {
+            const HDC dc = GetDC(m_dialog->key.m_hWnd);
+            RECT area{};
+            GetClientRect(m_dialog->key.m_hWnd, &area);
+            for (const COLORREF color : {RGB(0, 0, 0xF0), RGB(0xF0, 0, 0)}) {
+                m_dialog->key.SetBackgroundColor(color);
+                EXPECT_EQ(GetPixel(dc, area.right - 3, area.bottom / 2), color);
+            }
+            ReleaseDC(m_dialog->key.m_hWnd, dc);
+        });
+        Close(d);
+    });
+}
+
 TEST_F(StripEdits, TextsOfAnyLengthCanBeTypedOnAndAreCheckedWhole) {
     const std::wstring key = L"HKLM\\" + std::wstring(40000, L'k');
     Run([&](Dialog& d) {
