@@ -23,8 +23,8 @@ public:
     // The Win32 status of the failed call.
     DWORD GetStatus() const { return m_status; }
 
-    // The system's text for the status, with its trailing line break. FALSE when it has none or `maxChars`, which
-    // counts the terminator, is too small; the buffer is then all zeros. `helpContext` is ignored.
+    // The system's text for the status, with its trailing line break. FALSE when it has none, or when `maxChars`, which
+    // counts the terminator, is too small for it; what the buffer holds then is terminated. `helpContext` is ignored.
     BOOL GetErrorMessage(LPWSTR buffer, UINT maxChars, PUINT helpContext = nullptr) const override;
 
 private:

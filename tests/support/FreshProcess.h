@@ -14,15 +14,25 @@
 #include <cstdlib>
 #include <gtest/gtest.h>
 
-[[noreturn]] inline void EndFreshProcess() {
-    std::fflush(stdout);
+// The framework prints nothing in the new process, so what failed goes out with its error output.
+inline void PrintFailures() {
+    const testing::TestResult& result = *testing::UnitTest::GetInstance()->current_test_info()->result();
+    for (int i = 0; i < result.total_part_count(); ++i) {
+        const testing::TestPartResult& part = result.GetTestPartResult(i);
+        if (part.failed()) std::fprintf(stderr, "%s:%d: %s\n", part.file_name(), part.line_number(), part.message());
+    }
+}
+
+template <class Check>
+[[noreturn]] void RunAndEnd(const Check& check) {
+    check();
+    PrintFailures();
+    std::fflush(stderr);
     std::_Exit(testing::Test::HasFailure() ? 1 : 0);
 }
 
-#define EXPECT_IN_FRESH_PROCESS(...) \
-    EXPECT_EXIT(                     \
-        {                            \
-            (__VA_ARGS__)();         \
-            EndFreshProcess();       \
-        },                           \
-        testing::ExitedWithCode(0), "")
+#define EXPECT_IN_FRESH_PROCESS(...)                                        \
+    do {                                                                    \
+        const auto freshCheck = __VA_ARGS__;                                \
+        EXPECT_EXIT(RunAndEnd(freshCheck), testing::ExitedWithCode(0), ""); \
+    } while (false)
