@@ -16,8 +16,8 @@ namespace {
 
 constexpr char Rules[] =
     R"({"format": "registry-rules", "version": 1, "rules": [
-        {"type": "value", "key": "HKCU\\Environment", "value": "", "position": 1},
-        {"type": "key", "key": "HKEY_CURRENT_USER\\Gr\u00f6\u00dfe", "position": 0}]})";
+        {"type": "value", "key": "HKCU\\Environment", "value": "", "position": 0},
+        {"type": "key", "key": "HKEY_CURRENT_USER\\Gr\u00f6\u00dfe", "position": 1}]})";
 
 // Sends one of the process's standard streams into a file as long as it lives.
 class RedirectedStream {
@@ -75,11 +75,11 @@ TEST_F(HostRoad, AChangedSetIsSavedInRowOrderWithFullHiveNames) {
               }),
               0);
     const std::vector<HostRule> expected{{RuleKind::Branch, "HKEY_LOCAL_MACHINE\\Software\\\xE4\xB8\xAD", "", 0},
+                                         {RuleKind::Value, "HKEY_CURRENT_USER\\Environment", "", 1},
                                          {RuleKind::Key,
                                           "HKEY_CURRENT_USER\\Gr\xC3\xB6\xC3\x9F"
                                           "e",
-                                          "", 1},
-                                         {RuleKind::Value, "HKEY_CURRENT_USER\\Environment", "", 2}};
+                                          "", 2}};
     EXPECT_EQ(ParseRules(ReadFileText(m_path).value_or("")), expected);
     EXPECT_EQ(m_errors, "");
     const std::size_t after = m_output.find("Rules after:\n");
