@@ -18,5 +18,7 @@ DropPlan PlanDrop(DraggedItem item, std::wstring_view path, std::wstring_view it
         case DraggedItem::Value:
             return {false, RuleKind::Value, std::wstring(KeyOfValue(path, itemText)), std::wstring(itemText), row};
     }
-    return {.refused = true};
+    DropPlan refusal;
+    refusal.refused = true;
+    return refusal;
 }

@@ -98,7 +98,9 @@ private:
     // DlgRows.cpp
     void InitRuleList();
     void FillRuleList();
+    // Deletes the equal row, if there is one, and inserts at `row`, a negative one at the top; always true.
     bool InsertRuleRow(int row, const CString& type, const CString& key, const CString& value, int itemData, int state);
+    int PutRow(int row, const CString& type, const CString& key, const CString& value, int itemData);
     void HarvestRules();
     void DeleteSelectedRule();
     void OnCellChanged(int item, int subItem);
@@ -109,6 +111,7 @@ private:
     void DisableDeleteButton();
 
     // DlgStrip.cpp
+    bool IsStripAtRest() const;
     bool ResetStrip();
     bool CommitStrip();
     void SelectDefaultType();
@@ -121,6 +124,9 @@ private:
     void UpdateRuleDrag(CPoint point);
     void EndRuleDrag(CPoint point);
     void LeaveDragTarget();
+    void HighlightDropRow(CPoint screenPoint);
+    void StopDragging();
+    void AbandonRuleDrag();
     void DropTreeItem(CListCtrl& list);
 
     // DlgGeometry.cpp
@@ -130,6 +136,10 @@ private:
     void ComputeSplitterRect();
     bool MoveSplitter(CPoint point);
     CRect ControlRect(int id);
+    bool IsInSplitter(CPoint point) const;
+    void BeginSplitterDrag(CPoint point);
+    void TrackSplitter(CPoint point);
+    void EndSplitterDrag();
 
     static RuleSet<CKeyRule> s_keyRules;
     static RuleSet<CValueRule> s_valueRules;
