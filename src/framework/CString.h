@@ -42,7 +42,7 @@ public:
     }
 
     CStringT& operator=(PCXSTR text) {
-        m_text = std::basic_string<XCHAR>(View(text));
+        m_text = View(text);
         return *this;
     }
     CStringT& operator=(PCYSTR text) {
@@ -93,7 +93,7 @@ public:
         m_text.resize(newLength < 0 ? std::char_traits<XCHAR>::length(m_text.c_str()) : static_cast<size_t>(newLength));
     }
 
-    void Append(PCXSTR text) { m_text += std::basic_string<XCHAR>(View(text)); }
+    void Append(PCXSTR text) { m_text += View(text); }
     void Append(PCXSTR text, int length) { m_text += CStringT(text, length).m_text; }
     void AppendChar(XCHAR character) { m_text += character; }
     CStringT& operator+=(const CStringT& text) {
@@ -199,7 +199,7 @@ public:
     int Replace(PCXSTR from, PCXSTR to);
     int Remove(XCHAR character) { return static_cast<int>(std::erase(m_text, character)); }
     int Insert(int index, PCXSTR text) {
-        m_text.insert(static_cast<size_t>(std::clamp(index, 0, GetLength())), std::basic_string<XCHAR>(View(text)));
+        m_text.insert(static_cast<size_t>(std::clamp(index, 0, GetLength())), View(text));
         return GetLength();
     }
     int Insert(int index, XCHAR character) { return Insert(index, CStringT(character).GetString()); }
@@ -221,15 +221,15 @@ public:
     friend bool operator<(const CStringT& left, PCXSTR right) { return left.Compare(right) < 0; }
 
 private:
-    using View_ = std::basic_string_view<XCHAR>;
+    using TextView = std::basic_string_view<XCHAR>;
 
-    static View_ View(PCXSTR text) {
+    static TextView View(PCXSTR text) {
         static constexpr XCHAR kEmpty[1] = {};
-        return text != nullptr ? View_(text) : View_(kEmpty);
+        return text != nullptr ? TextView(text) : TextView(kEmpty);
     }
-    static int Position(size_t found) { return found == View_::npos ? -1 : static_cast<int>(found); }
+    static int Position(size_t found) { return found == TextView::npos ? -1 : static_cast<int>(found); }
     static auto IsIn(PCXSTR set) {
-        return [set = View(set)](XCHAR character) { return set.find(character) != View_::npos; };
+        return [set = View(set)](XCHAR character) { return set.find(character) != TextView::npos; };
     }
     template <typename Predicate>
     CStringT& TrimLeftIf(Predicate isTaken) {
@@ -247,17 +247,17 @@ private:
 
 template <typename BaseType, class StringTraits>
 int CStringT<BaseType, StringTraits>::Replace(PCXSTR from, PCXSTR to) {
-    const std::basic_string<XCHAR> target(View(from));
-    const std::basic_string<XCHAR> replacement(View(to));
+    const TextView target = View(from);
+    const TextView replacement = View(to);
     if (target.empty()) return 0;
     std::basic_string<XCHAR> result;
     int count = 0;
     size_t start = 0;
-    for (size_t found; (found = m_text.find(target, start)) != View_::npos; start = found + target.size()) {
+    for (size_t found; (found = m_text.find(target, start)) != TextView::npos; start = found + target.size()) {
         result.append(m_text, start, found - start).append(replacement);
         ++count;
     }
-    m_text = result.append(m_text, start, View_::npos);
+    m_text = result.append(m_text, start, TextView::npos);
     return count;
 }
 

@@ -6,10 +6,8 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID) {
     CWinApp* const app = AfxGetApp();
     if (app == nullptr) return TRUE;
     try {
-        if (reason == DLL_PROCESS_ATTACH && !app->InitInstance()) {
-            app->ExitInstance();
-            return FALSE;
-        }
+        // After a refusal the loader calls again with DLL_PROCESS_DETACH.
+        if (reason == DLL_PROCESS_ATTACH) return app->InitInstance();
         if (reason == DLL_PROCESS_DETACH) app->ExitInstance();
     } catch (...) {
         // Nothing thrown may reach the loader.

@@ -54,7 +54,6 @@ protected:
 #define DECLARE_DYNAMIC(class_name)                  \
 public:                                              \
     static CRuntimeClass class##class_name;          \
-    static CRuntimeClass* GetThisClass();            \
     static CRuntimeClass* GetBaseRuntimeClass();     \
     CRuntimeClass* GetRuntimeClass() const override; \
                                                      \
@@ -74,9 +73,6 @@ private:
     }                                                                                               \
     CRuntimeClass class_name::class##class_name = {#class_name, sizeof(class_name), schema, create, \
                                                    &class_name::GetBaseRuntimeClass};               \
-    CRuntimeClass* class_name::GetThisClass() {                                                     \
-        return RUNTIME_CLASS(class_name);                                                           \
-    }                                                                                               \
     CRuntimeClass* class_name::GetRuntimeClass() const {                                            \
         return RUNTIME_CLASS(class_name);                                                           \
     }

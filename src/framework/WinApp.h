@@ -57,8 +57,8 @@ private:
 // The name of the current state's application; without one, the module's.
 AFX_API LPCWSTR AfxGetAppName();
 
-// A message box with the current application's name as title, owned by the thread's active window or the window popped
-// up last from it. Returns the button's id, or 0 if it could not be shown. `helpId` is kept for its callers; no help is
-// called. With an id the text comes from the current module state's string table.
+// A message box with the current application's name as title, owned by the thread's active window. Returns the button's
+// id, or 0 if it could not be shown. `helpId` is kept for its callers; no help is called. With an id the text comes
+// from the current module state's string table.
 AFX_API int AfxMessageBox(LPCWSTR text, UINT type = MB_OK, UINT helpId = 0);
 AFX_API int AfxMessageBox(UINT textId, UINT type = MB_OK, UINT helpId = static_cast<UINT>(-1));

@@ -6,7 +6,6 @@ END_MESSAGE_MAP()
 BOOL CBvDialogBase::OnInitDialog() {
     const BOOL setFocus = CDialogEx::OnInitDialog();
     if (m_font.GetSafeHandle() != nullptr) {
-        SetFont(&m_font);
         for (HWND child = ::GetWindow(m_hWnd, GW_CHILD); child != nullptr; child = ::GetWindow(child, GW_HWNDNEXT))
             ::SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(m_font.m_hObject), TRUE);
     }

@@ -15,7 +15,7 @@ protected:
     // window.
     CFont m_font;
 
-    // Gives m_font, if there is one, to the dialog and its controls.
+    // Gives m_font, if there is one, to the controls.
     BOOL OnInitDialog() override;
 
     DECLARE_MESSAGE_MAP()

@@ -7,7 +7,7 @@
 
 namespace ShellIcons {
 
-enum ShellIconId {
+enum ShellIconId : int {
     ClosedFolder = 3,  // also stands for a registry key
 };
 

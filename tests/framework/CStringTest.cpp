@@ -1,0 +1,269 @@
+#include <afx.h>
+
+#include <climits>
+#include <gtest/gtest.h>
+#include <string>
+
+namespace {
+
+constexpr wchar_t kNoText[] = L"";
+constexpr const wchar_t* kNull = nullptr;
+
+// All of it, since == of two strings ends at the first zero.
+std::wstring Whole(const CString& text) {
+    return {text.GetString(), static_cast<size_t>(text.GetLength())};
+}
+
+}  // namespace
+
+TEST(CString, IsMadeFromAnything) {
+    EXPECT_EQ(CString(kNull), kNoText);
+    EXPECT_EQ(CString(static_cast<const char*>(nullptr)), kNoText);
+    EXPECT_EQ(CString("narrow"), L"narrow");
+    EXPECT_EQ(CString(L'x'), L"x");
+    EXPECT_EQ(CString(L'x', 3), L"xxx");
+    EXPECT_EQ(CString(L'x', 0), kNoText);
+    EXPECT_EQ(CString(L'x', -4), kNoText);
+    EXPECT_EQ(CString(L"abcdef", 3), L"abc");
+    EXPECT_EQ(CString(L"abcdef", -1), kNoText);
+    EXPECT_EQ(CString(kNull, 5), kNoText);
+    EXPECT_EQ(CString(L"a\0b", 3).GetLength(), 3);
+    EXPECT_EQ(CStringA(L"wide"), "wide");
+
+    CString text = L"before";
+    text = kNull;
+    EXPECT_TRUE(text.IsEmpty());
+    text = L'c';
+    EXPECT_EQ(text, L"c");
+    text = "d";
+    EXPECT_EQ(text, L"d");
+    text = text.GetString() + 1;
+    EXPECT_EQ(text, kNoText);
+}
+
+TEST(CString, AssigningAPieceOfItselfKeepsThePiece) {
+    CString text = L"a text that is long enough to live on the heap";
+    text = text.GetString() + 2;
+    EXPECT_EQ(text, L"text that is long enough to live on the heap");
+    text.Append(text.GetString() + 40);
+    EXPECT_EQ(text, L"text that is long enough to live on the heapheap");
+    text.Insert(0, text.GetString() + 44);
+    EXPECT_EQ(text, L"heaptext that is long enough to live on the heapheap");
+    text += text;
+    EXPECT_EQ(text.GetLength(), 2 * 52);
+}
+
+TEST(CString, LeftRightAndMidClamp) {
+    const CString text = L"abcde";
+    const struct {
+        int count;
+        const wchar_t* left;
+        const wchar_t* right;
+    } ends[] = {{INT_MIN, L"", L""},
+                {-1, L"", L""},
+                {0, L"", L""},
+                {2, L"ab", L"de"},
+                {5, L"abcde", L"abcde"},
+                {6, L"abcde", L"abcde"},
+                {INT_MAX, L"abcde", L"abcde"}};
+    for (const auto& row : ends) {
+        EXPECT_EQ(Whole(text.Left(row.count)), row.left) << row.count;
+        EXPECT_EQ(Whole(text.Right(row.count)), row.right) << row.count;
+    }
+    const struct {
+        int first;
+        int count;
+        const wchar_t* expected;
+    } middles[] = {
+        {0, 0, L""},  {1, 3, L"bcd"},        {-2, 2, L"ab"},          {4, 5, L"e"},      {5, 1, L""}, {6, 1, L""},
+        {1, -1, L""}, {1, INT_MAX, L"bcde"}, {INT_MAX, INT_MAX, L""}, {INT_MIN, 1, L"a"}};
+    for (const auto& row : middles) EXPECT_EQ(Whole(text.Mid(row.first, row.count)), row.expected) << row.first;
+    EXPECT_EQ(Whole(text.Mid(3)), L"de");
+    EXPECT_EQ(Whole(text.Mid(5)), L"");
+    EXPECT_EQ(Whole(text.Mid(-1)), L"abcde");
+}
+
+TEST(CString, Finds) {
+    const CString text = L"HKCU\\A\\B";
+    const struct {
+        const wchar_t* what;
+        int start;
+        int expected;
+    } rows[] = {{L"\\", 0, 4},  {L"\\", 5, 6},       {L"\\", 7, -1}, {L"\\B", 0, 6},
+                {L"b", 0, -1},  {L"", 3, 3},         {L"", 8, 8},    {L"", 9, -1},
+                {L"H", -1, -1}, {L"H", INT_MAX, -1}, {kNull, 0, -1}, {L"HKCU\\A\\BC", 0, -1}};
+    for (const auto& row : rows) EXPECT_EQ(text.Find(row.what, row.start), row.expected) << row.start;
+    EXPECT_EQ(text.Find(L'\\'), 4);
+    EXPECT_EQ(text.Find(L'\\', 4), 4);
+    EXPECT_EQ(text.Find(L'B', 7), 7);
+    EXPECT_EQ(text.Find(L'B', 8), -1);
+    EXPECT_EQ(text.Find(L'H', -1), -1);
+    EXPECT_EQ(text.ReverseFind(L'\\'), 6);
+    EXPECT_EQ(text.ReverseFind(L'x'), -1);
+    EXPECT_EQ(text.FindOneOf(L"xB\\"), 4);
+    EXPECT_EQ(text.FindOneOf(L""), -1);
+    EXPECT_EQ(CString().Find(L""), 0);
+    EXPECT_EQ(CString().Find(L'a'), -1);
+    EXPECT_EQ(CString().ReverseFind(L'a'), -1);
+}
+
+TEST(CString, Compares) {
+    EXPECT_LT(CString(L"A").Compare(L"a"), 0);
+    EXPECT_GT(CString(L"ab").Compare(L"a"), 0);
+    EXPECT_EQ(CString().Compare(kNull), 0);
+    // Code units above 0x7FFF are still above.
+    EXPECT_GT(CString(L"\xFFFD").Compare(L"z"), 0);
+
+    EXPECT_EQ(CString(L"HKey").CompareNoCase(L"hKEY"), 0);
+    EXPECT_EQ(CString(L"\x00C4\x0416\x03A9").CompareNoCase(L"\x00E4\x0436\x03C9"), 0);
+    EXPECT_NE(CString(L"\x00DF").CompareNoCase(L"ss"), 0);  // in no language: sharp s is not ss
+    EXPECT_NE(CString(L"i").CompareNoCase(L"\x0130"), 0);   // nor is the dotted capital an i
+    EXPECT_LT(CString(L"a").CompareNoCase(L"B"), 0);
+    EXPECT_GT(CString(L"ab").CompareNoCase(L"A"), 0);
+    EXPECT_GT(CString(L"a").CompareNoCase(kNull), 0);
+    EXPECT_TRUE(CString(L"a") < CString(L"b"));
+    EXPECT_TRUE(CString(L"a") != L"A");
+    EXPECT_TRUE(L"a" == CString(L"a"));
+}
+
+TEST(CString, Trims) {
+    EXPECT_EQ(CString(L" \t\r\n a b \v\f").Trim(), L"a b");
+    EXPECT_EQ(CString(L"  a ").TrimLeft(), L"a ");
+    EXPECT_EQ(CString(L"  a ").TrimRight(), L"  a");
+    EXPECT_EQ(CString(L"   ").Trim(), L"");
+    EXPECT_EQ(CString(L"   ").TrimRight(), L"");
+    EXPECT_EQ(CString(L"\\\\a\\b\\").TrimRight(L'\\'), L"\\\\a\\b");
+    EXPECT_EQ(CString(L"\\\\a\\b\\").TrimLeft(L'\\'), L"a\\b\\");
+    EXPECT_EQ(CString(L"\\\\").TrimRight(L'\\'), L"");
+    EXPECT_EQ(CString(L"xyaxy").Trim(L"yx"), L"a");
+    EXPECT_EQ(CString(L" a ").Trim(L""), L" a ");
+    EXPECT_EQ(CString(L" a ").TrimLeft(kNull), L" a ");
+    EXPECT_EQ(CString(L" a ").Trim(L'a'), L" a ");
+}
+
+TEST(CString, FormatsAsTheWindowsRuntimeDoes) {
+    CString text;
+    text.Format(L"%s|%S|%d|%5.2f|%c|%%|%04x|%I64d", L"wide", "narrow", -3, 2.5, L'c', 0xABU, 1LL << 40);
+    EXPECT_EQ(text, L"wide|narrow|-3| 2.50|c|%|00ab|1099511627776");
+    const CString key(L'k', 32000);
+    text.Format(L"<%s>", key.GetString());
+    EXPECT_EQ(text.GetLength(), 32002);
+    EXPECT_EQ(text.Right(2), L"k>");
+    text.Format(L"%s", L"");
+    EXPECT_TRUE(text.IsEmpty());
+    // The old text may be an argument.
+    text = L"once";
+    text.Format(L"%s %s", text.GetString(), L"more");
+    EXPECT_EQ(text, L"once more");
+    text.AppendFormat(L" %u", 7U);
+    EXPECT_EQ(text, L"once more 7");
+    EXPECT_THROW(text.Format(kNull), CInvalidArgException*);
+    EXPECT_EQ(text, L"once more 7");
+    CStringA narrow;
+    narrow.Format("%s %S", "narrow", L"wide");
+    EXPECT_EQ(narrow, "narrow wide");
+}
+
+TEST(CString, TakesTextsAndFormatsFromTheResources) {
+    CString text;
+    EXPECT_TRUE(text.LoadString(229));
+    EXPECT_EQ(text, L"The host");
+    EXPECT_FALSE(text.LoadString(240));  // its block of 16 exists
+    EXPECT_FALSE(text.LoadString(60000));
+    EXPECT_EQ(text, L"The host");
+    text.Format(231U, 3, L"a file");
+    EXPECT_EQ(text, L"3 rules in a file");
+    EXPECT_THROW(text.Format(60000U), CInvalidArgException*);
+}
+
+TEST(CString, ChangesInPlace) {
+    CString text = L"aXbXc";
+    EXPECT_EQ(text.Replace(L'X', L'-'), 2);
+    EXPECT_EQ(Whole(text), L"a-b-c");
+    EXPECT_EQ(text.Replace(L"-", L"--"), 2);
+    EXPECT_EQ(Whole(text), L"a--b--c");
+    EXPECT_EQ(text.Replace(L"---", L"x"), 0);
+    EXPECT_EQ(text.Replace(L"--", kNull), 2);
+    EXPECT_EQ(Whole(text), L"abc");
+    EXPECT_EQ(text.Replace(L"", L"x"), 0);
+    EXPECT_EQ(text.Replace(kNull, L"x"), 0);
+    text = L"aaaa";
+    EXPECT_EQ(text.Replace(L"aa", L"a"), 2);
+    EXPECT_EQ(Whole(text), L"aa");
+    EXPECT_EQ(text.Remove(L'a'), 2);
+    EXPECT_TRUE(text.IsEmpty());
+
+    text = L"bd";
+    EXPECT_EQ(text.Insert(-5, L'a'), 3);
+    EXPECT_EQ(text.Insert(2, L"c"), 4);
+    EXPECT_EQ(text.Insert(100, L"e"), 5);
+    EXPECT_EQ(text.Insert(0, kNull), 5);
+    EXPECT_EQ(Whole(text), L"abcde");
+    EXPECT_EQ(text.Delete(-1), 4);
+    EXPECT_EQ(Whole(text), L"bcde");
+    EXPECT_EQ(text.Delete(2, INT_MAX), 2);
+    EXPECT_EQ(text.Delete(2), 2);
+    EXPECT_EQ(text.Delete(0, -1), 2);
+    EXPECT_EQ(Whole(text), L"bc");
+
+    EXPECT_EQ(CString(L"a\x00E4Z").MakeUpper(), L"A\x00C4Z");
+    EXPECT_EQ(CString(L"A\x00C4z").MakeLower(), L"a\x00E4z");
+    EXPECT_EQ(CString().MakeUpper(), L"");
+}
+
+TEST(CString, SingleCharactersAreChecked) {
+    CString text = L"ab";
+    EXPECT_EQ(text[1], L'b');
+    EXPECT_EQ(text.GetAt(2), L'\0');
+    EXPECT_THROW(text.GetAt(3), CInvalidArgException*);
+    EXPECT_THROW(text.GetAt(-1), CInvalidArgException*);
+    text.SetAt(0, L'x');
+    EXPECT_EQ(text, L"xb");
+    EXPECT_THROW(text.SetAt(2, L'x'), CInvalidArgException*);
+    EXPECT_THROW(text.SetAt(-1, L'x'), CInvalidArgException*);
+}
+
+TEST(CString, LendsItsBuffer) {
+    CString text = L"abc";
+    wchar_t* buffer = text.GetBuffer(10);
+    EXPECT_STREQ(buffer, L"abc");
+    for (int i = 0; i < 10; ++i) buffer[i] = L'z';
+    buffer[4] = L'\0';
+    text.ReleaseBuffer();
+    EXPECT_EQ(text, L"zzzz");
+
+    text.GetBuffer(2)[0] = L'y';  // no smaller than the text
+    text.ReleaseBuffer();
+    EXPECT_EQ(text, L"yzzz");
+
+    buffer = text.GetBufferSetLength(6);
+    buffer[4] = L'5';
+    buffer[5] = L'6';
+    text.ReleaseBuffer(5);
+    EXPECT_EQ(text, L"yzzz5");
+    EXPECT_THROW(text.ReleaseBuffer(6), CInvalidArgException*);
+    EXPECT_THROW(text.GetBuffer(-1), CInvalidArgException*);
+    EXPECT_THROW(text.GetBufferSetLength(-1), CInvalidArgException*);
+
+    // A copy made before is not written through.
+    const CString copy = text;
+    text.GetBuffer()[0] = L'!';
+    text.ReleaseBuffer();
+    EXPECT_EQ(copy, L"yzzz5");
+    EXPECT_EQ(text, L"!zzz5");
+}
+
+TEST(CString, Concatenates) {
+    const CString text = L"b";
+    EXPECT_EQ(L"a" + text + L"c" + L'd' + text, L"abcdb");
+    EXPECT_EQ(L'a' + text, L"ab");
+    EXPECT_EQ(text + kNull, L"b");
+    CString sum;
+    sum += L"x";
+    sum += L'y';
+    sum += kNull;
+    sum += text;
+    sum.AppendChar(L'z');
+    sum.Append(L"123", 2);
+    EXPECT_EQ(sum, L"xybz12");
+}

@@ -1,0 +1,3 @@
+#include "framework/TestApp.h"
+
+CTestApp theTestApp;
