@@ -1,0 +1,474 @@
+#include <afxdialogex.h>
+#include <afxwin.h>
+
+#include <functional>
+#include <gtest/gtest.h>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "framework/WindowTestApp.h"
+#include "framework/WindowTestDialogs.h"
+#include "support/DialogDriver.h"
+
+namespace {
+
+constexpr UINT kInLoop = WM_APP + 1;
+
+// A dialog whose moments are given by the test: at its initialisation, and once its loop runs.
+class CProbeDialog : public CDialogEx {
+public:
+    explicit CProbeDialog(UINT id = IDD_PROBE, CWnd* parent = nullptr) : CDialogEx(id, parent) {}
+
+    std::function<void()> m_onInit;
+    std::function<void()> m_inLoop;
+    std::function<void()> m_onTranslate;
+    std::vector<std::string> m_log;
+    CEdit m_edit;
+    CString m_text;
+    CString m_choice;
+    bool m_refuses = false;
+    BOOL m_focusLeftToSystem = TRUE;
+
+    using CWnd::Default;
+
+protected:
+    void DoDataExchange(CDataExchange* exchange) override {
+        CDialogEx::DoDataExchange(exchange);
+        if (m_refuses && exchange->m_bSaveAndValidate) AfxThrowUserException();
+        if (::GetDlgItem(m_hWnd, IDC_PROBE_EDIT) == nullptr) return;
+        DDX_Control(exchange, IDC_PROBE_EDIT, m_edit);
+        DDX_Text(exchange, IDC_PROBE_EDIT, m_text);
+        DDX_CBString(exchange, IDC_PROBE_COMBO, m_choice);
+    }
+    BOOL OnInitDialog() override {
+        CDialogEx::OnInitDialog();
+        if (m_onInit) m_onInit();
+        PostMessage(kInLoop);
+        return m_focusLeftToSystem;
+    }
+    BOOL PreTranslateMessage(MSG* message) override {
+        if (message->message == kInLoop && m_onTranslate) m_onTranslate();
+        return CDialogEx::PreTranslateMessage(message);
+    }
+    afx_msg LRESULT OnInLoop(WPARAM, LPARAM) {
+        if (m_inLoop) m_inLoop();
+        return 0;
+    }
+    afx_msg void OnEditChange() { m_log.push_back("change"); }
+    afx_msg void OnButton() { m_log.push_back("button"); }
+    DECLARE_MESSAGE_MAP()
+};
+
+BEGIN_MESSAGE_MAP(CProbeDialog, CDialogEx)
+ON_MESSAGE(kInLoop, &CProbeDialog::OnInLoop)
+ON_EN_CHANGE(IDC_PROBE_EDIT, &CProbeDialog::OnEditChange)
+ON_BN_CLICKED(IDC_PROBE_BUTTON, &CProbeDialog::OnButton)
+END_MESSAGE_MAP()
+
+template <typename Work>
+bool ThrowsHeapException(Work work) {
+    try {
+        work();
+    } catch (CException* problem) {
+        problem->Delete();
+        return true;
+    }
+    return false;
+}
+
+class CPlainOwner : public CWnd {
+public:
+    CPlainOwner() {
+        CreateEx(0, nullptr, L"Owner", WS_OVERLAPPEDWINDOW | WS_VISIBLE, CRect(300, 200, 700, 500), nullptr, 0);
+    }
+};
+
+class DialogTest : public testing::Test {
+protected:
+    void SetUp() override { m_windows = CWnd::PermanentCountForTesting(); }
+    void TearDown() override { EXPECT_EQ(CWnd::PermanentCountForTesting(), m_windows); }
+
+    size_t m_windows = 0;
+};
+
+}  // namespace
+
+TEST_F(DialogTest, EndsWithWhatEndDialogWasGivenAndCanBeShownAgain) {
+    CProbeDialog dialog;
+    for (const int result : {7, -5, 0}) {
+        dialog.m_inLoop = [&] {
+            EXPECT_TRUE(dialog.IsWindowVisible());
+            dialog.EndDialog(result);
+            EXPECT_TRUE(::IsWindow(dialog));  // it goes when the handler has returned
+        };
+        EXPECT_EQ(dialog.DoModal(), result);
+        EXPECT_EQ(dialog.m_hWnd, nullptr);
+    }
+}
+
+TEST_F(DialogTest, EndedDuringItsInitialisationItIsNeverSeen) {
+    CProbeDialog dialog;
+    bool wasInLoop = false;
+    dialog.m_inLoop = [&] { wasInLoop = true; };
+    dialog.m_onInit = [&] { dialog.EndDialog(12); };
+    EXPECT_EQ(dialog.DoModal(), 12);
+    EXPECT_FALSE(wasInLoop);
+}
+
+TEST_F(DialogTest, WithoutATemplateOrWithABrokenInitialisationItAnswersMinusOne) {
+    EXPECT_EQ(CProbeDialog(9999).DoModal(), -1);
+    EXPECT_EQ(CDialogEx(IDD_BAD_INIT).DoModal(), -1);
+}
+
+TEST_F(DialogTest, TheInitialisationResourceFillsTheCombo) {
+    CProbeDialog dialog;
+    std::vector<CString> items;
+    dialog.m_onInit = [&] {
+        CComboBox combo;
+        combo.Attach(::GetDlgItem(dialog, IDC_PROBE_COMBO));
+        for (int i = 0; i < combo.GetCount(); ++i) combo.GetLBText(i, items.emplace_back());
+        EXPECT_TRUE(ThrowsHeapException([&] { combo.GetLBText(2, items[0]); }));
+        combo.Detach();
+        dialog.EndDialog(IDOK);
+    };
+    dialog.DoModal();
+    EXPECT_EQ(items, (std::vector<CString>{L"Branch", L"Key"}));
+}
+
+TEST_F(DialogTest, ValuesGoIntoTheControlsAndOnOkBack) {
+    CProbeDialog dialog;
+    dialog.m_text = CString(L'y', 40000);
+    dialog.m_choice = L"k";  // the beginning of an item is enough
+    dialog.m_inLoop = [&] {
+        CString text;
+        dialog.m_edit.GetWindowText(text);
+        EXPECT_EQ(text, dialog.m_text);
+        EXPECT_EQ(dialog.SendDlgItemMessage(IDC_PROBE_COMBO, CB_GETCURSEL), 1);
+        dialog.m_edit.SetWindowText(CString(L'z', 50000));
+        dialog.SendMessage(WM_COMMAND, IDOK);
+    };
+    EXPECT_EQ(dialog.DoModal(), IDOK);
+    EXPECT_EQ(dialog.m_text, CString(L'z', 50000));
+    EXPECT_EQ(dialog.m_choice, L"Key");
+    EXPECT_EQ(dialog.m_edit.m_hWnd, nullptr);
+}
+
+TEST_F(DialogTest, CancelBringsNothingBackAndARefusedExchangeKeepsTheDialog) {
+    CProbeDialog dialog;
+    dialog.m_inLoop = [&] {
+        dialog.m_edit.SetWindowText(L"typed");
+        dialog.m_refuses = true;
+        dialog.SendMessage(WM_COMMAND, IDOK);
+        EXPECT_TRUE(dialog.IsWindowVisible());
+        dialog.SendMessage(WM_CLOSE);
+    };
+    EXPECT_EQ(dialog.DoModal(), IDCANCEL);
+    EXPECT_EQ(dialog.m_text, L"");
+}
+
+TEST_F(DialogTest, AnExchangeSwallowsTheControlsCommandsAndSetsOnlyWhatIsNew) {
+    CProbeDialog dialog;
+    dialog.m_inLoop = [&] {
+        dialog.m_text = L"by the program";
+        dialog.UpdateData(FALSE);
+        EXPECT_EQ(dialog.m_log, std::vector<std::string>{});
+        dialog.m_edit.SetSel(3, 5);
+        dialog.UpdateData(FALSE);
+        int start = 0;
+        int end = 0;
+        dialog.m_edit.GetSel(start, end);
+        EXPECT_EQ(start, 3);
+        EXPECT_EQ(end, 5);
+        dialog.m_edit.SetWindowText(L"by somebody");
+        EXPECT_EQ(dialog.m_log, std::vector<std::string>{"change"});
+        dialog.EndDialog(IDOK);
+    };
+    dialog.DoModal();
+}
+
+TEST_F(DialogTest, AControlThatIsNotThereIsAnError) {
+    CProbeDialog dialog;
+    dialog.m_inLoop = [&] {
+        CDataExchange exchange(&dialog, TRUE);
+        CString text;
+        EXPECT_TRUE(ThrowsHeapException([&] { DDX_Text(&exchange, 4711, text); }));
+        CEdit second;
+        EXPECT_TRUE(ThrowsHeapException([&] { DDX_Control(&exchange, IDC_PROBE_EDIT, second); }));
+        dialog.EndDialog(IDOK);
+    };
+    dialog.DoModal();
+}
+
+TEST_F(DialogTest, TheOwnerIsDisabledMeanwhileAndActiveAfterwards) {
+    CPlainOwner owner;
+    CWnd child;
+    child.Create(nullptr, L"", WS_VISIBLE, CRect(0, 0, 50, 50), &owner, 1);
+    CProbeDialog dialog(IDD_PROBE, &child);  // a child cannot own a dialog; the window that it is in does
+    CProbeDialog inner(IDD_PROBE, &dialog);
+    dialog.m_inLoop = [&] {
+        EXPECT_EQ(dialog.GetOwner(), &owner);
+        EXPECT_FALSE(owner.IsWindowEnabled());
+        inner.DoModal();
+        EXPECT_TRUE(dialog.IsWindowEnabled());
+        EXPECT_FALSE(owner.IsWindowEnabled());
+        EXPECT_EQ(CWnd::GetActiveWindow(), &dialog);
+        dialog.EndDialog(IDOK);
+    };
+    inner.m_inLoop = [&] {
+        EXPECT_EQ(inner.GetOwner(), &dialog);
+        EXPECT_FALSE(dialog.IsWindowEnabled());
+        inner.EndDialog(IDOK);
+    };
+    dialog.DoModal();
+    EXPECT_TRUE(owner.IsWindowEnabled());
+    EXPECT_EQ(CWnd::GetActiveWindow(), &owner);
+}
+
+TEST_F(DialogTest, AnOwnerThatWasDisabledBeforeStaysDisabled) {
+    CPlainOwner owner;
+    owner.EnableWindow(FALSE);
+    CProbeDialog dialog(IDD_PROBE, &owner);
+    dialog.m_inLoop = [&] { dialog.EndDialog(IDOK); };
+    dialog.DoModal();
+    EXPECT_FALSE(owner.IsWindowEnabled());
+}
+
+TEST_F(DialogTest, WithoutAParentTheActiveWindowIsTheOwner) {
+    CPlainOwner owner;
+    owner.SetFocus();
+    CProbeDialog dialog;
+    dialog.m_inLoop = [&] {
+        EXPECT_EQ(dialog.GetOwner(), &owner);
+        EXPECT_FALSE(owner.IsWindowEnabled());
+        dialog.EndDialog(IDOK);
+    };
+    dialog.DoModal();
+}
+
+TEST_F(DialogTest, ATemplateWithoutAPlaceComesIntoTheMiddleOfItsOwner) {
+    CPlainOwner owner;
+    CRect ownerRect;
+    owner.GetWindowRect(ownerRect);
+    for (const UINT id : {IDD_BARE, IDD_PROBE}) {
+        CProbeDialog dialog(id, &owner);
+        CRect rect;
+        dialog.m_inLoop = [&] {
+            dialog.GetWindowRect(rect);
+            dialog.EndDialog(IDOK);
+        };
+        dialog.DoModal();
+        const bool isCentered = std::abs(rect.CenterPoint().x - ownerRect.CenterPoint().x) <= 1 &&
+                                std::abs(rect.CenterPoint().y - ownerRect.CenterPoint().y) <= 1;
+        EXPECT_EQ(isCentered, id == IDD_BARE);
+    }
+}
+
+TEST_F(DialogTest, WhatAHandlerThrowsLeavesDoModalWhenAllIsTakenDown) {
+    const auto throwPointer = [] { AfxThrowInvalidArgException(); };
+    CPlainOwner owner;
+    for (const int place : {0, 1, 2}) {
+        CProbeDialog dialog(IDD_PROBE, &owner);
+        (place == 0 ? dialog.m_onInit : place == 1 ? dialog.m_inLoop : dialog.m_onTranslate) = throwPointer;
+        HWND window = nullptr;
+        try {
+            dialog.DoModal();
+            ADD_FAILURE() << place;
+        } catch (CInvalidArgException* problem) {
+            problem->Delete();
+        }
+        EXPECT_EQ(dialog.m_hWnd, nullptr);
+        EXPECT_FALSE(::IsWindow(window));
+        EXPECT_TRUE(owner.IsWindowEnabled());
+        EXPECT_EQ(CWnd::GetActiveWindow(), &owner);
+    }
+    CProbeDialog dialog(IDD_PROBE, &owner);
+    dialog.m_inLoop = [] { throw std::runtime_error("standard"); };
+    EXPECT_THROW(dialog.DoModal(), std::runtime_error);
+}
+
+TEST_F(DialogTest, OfSeveralExceptionsTheFirstLeaves) {
+    CProbeDialog dialog;
+    dialog.m_inLoop = [&] {
+        static int s_depth = 0;
+        if (s_depth++ == 0) {
+            dialog.SendMessage(kInLoop);  // throws inside: caught at that window's edge
+            EXPECT_TRUE(dialog.IsWindowVisible());
+            AfxThrowNotSupportedException();
+        }
+        AfxThrowInvalidArgException();
+    };
+    try {
+        dialog.DoModal();
+        ADD_FAILURE();
+    } catch (CInvalidArgException* problem) {
+        problem->Delete();
+    }
+}
+
+TEST_F(DialogTest, AnInnerDialogsExceptionPassesThroughTheOuterOne) {
+    CProbeDialog outer;
+    bool innerGone = false;
+    outer.m_inLoop = [&] {
+        CProbeDialog inner(IDD_PROBE, &outer);
+        inner.m_inLoop = [] { AfxThrowInvalidArgException(); };
+        try {
+            inner.DoModal();
+        } catch (CInvalidArgException*) {
+            innerGone = inner.m_hWnd == nullptr && outer.IsWindowEnabled();
+            throw;
+        }
+    };
+    try {
+        outer.DoModal();
+        ADD_FAILURE();
+    } catch (CInvalidArgException* problem) {
+        problem->Delete();
+    }
+    EXPECT_TRUE(innerGone);
+}
+
+TEST_F(DialogTest, AWindowThatGoesByItselfEndsTheLoop) {
+    CPlainOwner owner;
+    CProbeDialog dialog(IDD_PROBE, &owner);
+    dialog.m_inLoop = [&] { ::DestroyWindow(dialog); };
+    EXPECT_EQ(dialog.DoModal(), -1);
+    EXPECT_TRUE(owner.IsWindowEnabled());
+}
+
+TEST_F(DialogTest, TheEndOfTheProgramEndsTheLoopAndIsLeftForTheOuterOne) {
+    CProbeDialog dialog;
+    dialog.m_inLoop = [] { ::PostQuitMessage(33); };
+    EXPECT_EQ(dialog.DoModal(), -1);
+    MSG message{};
+    EXPECT_TRUE(::PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
+    EXPECT_EQ(message.wParam, 33u);
+}
+
+TEST_F(DialogTest, CommandsGoOnToTheOwnerAndToTheApplication) {
+    constexpr UINT kCommand = 0x8001;
+    class CCommandOwner : public CPlainOwner {
+    public:
+        std::vector<UINT> m_commands;
+        BOOL OnCmdMsg(UINT id, int code, void* extra, AFX_CMDHANDLERINFO* info) override {
+            m_commands.push_back(id);
+            return CPlainOwner::OnCmdMsg(id, code, extra, info);
+        }
+    } owner;
+    theWindowTestApp.m_commands.clear();
+    CProbeDialog dialog(IDD_PROBE, &owner);
+    dialog.m_inLoop = [&] {
+        dialog.SendMessage(WM_COMMAND, kCommand);
+        dialog.SendMessage(WM_COMMAND, 0x7FFF);
+        dialog.EndDialog(IDOK);
+    };
+    dialog.DoModal();
+    EXPECT_EQ(owner.m_commands, std::vector<UINT>{kCommand});
+    EXPECT_EQ(theWindowTestApp.m_commands, std::vector<UINT>{kCommand});
+}
+
+namespace {
+
+// An edit that takes Return, but not Escape, before the dialog sees it.
+class CReturnEdit : public CEdit {
+public:
+    explicit CReturnEdit(std::vector<std::string>& log) : m_log(log) {}
+
+    BOOL PreTranslateMessage(MSG* message) override {
+        if (message->message != WM_KEYDOWN) return FALSE;
+        m_log.push_back("edit " + std::to_string(message->wParam));
+        return message->wParam == VK_RETURN;
+    }
+
+private:
+    std::vector<std::string>& m_log;
+};
+
+class CKeyDialog : public CProbeDialog {
+public:
+    CReturnEdit m_second{m_log};
+
+protected:
+    BOOL OnInitDialog() override {
+        CProbeDialog::OnInitDialog();
+        m_second.SubclassDlgItem(IDC_PROBE_SECOND_EDIT, this);
+        m_second.SetFocus();
+        return FALSE;
+    }
+    BOOL PreTranslateMessage(MSG* message) override {
+        if (message->message == WM_KEYDOWN) m_log.push_back("dialog " + std::to_string(message->wParam));
+        return CProbeDialog::PreTranslateMessage(message);
+    }
+};
+
+}  // namespace
+
+TEST_F(DialogTest, KeysAreOfferedToTheFocusWindowThenToTheDialogThenTranslated) {
+    CPlainOwner owner;
+    CKeyDialog dialog;
+    INT_PTR result = 0;
+    DialogDriver driver;
+    driver.Run([&] { result = dialog.DoModal(); },
+               [&](Dialog& d) {
+                   EXPECT_EQ(d.FocusId(), IDC_PROBE_SECOND_EDIT);
+                   d.Key(VK_RETURN);
+                   d.Key('A');
+                   EXPECT_EQ(d.Text(IDC_PROBE_SECOND_EDIT), L"a");
+                   d.Key(VK_TAB);
+                   EXPECT_EQ(d.FocusId(), IDOK);
+                   d.Alt(L'D');
+                   d.Key(VK_ESCAPE);
+               });
+    EXPECT_EQ(result, IDCANCEL);
+    const std::vector<std::string> expected = {"edit 13",  "edit 65", "dialog 65", "edit 9",
+                                               "dialog 9", "button",  "dialog 27"};
+    EXPECT_EQ(dialog.m_log, expected);
+}
+
+TEST_F(DialogTest, ReturnPressesTheDefaultButtonWhicheverThatIs) {
+    CPlainOwner owner;
+    CProbeDialog dialog;
+    INT_PTR result = 0;
+    DialogDriver driver;
+    driver.Run([&] { result = dialog.DoModal(); },
+               [&](Dialog& d) {
+                   EXPECT_EQ(d.FocusId(), IDC_PROBE_EDIT);
+                   d.OnGuiThread([&] {
+                       EXPECT_EQ(LOWORD(dialog.GetDefID()), IDOK);
+                       dialog.SetDefID(IDC_PROBE_BUTTON);
+                   });
+                   d.Key(VK_RETURN);
+                   d.OnGuiThread([&] {
+                       EXPECT_EQ(dialog.m_log, std::vector<std::string>{"button"});
+                       dialog.SetDefID(IDOK);
+                   });
+                   d.Key(VK_RETURN);
+               });
+    EXPECT_EQ(result, IDOK);
+}
+
+TEST_F(DialogTest, TemporaryObjectsEndWhenTheLoopIsIdle) {
+    class CIdleOwner : public CPlainOwner {
+    public:
+        CWnd* m_dialog = nullptr;
+
+    protected:
+        LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
+            if (message == WM_ENTERIDLE && m_dialog != nullptr) std::exchange(m_dialog, nullptr)->PostMessage(kInLoop);
+            return CPlainOwner::WindowProc(message, wParam, lParam);
+        }
+    } owner;
+    CProbeDialog dialog(IDD_PROBE, &owner);
+    const size_t before = CWnd::TemporaryCountForTesting();  // those from outside stay
+    dialog.m_inLoop = [&] {
+        CWnd* const temporary = CWnd::FromHandle(::GetDlgItem(dialog, IDC_PROBE_BUTTON));
+        EXPECT_EQ(temporary->GetDlgCtrlID(), IDC_PROBE_BUTTON);
+        EXPECT_GT(CWnd::TemporaryCountForTesting(), before);
+        owner.m_dialog = &dialog;
+        dialog.m_inLoop = [&] {
+            EXPECT_EQ(CWnd::TemporaryCountForTesting(), before);
+            dialog.EndDialog(IDOK);
+        };
+    };
+    dialog.DoModal();
+}

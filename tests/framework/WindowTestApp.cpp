@@ -1,0 +1,3 @@
+#include "framework/WindowTestApp.h"
+
+CWindowTestApp theWindowTestApp;
