@@ -159,8 +159,16 @@ void CRegistryRulesDlg::OnListIgnored(NMHDR*, LRESULT* result) {
     *result = 0;
 }
 
+// While no row is selected the button is disabled for a moment, or for good, and a disabled window that has the focus
+// leaves the keyboard dead.
 void CRegistryRulesDlg::OnDeleteRule() {
+    const bool hadFocus = GetFocus() == &m_deleteButton;
     DeleteSelectedRule();
+    if (!hadFocus) return;
+    if (m_deleteButton.IsWindowEnabled())
+        m_deleteButton.SetFocus();
+    else
+        m_ruleList.SetFocus();
 }
 
 LRESULT CRegistryRulesDlg::OnListDelete(WPARAM, LPARAM) {

@@ -1,0 +1,305 @@
+// Dragging items of the registry tree onto the list, by the mouse.
+#include <windows.h>
+#include <commctrl.h>
+
+#include <gtest/gtest.h>
+
+#include "dialog/RulesDialog.h"
+#include "support/Input.h"
+#include "support/ScopedRegistryKey.h"
+
+namespace {
+
+class DragRules : public RulesDialog {
+protected:
+    DragRules() {
+        registry.AddKey(L"Vendor\\App");
+        registry.SetText(L"Vendor", L"Vendor", L"x");
+        registry.SetText(L"Vendor", L"", L"the default");
+        const DWORD number = 7;
+        registry.SetData(L"Vendor", L"back\\slash", REG_DWORD, &number, sizeof number);
+    }
+
+    TreeSteps::Path PathOf(std::initializer_list<const wchar_t*> names) const {
+        TreeSteps::Path path{L"HKEY_CURRENT_USER", L"Software", registry.Name()};
+        path.insert(path.end(), names.begin(), names.end());
+        return path;
+    }
+    // A default value has no text to take hold of, only an icon left of where it would be.
+    static constexpr LONG iconDistance = 10;
+
+    // Opens the branch above the last name and gives where to take hold of the item.
+    POINT Hold(Dialog& d, std::initializer_list<const wchar_t*> names) const {
+        TreeSteps::Path path = PathOf(names);
+        TreeSteps tree = d.Tree(IDC_REGISTRY_TREE);
+        const std::wstring last = path.back();
+        path.pop_back();
+        tree.Expand(path);
+        path.push_back(last);
+        POINT hold = tree.Centre(tree.Item(path));
+        if (last.empty()) hold.x -= iconDistance;
+        return hold;
+    }
+    // Begins a drag and stops in its middle, over the target.
+    void DragTo(Dialog& d, std::initializer_list<const wchar_t*> names, POINT to) const {
+        const POINT from = Hold(d, names);
+        d.Move(from);
+        d.Press();
+        d.Move({from.x + 12, from.y + 12});
+        EXPECT_EQ(d.Capture(), d.Window());
+        d.Move({(from.x + to.x) / 2, (from.y + to.y) / 2});
+        d.Move(to);
+    }
+    void Drop(Dialog& d, std::initializer_list<const wchar_t*> names, POINT to) const {
+        DragTo(d, names, to);
+        d.Release();
+    }
+    static int Highlighted(Dialog& d) { return d.List(IDC_RULE_LIST).RowWithState(LVIS_DROPHILITED); }
+    static bool ImageFloats(Dialog& d) {
+        bool floats = false;
+        d.OnGuiThread([&] { floats = ImageList_GetDragImage(nullptr, nullptr) != nullptr; });
+        return floats;
+    }
+    // A place on the dialog itself, on no control.
+    static POINT Background(Dialog& d) {
+        RECT frame{};
+        GetWindowRect(d.Control(IDCANCEL), &frame);
+        return {frame.left - 200, (frame.top + frame.bottom) / 2};
+    }
+    static void Leave(Dialog& d) {
+        d.Click(IDCANCEL);
+        d.AnswerBox(IDYES);
+    }
+
+    ScopedRegistryKey registry;
+    const std::wstring base = L"HKCU\\Software\\" + registry.Name();
+};
+
+}  // namespace
+
+TEST_F(DragRules, AKeyGoesBeforeTheRowItIsDroppedOnOrBehindTheLast) {
+    control.AddKeyRule(L"HKCU\\a", 1, 0);
+    control.AddKeyRule(L"HKCU\\b", 1, 1);
+    EXPECT_EQ(Show([&](Dialog& d) {
+                  ListSteps list = d.List(IDC_RULE_LIST);
+                  EXPECT_FALSE(DeleteIsLive(d));
+                  Drop(d, {L"Vendor"}, list.BehindRows());
+                  EXPECT_EQ(list.SelectedRow(), 2);
+                  EXPECT_EQ(list.RowWithState(LVIS_FOCUSED), 2);
+                  EXPECT_TRUE(DeleteIsLive(d));
+                  Drop(d, {L"Vendor", L"App"}, list.Centre(1, 1));
+                  EXPECT_EQ(Rows(d), (Texts{L"Branch|HKCU\\a|", L"Branch|" + base + L"\\Vendor\\App|",
+                                            L"Branch|HKCU\\b|", L"Branch|" + base + L"\\Vendor|"}));
+                  EXPECT_EQ(list.SelectedRow(), 1);
+                  EXPECT_EQ(Highlighted(d), -1);
+                  EXPECT_EQ(d.Capture(), nullptr);
+                  EXPECT_FALSE(ImageFloats(d));
+                  EXPECT_EQ(d.Tree(IDC_REGISTRY_TREE).SelectedText(), L"App") << "the dragged item is selected";
+                  d.Click(IDOK);
+              }),
+              1);
+    EXPECT_EQ(HostRules()[1], L"Branch|HKEY_CURRENT_USER" + base.substr(4) + L"\\Vendor\\App|1");
+}
+
+TEST_F(DragRules, AValueLosesItsOwnNameAlsoWhenNamedLikeItsKey) {
+    Show([&](Dialog& d) {
+        const POINT behind = d.List(IDC_RULE_LIST).BehindRows();
+        // Keys stand above values of the same name, so the value is the last of that text.
+        const POINT app = Hold(d, {L"Vendor", L"App"});
+        Drop(d, {L"Vendor", L"Vendor"}, behind);
+        Drop(d, {L"Vendor", L"back\\slash"}, behind);
+        Drop(d, {L"Vendor", L""}, behind);
+        EXPECT_EQ(Rows(d), (Texts{L"Value|" + base + L"\\Vendor|Vendor", L"Value|" + base + L"\\Vendor|back\\slash",
+                                  L"Value|" + base + L"\\Vendor|"}));
+        EXPECT_NE(app.y, 0);
+        d.Click(IDOK);
+    });
+    const std::wstring key = L"Value|HKEY_CURRENT_USER" + base.substr(4) + L"\\Vendor|";
+    EXPECT_EQ(HostRules(), (Texts{key + L"Vendor|0", key + L"back\\slash|1", key + L"|2"}));
+}
+
+TEST_F(DragRules, AHiveIsRefusedAndNothingIsChanged) {
+    control.AddKeyRule(L"HKCU\\a", 1, 0);
+    EXPECT_EQ(Show([&](Dialog& d) {
+                  TreeSteps tree = d.Tree(IDC_REGISTRY_TREE);
+                  d.Drag(tree.Centre(tree.Item({L"HKEY_USERS"})), d.List(IDC_RULE_LIST).Centre(0, 1));
+                  EXPECT_EQ(d.AnswerBox(IDOK), bareHive);
+                  EXPECT_EQ(Rows(d), Texts{L"Branch|HKCU\\a|"});
+                  EXPECT_EQ(Highlighted(d), -1);
+                  EXPECT_FALSE(DeleteIsLive(d));
+                  d.Click(IDCANCEL);
+              }),
+              0);
+    EXPECT_EQ(driver.BoxTexts().size(), 1u) << "no change, no question";
+}
+
+TEST_F(DragRules, ADropOfARuleThatExistsMovesIt) {
+    for (const wchar_t* key : {L"HKCU\\a", L"HKCU\\b", L"HKCU\\c"}) control.AddKeyRule(key, 1, 32767);
+    const std::wstring vendor = L"Branch|" + base + L"\\Vendor|";
+    Show([&](Dialog& d) {
+        ListSteps list = d.List(IDC_RULE_LIST);
+        Drop(d, {L"Vendor"}, list.Centre(2, 1));
+        EXPECT_EQ(Rows(d), (Texts{L"Branch|HKCU\\a|", L"Branch|HKCU\\b|", vendor, L"Branch|HKCU\\c|"}));
+        Drop(d, {L"Vendor"}, list.Centre(0, 1));
+        EXPECT_EQ(Rows(d), (Texts{vendor, L"Branch|HKCU\\a|", L"Branch|HKCU\\b|", L"Branch|HKCU\\c|"}));
+        Drop(d, {L"Vendor"}, list.Centre(3, 1));
+        EXPECT_EQ(Rows(d), (Texts{L"Branch|HKCU\\a|", L"Branch|HKCU\\b|", vendor, L"Branch|HKCU\\c|"}));
+        Drop(d, {L"Vendor"}, list.BehindRows());
+        EXPECT_EQ(Rows(d).back(), vendor);
+        // On itself at the very top it stays at the top.
+        Drop(d, {L"Vendor"}, list.Centre(0, 1));
+        Drop(d, {L"Vendor"}, list.Centre(0, 1));
+        EXPECT_EQ(Rows(d), (Texts{vendor, L"Branch|HKCU\\a|", L"Branch|HKCU\\b|", L"Branch|HKCU\\c|"}));
+        Leave(d);
+    });
+}
+
+TEST_F(DragRules, TheRowUnderTheCursorIsHighlightedAndAnImageFloats) {
+    for (const wchar_t* key : {L"HKCU\\a", L"HKCU\\b", L"HKCU\\c"}) control.AddKeyRule(key, 1, 32767);
+    Show([&](Dialog& d) {
+        ListSteps list = d.List(IDC_RULE_LIST);
+        const POINT behind = list.BehindRows();
+        DragTo(d, {L"Vendor"}, list.Centre(1, 1));
+        EXPECT_EQ(Highlighted(d), 1);
+        POINT hotSpot{};
+        int images = 0;
+        int width = 0;
+        d.OnGuiThread([&] {
+            const HIMAGELIST image = ImageList_GetDragImage(nullptr, &hotSpot);
+            images = ImageList_GetImageCount(image);
+            int height = 0;
+            ImageList_GetIconSize(image, &width, &height);
+        });
+        EXPECT_EQ(images, 1);
+        EXPECT_GT(width, 30) << "icon and text";
+        EXPECT_EQ(hotSpot.x, 10);
+        EXPECT_EQ(hotSpot.y, 10);
+        d.Move(list.Centre(0, 1));
+        EXPECT_EQ(Highlighted(d), 0);
+        EXPECT_EQ(ListView_GetItemState(list.Window(), 1, LVIS_DROPHILITED), 0u);
+        d.Move(behind);
+        EXPECT_EQ(Highlighted(d), -1);
+        d.Move(list.Centre(2, 1));
+        EXPECT_EQ(Highlighted(d), 2);
+        d.Move(Background(d));
+        EXPECT_EQ(Highlighted(d), -1) << "gone as soon as the list is left";
+        d.Release();
+        EXPECT_EQ(Rows(d).size(), 3u) << "a drop outside is void";
+        EXPECT_FALSE(ImageFloats(d));
+        EXPECT_EQ(d.Capture(), nullptr);
+        d.Click(IDCANCEL);
+    });
+    EXPECT_TRUE(driver.BoxTexts().empty());
+}
+
+TEST_F(DragRules, ADropOutsideTheDialogOrOnAnotherControlIsVoid) {
+    Show([&](Dialog& d) {
+        RECT frame{};
+        GetWindowRect(d.Window(), &frame);
+        Drop(d, {L"Vendor"}, {frame.right + 40, frame.bottom + 20});
+        Drop(d, {L"Vendor"}, Dialog::Centre(d.Control(IDC_NEW_KEY)));
+        RECT header{};
+        GetWindowRect(ListView_GetHeader(d.Control(IDC_RULE_LIST)), &header);
+        Drop(d, {L"Vendor"}, {(header.left + header.right) / 2, (header.top + header.bottom) / 2});
+        EXPECT_TRUE(Rows(d).empty());
+        EXPECT_EQ(d.Text(IDC_NEW_KEY), watermark);
+        d.Click(IDCANCEL);
+    });
+    EXPECT_TRUE(driver.BoxTexts().empty());
+}
+
+TEST_F(DragRules, AMessageBoxInTheMiddleLeavesNothingBehind) {
+    control.AddKeyRule(L"HKCU\\a", 1, 0);
+    Show([&](Dialog& d) {
+        ListSteps list = d.List(IDC_RULE_LIST);
+        DragTo(d, {L"Vendor"}, list.Centre(0, 1));
+        // From a timer of the dialog's thread, so that the box stands in the middle of the drag.
+        static HWND s_owner;
+        s_owner = d.Window();
+        d.OnGuiThread([] {
+            SetTimer(nullptr, 0, 1, [](HWND, UINT, UINT_PTR timer, DWORD) {
+                KillTimer(nullptr, timer);
+                MessageBoxW(s_owner, L"In between", L"Host", MB_OK);
+            });
+        });
+        EXPECT_EQ(d.AnswerBox(IDOK), L"In between");
+        EXPECT_EQ(d.Capture(), nullptr);
+        d.Release();
+        EXPECT_EQ(Rows(d), Texts{L"Branch|HKCU\\a|"}) << "without the capture the drop does not arrive";
+        // The next click on the dialog ends the drag; the highlight goes with the move there.
+        d.Click(Background(d));
+        EXPECT_EQ(Highlighted(d), -1);
+        EXPECT_FALSE(ImageFloats(d));
+        Drop(d, {L"Vendor"}, list.Centre(0, 1));
+        EXPECT_EQ(Rows(d), (Texts{L"Branch|" + base + L"\\Vendor|", L"Branch|HKCU\\a|"}));
+        Leave(d);
+    });
+}
+
+TEST_F(DragRules, ALostCaptureLeavesTheNextDragWhole) {
+    control.AddKeyRule(L"HKCU\\a", 1, 0);
+    Show([&](Dialog& d) {
+        ListSteps list = d.List(IDC_RULE_LIST);
+        DragTo(d, {L"Vendor"}, list.Centre(0, 1));
+        d.OnGuiThread([] { ReleaseCapture(); });
+        d.Release();
+        EXPECT_EQ(Rows(d), Texts{L"Branch|HKCU\\a|"});
+        // At once into the next one, without a click in between.
+        Drop(d, {L"Vendor", L"App"}, list.Centre(0, 1));
+        EXPECT_EQ(Rows(d), (Texts{L"Branch|" + base + L"\\Vendor\\App|", L"Branch|HKCU\\a|"}));
+        EXPECT_EQ(Highlighted(d), -1);
+        EXPECT_FALSE(ImageFloats(d));
+        EXPECT_EQ(d.Capture(), nullptr);
+        Leave(d);
+    });
+}
+
+TEST_F(DragRules, EscapeEndsTheDialogAndTheDragWithIt) {
+    Show([&](Dialog& d) {
+        DragTo(d, {L"Vendor"}, d.List(IDC_RULE_LIST).BehindRows());
+        d.Key(VK_ESCAPE);
+        d.WaitUntilClosed();
+    });
+    EXPECT_EQ(ImageList_GetDragImage(nullptr, nullptr), nullptr);
+    EXPECT_EQ(GetCapture(), nullptr);
+    input::LeftUp();
+    Show([&](Dialog& d) {
+        // The next run begins at rest: the gap answers, and a drag works.
+        d.Move(Background(d));
+        EXPECT_FALSE(ImageFloats(d));
+        Drop(d, {L"Vendor"}, d.List(IDC_RULE_LIST).BehindRows());
+        EXPECT_EQ(Rows(d).size(), 1u);
+        Leave(d);
+    });
+}
+
+TEST_F(DragRules, AKeyThatVanishesUnderWayStillMakesItsRule) {
+    Show([&](Dialog& d) {
+        DragTo(d, {L"Vendor"}, d.List(IDC_RULE_LIST).BehindRows());
+        EXPECT_EQ(RegDeleteKeyW(registry.Key(), L"Vendor\\App"), ERROR_SUCCESS);
+        EXPECT_EQ(RegDeleteKeyW(registry.Key(), L"Vendor"), ERROR_SUCCESS);
+        d.Release();
+        EXPECT_EQ(Rows(d), Texts{L"Branch|" + base + L"\\Vendor|"});
+        // It stays in the tree, and shows nothing below.
+        const POINT app = Hold(d, {L"Vendor"});
+        EXPECT_NE(app.x, 0);
+        Leave(d);
+    });
+}
+
+TEST_F(DragRules, AListOfTwentyThousandRowsTakesADrop) {
+    constexpr int count = 20000;
+    for (int i = 0; i < count; ++i) control.AddKeyRule((L"HKCU\\" + std::to_wstring(i)).c_str(), 1, 32767);
+    Show([&](Dialog& d) {
+        ListSteps list = d.List(IDC_RULE_LIST);
+        ASSERT_EQ(list.RowCount(), count);
+        Drop(d, {L"Vendor"}, list.Centre(5, 1));
+        EXPECT_EQ(list.Text(5, 1), base + L"\\Vendor");
+        Drop(d, {L"Vendor"}, list.Centre(2, 1));
+        EXPECT_EQ(list.RowCount(), count + 1);
+        EXPECT_EQ(list.Text(2, 1), base + L"\\Vendor");
+        EXPECT_EQ(list.Text(6, 1), L"HKCU\\5");
+        d.Click(IDOK);
+    });
+    EXPECT_EQ(control.GetKeyRuleCount(), count + 1);
+}
