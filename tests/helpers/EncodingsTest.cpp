@@ -123,14 +123,17 @@ TEST(Utf8ToWide, AnEncodedSurrogateIsNoCharacter) {
 }
 
 TEST(WideToAnsi, AnswersTheThreadsCodePage) {
+    const LCID before = GetThreadLocale();
+    ASSERT_TRUE(SetThreadLocale(0x0409));
     EXPECT_EQ(WideToAnsi(L"plain"), "plain");
+    EXPECT_EQ(WideToAnsi(L"\x00E4\x20AC"), "\xE4\x80");
+    EXPECT_EQ(WideToAnsi(L"\x0416"), "?");
+    EXPECT_EQ(WideToAnsi(L"\x0100"), "?") << "no letter that merely looks alike";
     EXPECT_TRUE(WideToAnsi(L"").IsEmpty());
     EXPECT_TRUE(WideToAnsi(nullptr).IsEmpty());
-    if (GetACP() == 1252) {
-        EXPECT_EQ(WideToAnsi(L"\x00E4\x20AC"), "\xE4\x80");
-        EXPECT_EQ(WideToAnsi(L"\x0100"), "?") << "no letter that merely looks alike";
-        EXPECT_EQ(WideToAnsi(L"\x4E2D"), "?");
-    }
+    ASSERT_TRUE(SetThreadLocale(0x0419));
+    EXPECT_EQ(WideToAnsi(L"\x0416"), "\xC6");
+    SetThreadLocale(before);
 }
 
 TEST(WideToAnsi, AFailedStepGivesAnEmptyText) {

@@ -182,6 +182,7 @@ TEST_F(RegistryPaths, FailuresLeaveNothingOpen) {
         EXPECT_FALSE(Exists(missing));
         EXPECT_EQ(key.OpenRedirected(HKEY_CURRENT_USER, missing, KEY_READ), 2);
         EXPECT_EQ(failures, 14);
+        EXPECT_EQ(key.OpenRedirected(HKEY_CURRENT_USER, Path(), KEY_READ), 0) << "this closes the earlier one";
     }
     EXPECT_GE(counter.Created("registry handle"), 100);
     EXPECT_EQ(counter.Report(), "");
