@@ -4,8 +4,7 @@
 #include <cwchar>
 #include <string>
 
-IMPLEMENT_DYNAMIC(CWinThread, CCmdTarget)
-IMPLEMENT_DYNAMIC(CWinApp, CWinThread)
+IMPLEMENT_DYNAMIC(CWinApp, CCmdTarget)
 
 namespace {
 
@@ -21,14 +20,6 @@ std::wstring ModuleName(HINSTANCE module) {
 }
 
 }  // namespace
-
-BOOL CWinThread::InitInstance() {
-    return FALSE;
-}
-
-int CWinThread::ExitInstance() {
-    return 0;
-}
 
 void CWinApp::Register(LPCWSTR appName) {
     m_hInstance = m_state->m_hCurrentInstanceHandle;
@@ -46,10 +37,11 @@ BOOL CWinApp::InitInstance() {
     return TRUE;
 }
 
+int CWinApp::ExitInstance() {
+    return 0;
+}
+
 LPCWSTR AfxGetAppName() {
-    if (const CWinApp* app = AfxGetApp(); app != nullptr) return app->m_pszAppName;
-    static thread_local wchar_t* t_name = nullptr;
-    std::free(t_name);
-    t_name = _wcsdup(ModuleName(AfxGetInstanceHandle()).c_str());
-    return t_name;
+    const CWinApp* const app = AfxGetApp();
+    return app != nullptr ? app->m_pszAppName : L"";
 }

@@ -18,21 +18,7 @@
 #include "framework/CommandTarget.h"
 #include "framework/ModuleState.h"
 
-class CWnd;
-
-class AFX_API CWinThread : public CCmdTarget {
-    DECLARE_DYNAMIC(CWinThread)
-
-public:
-    CWnd* m_pMainWnd = nullptr;  // owns message boxes if it is set; not owned here
-
-    // TRUE if the work may begin.
-    virtual BOOL InitInstance();
-    // Returns the exit code.
-    virtual int ExitInstance();
-};
-
-class AFX_API CWinApp : public CWinThread {
+class AFX_API CWinApp : public CCmdTarget {
     DECLARE_DYNAMIC(CWinApp)
 
 public:
@@ -44,7 +30,10 @@ public:
     HINSTANCE m_hInstance = nullptr;
     LPCWSTR m_pszAppName = nullptr;  // on the heap: free() it before putting another _wcsdup there
 
-    BOOL InitInstance() override;
+    // TRUE if the work may begin.
+    virtual BOOL InitInstance();
+    // Returns the exit code.
+    virtual int ExitInstance();
     // Shows a message box with the application's name as title and returns its answer. AfxMessageBox ends here.
     virtual int DoMessageBox(LPCWSTR text, UINT type, UINT helpId);
 
@@ -54,7 +43,7 @@ private:
     AFX_MODULE_STATE* m_state;
 };
 
-// The name of the current state's application; without one, the module's.
+// The name of the current state's application; empty without one.
 AFX_API LPCWSTR AfxGetAppName();
 
 // A message box with the current application's name as title, owned by the thread's active window. Returns the button's

@@ -57,13 +57,15 @@ void CLoggingService::LogFormat(LogLevel level, const wchar_t* format, va_list a
     Log(level, format);
 }
 
-#define DEFINE_LEVEL(name, level)                                                              \
-    void CLoggingService::Log##name##Message(const wchar_t* message) { Log(level, message); } \
-    void CLoggingService::Log##name##MessageFormat(const wchar_t* format, ...) {              \
-        va_list arguments;                                                                     \
-        va_start(arguments, format);                                                           \
-        LogFormat(level, format, arguments);                                                   \
-        va_end(arguments);                                                                     \
+#define DEFINE_LEVEL(name, level)                                                \
+    void CLoggingService::Log##name##Message(const wchar_t* message) {           \
+        Log(level, message);                                                     \
+    }                                                                            \
+    void CLoggingService::Log##name##MessageFormat(const wchar_t* format, ...) { \
+        va_list arguments;                                                       \
+        va_start(arguments, format);                                             \
+        LogFormat(level, format, arguments);                                     \
+        va_end(arguments);                                                       \
     }
 
 DEFINE_LEVEL(Error, LogLevel::Error)

@@ -42,8 +42,8 @@ public:
     void LogTraceMessage(const wchar_t* message);
     void __cdecl LogTraceMessageFormat(const wchar_t* format, ...);
 
-    // Sends messages to `sink` from now on and returns the one before. An empty sink stands for the default, which is the
-    // debugger's output.
+    // Sends messages to `sink` from now on and returns the one before. An empty sink stands for the default, which is
+    // the debugger's output.
     Sink SetSink(Sink sink);
 
 private:
