@@ -30,5 +30,5 @@ TEST(ReadHexPairs, TakesBothCases) {
 TEST(ReadHexPairs, APairThatIsNoNumberReadsAsFarAsItGoes) {
     EXPECT_EQ(Read(L"zzz11z"), (std::vector<std::uint8_t>{0x00, 0x00, 0x01}));
     EXPECT_EQ(Read(L" 1-1+f0x"), (std::vector<std::uint8_t>{0x01, 0xff, 0x0f, 0x00}));
-    EXPECT_EQ(Read(std::wstring(L"\0001\x0661\xD8311", 4)), (std::vector<std::uint8_t>{0x00, 0x00}));
+    EXPECT_EQ(Read(std::wstring(L"\0001\x4E2D\xD831", 4)), (std::vector<std::uint8_t>{0x00, 0x00}));
 }
