@@ -1,11 +1,19 @@
 #include "dialog/LoadedRows.h"
 
+#include <windows.h>
+
 #include "dialog/KindNames.h"
 
-CString FoldCase(const CString& text) {
-    CString folded = text;
-    folded.MakeUpper();
-    return folded;
+void AppendFolded(std::wstring& folded, std::wstring_view text) {
+    const std::size_t start = folded.size();
+    bool onlyAscii = true;
+    for (const wchar_t character : text) {
+        const bool isSmall = character >= L'a' && character <= L'z';
+        folded += isSmall ? static_cast<wchar_t>(character - (L'a' - L'A')) : character;
+        onlyAscii = onlyAscii && character < 0x80;
+    }
+    // Most names are plain, and the system's call costs more than everything else about a row.
+    if (!onlyAscii) CharUpperBuffW(folded.data() + start, static_cast<DWORD>(text.size()));
 }
 
 void LoadedRows::Add(const CString& kind, CString key, CString value, int position) {
@@ -13,14 +21,20 @@ void LoadedRows::Add(const CString& kind, CString key, CString value, int positi
 }
 
 std::vector<const LoadedRows::Row*> LoadedRows::InFinalOrder() const {
-    std::vector<CString> folded;
-    folded.reserve(2 * m_rows.size());  // the identities below look into these texts
+    std::size_t length = 0;
+    for (const Row& row : m_rows) length += View(row.key).size() + View(row.value).size();
+    std::wstring folded;
+    folded.reserve(length);  // the identities look into it
+    const auto fold = [&](const CString& text) {
+        const std::size_t start = folded.size();
+        AppendFolded(folded, View(text));
+        return std::wstring_view(folded).substr(start);
+    };
     std::vector<PlacedRule> rules;
     rules.reserve(m_rows.size());
     for (const Row& row : m_rows) {
-        const CString& key = folded.emplace_back(FoldCase(row.key));
-        const CString& value = folded.emplace_back(FoldCase(row.value));
-        rules.push_back({{View(*row.kind), View(key), View(value)}, row.position});
+        const std::wstring_view key = fold(row.key);
+        rules.push_back({{View(*row.kind), key, fold(row.value)}, row.position});
     }
     std::vector<const Row*> ordered;
     ordered.reserve(m_rows.size());

@@ -4,6 +4,7 @@
 #include <afx.h>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "dialog/RowPlacement.h"
@@ -27,5 +28,6 @@ private:
     std::vector<Row> m_rows;
 };
 
-// The text in the letter case in which two texts are equal exactly when CString::CompareNoCase calls them equal.
-CString FoldCase(const CString& text);
+// Appends the text in the letter case in which two texts are equal exactly when CString::CompareNoCase calls them
+// equal. As long as the text, so a reserved string does not move.
+void AppendFolded(std::wstring& folded, std::wstring_view text);
