@@ -27,7 +27,7 @@ TEST(FoldCase, AgreesWithTheComparisonOverAllCharacters) {
     std::sort(folded.begin(), folded.end(), isLess);
     for (std::size_t i = 1; i < folded.size(); ++i) {
         const bool equal = folded[i - 1].CompareNoCase(folded[i]) == 0;
-        ASSERT_EQ(equal, folded[i - 1].Compare(folded[i]) == 0) << std::hex << folded[i].GetAt(1);
+        ASSERT_EQ(equal, folded[i - 1].Compare(folded[i]) == 0) << static_cast<int>(folded[i].GetAt(1));
     }
 }
 

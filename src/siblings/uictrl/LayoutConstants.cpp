@@ -1,3 +1,3 @@
 #include "siblings/uictrl/LayoutConstants.h"
 
-const SIZE LayoutConstants::ControlSpacing = {7, 7};
+const SIZE LayoutConstants::ControlSpacing = {4, 4};
