@@ -41,7 +41,10 @@ start_desk build/run
 start_host "$host" "$rules"
 
 step "opening a hive in the tree"
-press Down Right
+press Down Down Right
+step "dragging a key from the tree onto the third rule"
+drag_towards 60 "$(tree_y 5)" 390 "$(list_y 2)"
+let_go
 step "typing a key into the strip"
 click $STRIP_KEY_X $STRIP_Y
 type_text 'HKCU\Software\Oakmere Instruments\Gauge'

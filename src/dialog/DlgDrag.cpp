@@ -21,6 +21,8 @@ void CRegistryRulesDlg::BeginRuleDrag(const NMTREEVIEWW& notification) {
     // This only decides where the image first flashes up; the first move puts it right.
     CImageList::DragEnter(GetDesktopWindow(),
                           CPoint(GET_X_LPARAM(notification.action), GET_Y_LPARAM(notification.action)));
+    // Wine 8 paints what lies between there and the first move black; a hidden image moves without painting.
+    CImageList::DragShowNolock(FALSE);
     m_dragActive = true;
     m_dropRow = -1;
     m_dragTarget = &m_registryTree;
