@@ -1,29 +1,60 @@
-// Reading all rules back through the exported class grows with their number and no faster, though the sets are lists
-// and the class reads them by index.
+// Reading all rules back through the exported class takes time in proportion to their number, though the sets are lists
+// and the class reads them by index. "Bare" walks a standard list of the same texts and copies them out; memory that no
+// longer fits into the caches slows both alike.
+#include <list>
+#include <string>
+
 #include "rules/RegistryRulesCtrl.h"
 #include "support/Ratios.h"
 
 namespace {
 
+constexpr const wchar_t* Key = L"HKEY_CURRENT_USER\\Software\\Example\\Settings";
+constexpr const wchar_t* Value = L"WindowPlacement";
+constexpr int Passes = 5;
+
+struct BareRule {
+    std::wstring key = Key;
+    std::wstring value = Value;
+    long position = 0;
+};
+
 double ReadKeyRules(int rules) {
     CRegistryRulesCtrl editor;
-    for (int i = 0; i < rules; ++i) editor.AddKeyRule(L"HKEY_CURRENT_USER\\Software\\Example\\Settings", 1, 0);
+    for (int i = 0; i < rules; ++i) editor.AddKeyRule(Key, 1, 0);
     CString key;
     int isBranch = 0;
     long position = 0;
     return SecondsOf([&] {
-        for (long i = 0; i < rules; ++i) editor.GetKeyRule(i, key, &isBranch, &position);
+        for (int pass = 0; pass < Passes; ++pass) {
+            for (long i = 0; i < rules; ++i) editor.GetKeyRule(i, key, &isBranch, &position);
+        }
     });
 }
 
 double ReadValueRules(int rules) {
     CRegistryRulesCtrl editor;
-    for (int i = 0; i < rules; ++i) editor.AddValueRule(L"HKEY_CURRENT_USER\\Environment", L"TEMP", 0);
+    for (int i = 0; i < rules; ++i) editor.AddValueRule(Key, Value, 0);
     CString key;
     CString value;
     long position = 0;
     return SecondsOf([&] {
-        for (long i = 0; i < rules; ++i) editor.GetValueRule(i, key, value, &position);
+        for (int pass = 0; pass < Passes; ++pass) {
+            for (long i = 0; i < rules; ++i) editor.GetValueRule(i, key, value, &position);
+        }
+    });
+}
+
+double ReadBare(int rules) {
+    const std::list<BareRule> list(static_cast<std::size_t>(rules));
+    volatile std::size_t characters = 0;
+    return SecondsOf([&] {
+        for (int pass = 0; pass < Passes; ++pass) {
+            for (const BareRule& rule : list) {
+                const BareRule copy = rule;
+                characters = characters + copy.key.size() + copy.value.size();
+            }
+        }
     });
 }
 
@@ -31,6 +62,14 @@ double ReadValueRules(int rules) {
 
 extern "C" int wmain() {
     Ratios ratios;
+    for (const int rules : {10000, 20000, 40000}) {
+        const std::string count = std::to_string(rules);
+        ratios.Compare(
+            "reading " + count + " key rules", [=] { return ReadKeyRules(rules); }, [=] { return ReadBare(rules); });
+        ratios.Compare(
+            "reading " + count + " value rules", [=] { return ReadValueRules(rules); },
+            [=] { return ReadBare(rules); });
+    }
     ratios.Grow("reading key rules", {10000, 20000, 40000}, ReadKeyRules);
     ratios.Grow("reading value rules", {10000, 20000, 40000}, ReadValueRules);
     ratios.Print();
