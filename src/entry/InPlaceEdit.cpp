@@ -115,14 +115,15 @@ void CInPlaceEdit::EndEdit() {
     // box: the text stays, the box's answer says how it goes on, and a refusal takes the focus back by itself.
     if (m_life.m_ended || IsEntryMessageUp()) return;
 
-    const HWND list = ::GetParent(m_hWnd);
+    const HWND window = m_hWnd;
+    const HWND list = ::GetParent(window);
     const HWND dialog = ::GetParent(list);
     CString text;
     GetWindowText(text);
     const bool keyDeleted = text.IsEmpty() && m_iColumnIndex == kKeyColumn;
     const int result = keyDeleted ? ConfirmDeletedKey(dialog) : ValidateInPlace();
-    if (m_hWnd == nullptr) return;  // gone while the box was up
-    if (result == KEY_RETRY) {      // and the focus is back here
+    if (m_hWnd != window) return;  // gone while the box was up
+    if (result == KEY_RETRY) {     // and the focus is back here
         ::SendMessageW(dialog, RRM_CELL_EDIT_HELD, 0, 0);
         return;
     }
@@ -136,8 +137,9 @@ void CInPlaceEdit::EndEdit() {
 }
 
 int CInPlaceEdit::ConfirmDeletedKey(HWND dialog) {
+    const HWND window = m_hWnd;
     const int answer = ShowEntryMessage(LoadResourceString(IDS_UNKNOWN_HIVE), MB_OKCANCEL);
-    if (m_hWnd == nullptr) return KEY_DISMISSED;
+    if (m_hWnd != window) return KEY_DISMISSED;
     if (answer == IDOK) {
         SetFocus();
         ::SendMessageW(dialog, RRM_HOLD_EDIT, 0, 0);

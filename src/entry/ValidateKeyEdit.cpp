@@ -40,8 +40,9 @@ int CValidateKeyEdit::ValidateKey() {
         return KEY_OK;
     }
 
+    const HWND window = m_hWnd;
     const int answer = ShowEntryMessage(LoadResourceString(RefusalId(check.verdict)), MB_OKCANCEL);
-    if (m_hWnd == nullptr) return KEY_DISMISSED;
+    if (m_hWnd != window) return KEY_DISMISSED;
     if (answer != IDOK) {
         if (check.verdict == KeyVerdict::KeyUnknownHive) SetWindowText(L"");
         TellGrandparent(m_hWnd, RRM_RELEASE_EDIT);

@@ -77,6 +77,33 @@ TEST(CheckKeyPath, DecidesAndSelects) {
     }
 }
 
+// Every path of up to ten backslashes and letters behind a hive, judged by looking at one character after the other.
+TEST(CheckKeyPath, SelectsExactlyTheRunThatIsRefused) {
+    for (unsigned bits = 1; bits < 1u << 11; ++bits) {
+        std::wstring text = L"HKU\\";
+        for (unsigned rest = bits; rest > 1; rest >>= 1) text += (rest & 1) != 0 ? L'\\' : L'a';
+        const int length = static_cast<int>(text.size());
+        const auto isBackslash = [&](int index) {
+            return index >= 0 && index < length && text[static_cast<std::size_t>(index)] == L'\\';
+        };
+
+        const KeyCheck check = CheckKeyPath(text, kWatermark, ShippedHives());
+        int firstDouble = 0;
+        while (firstDouble < length && !(isBackslash(firstDouble) && isBackslash(firstDouble + 1))) ++firstDouble;
+        const KeyVerdict expected = length == 4               ? KeyBareHive
+                                    : isBackslash(length - 1) ? KeyTrailingBackslash
+                                    : firstDouble < length    ? KeyMultipleBackslash
+                                                              : KeyAccepted;
+        ASSERT_EQ(check.verdict, expected) << text;
+        ASSERT_EQ(check.selection.has_value(), expected == KeyTrailingBackslash || expected == KeyMultipleBackslash);
+        if (!check.selection) continue;
+        const auto [start, end] = *check.selection;
+        for (int index = start; index < end; ++index) ASSERT_TRUE(isBackslash(index)) << text;
+        ASSERT_TRUE(!isBackslash(start - 1) && !isBackslash(end)) << text;
+        ASSERT_TRUE(expected == KeyTrailingBackslash ? end == length : start == firstDouble) << text;
+    }
+}
+
 TEST(CheckKeyPath, HasNoLimitOnTheLength) {
     const std::wstring key = L"HKLM\\" + std::wstring(100000, L'x');
     EXPECT_EQ(CheckKeyPath(key, kWatermark, ShippedHives()), (KeyCheck{KeyAccepted, {}}));
