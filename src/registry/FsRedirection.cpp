@@ -18,7 +18,7 @@ bool DisableFsRedirection() {
     return !HasRedirection() || Wow64DisableWow64FsRedirection(&t_oldValue);
 }
 
-// The idle answer differs from that of DisableFsRedirection on purpose: callers take it as "there is nothing to
+// The idle answer differs from that of DisableFsRedirection on purpose: here it says that nothing was put back.
 // revert".
 bool RevertFsRedirection() {
     return HasRedirection() && Wow64RevertWow64FsRedirection(t_oldValue);

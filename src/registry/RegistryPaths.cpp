@@ -74,7 +74,7 @@ void CRegistryHelper::DeleteChildKey(HKEY hive, CString path, const CString& chi
     RewritePath(hive, path, KEY_ALL_ACCESS, 0);
     HKEY parent = nullptr;
     CheckRegistryStatus(RegOpenKeyExW(hive, path, 0, KEY_ALL_ACCESS, &parent));
-    // The parent is not closed, on either way out: an open handle keeps a mounted hive from being unloaded beneath it.
+    // Not closed, on either way out, by design; a mounted hive that holds the parent can then not be unloaded.
     CheckRegistryStatus(RegDeleteKeyW(parent, child));
 }
 

@@ -3,12 +3,13 @@
 
 #include <afx.h>
 
+class CRegistryHelper;
+
 // "SystemRoot" of the running system, or of the installed one on a preinstallation boot. Read once per process. Throws
 // CRegistryException when the key does not open.
 CString GetSystemRootPath();
 
-// The target system's version key, open for reading and rewritten for a preinstallation boot.
-class CRegistryHelper;
+// Opens the target system's version key for reading, the installed one's on a preinstallation boot. Throws as above.
 void OpenVersionKey(CRegistryHelper& key);
 
 // A file below a folder, with one backslash between them.
