@@ -43,7 +43,6 @@ public:
     // The size of one line in the selected font, in pixels; 0, 0 on failure.
     CSize GetTextExtent(LPCWSTR text, int length) const;
     CSize GetTextExtent(const CString& text) const { return GetTextExtent(text, text.GetLength()); }
-    BOOL TextOut(int x, int y, const CString& text) { return ::TextOutW(m_hDC, x, y, text, text.GetLength()); }
     // Also leaves `color` as the background colour.
     void FillSolidRect(const RECT* rect, COLORREF color);
 };

@@ -43,12 +43,6 @@ public:
     // Ends the loop of DoModal as soon as the handler returns.
     void EndDialog(int result);
 
-    // Turns dialog units into pixels, in place.
-    void MapDialogRect(RECT* rect) const { ::MapDialogRect(m_hWnd, rect); }
-    // The button that Return presses: its id in the low half, DC_HASDEFID in the high half, or 0.
-    DWORD GetDefID() const { return static_cast<DWORD>(SendMessage(DM_GETDEFID)); }
-    void SetDefID(UINT id) { SendMessage(DM_SETDEFID, id); }
-
     // Dialog keys: Tab, arrows, Return, Escape, shortcuts.
     BOOL PreTranslateMessage(MSG* message) override;
     // Behind the dialog come its owner and the application object, for ids of 0x8000 and up.

@@ -40,8 +40,6 @@ public:
     // May be temporary, see CWnd::FromHandle; null for null.
     static CFont* FromHandle(HFONT font);
     BOOL CreateFontIndirect(const LOGFONTW* description) { return Attach(::CreateFontIndirectW(description)); }
-    // 0 if there is no font.
-    int GetLogFont(LOGFONTW* description) const { return ::GetObjectW(m_hObject, sizeof(*description), description); }
     operator HFONT() const { return static_cast<HFONT>(m_hObject); }  // NOLINT(google-explicit-constructor)
 };
 

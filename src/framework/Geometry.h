@@ -43,21 +43,9 @@ public:
     int Height() const { return bottom - top; }
     CSize Size() const { return {Width(), Height()}; }
     CPoint TopLeft() const { return {left, top}; }
-    CPoint BottomRight() const { return {right, bottom}; }
     CPoint CenterPoint() const { return {(left + right) / 2, (top + bottom) / 2}; }
 
     BOOL PtInRect(POINT point) const { return ::PtInRect(this, point); }
-    BOOL IsRectEmpty() const { return ::IsRectEmpty(this); }
-    void SetRect(int l, int t, int r, int b) { *this = CRect(l, t, r, b); }
-    void SetRectEmpty() { *this = CRect(); }
-    void OffsetRect(int x, int y) { ::OffsetRect(this, x, y); }
-    // Grows by `x` at the left and at the right, by `y` at the top and at the bottom.
-    void InflateRect(int x, int y) { ::InflateRect(this, x, y); }
     void DeflateRect(int x, int y) { ::InflateRect(this, -x, -y); }
-    // Exchanges edges that stand crosswise.
-    void NormalizeRect() {
-        *this = CRect(left < right ? left : right, top < bottom ? top : bottom, left < right ? right : left,
-                      top < bottom ? bottom : top);
-    }
     friend bool operator==(const CRect& first, const CRect& second) { return ::EqualRect(&first, &second); }
 };

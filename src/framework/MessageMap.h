@@ -91,17 +91,11 @@ struct KeyArguments {
 struct FocusArguments {
     static auto Of(AFX_MSG_CALL& call) { return std::tuple(WindowOf(reinterpret_cast<HWND>(call.wParam))); }
 };
-struct CaptureArguments {
-    static auto Of(AFX_MSG_CALL& call) { return std::tuple(WindowOf(reinterpret_cast<HWND>(call.lParam))); }
-};
 struct ScrollArguments {
     static auto Of(AFX_MSG_CALL& call) {
         return std::tuple(static_cast<UINT>(LOWORD(call.wParam)), static_cast<UINT>(HIWORD(call.wParam)),
                           ScrollBarOf(call.lParam));
     }
-};
-struct TimerArguments {
-    static auto Of(AFX_MSG_CALL& call) { return std::tuple(static_cast<UINT_PTR>(call.wParam)); }
 };
 struct ColorArguments {
     static auto Of(AFX_MSG_CALL& call) {
@@ -187,11 +181,9 @@ protected:                                        \
 #define ON_WM_LBUTTONUP() AFX_MESSAGE_ENTRY(WM_LBUTTONUP, MouseArguments, &ThisClass::OnLButtonUp)
 #define ON_WM_LBUTTONDBLCLK() AFX_MESSAGE_ENTRY(WM_LBUTTONDBLCLK, MouseArguments, &ThisClass::OnLButtonDblClk)
 #define ON_WM_RBUTTONDOWN() AFX_MESSAGE_ENTRY(WM_RBUTTONDOWN, MouseArguments, &ThisClass::OnRButtonDown)
-#define ON_WM_CAPTURECHANGED() AFX_MESSAGE_ENTRY(WM_CAPTURECHANGED, CaptureArguments, &ThisClass::OnCaptureChanged)
 #define ON_WM_HSCROLL() AFX_MESSAGE_ENTRY(WM_HSCROLL, ScrollArguments, &ThisClass::OnHScroll)
 #define ON_WM_VSCROLL() AFX_MESSAGE_ENTRY(WM_VSCROLL, ScrollArguments, &ThisClass::OnVScroll)
 #define ON_WM_GETDLGCODE() AFX_MESSAGE_ENTRY(WM_GETDLGCODE, NoArguments, &ThisClass::OnGetDlgCode)
-#define ON_WM_TIMER() AFX_MESSAGE_ENTRY(WM_TIMER, TimerArguments, &ThisClass::OnTimer)
 // HBRUSH OnCtlColor(CDC*, CWnd*, UINT) of the parent, HBRUSH CtlColor(CDC*, UINT) of the control itself.
 #define ON_WM_CTLCOLOR() AFX_MESSAGE_ENTRY(WM_CTLCOLOR, ColorArguments, &ThisClass::OnCtlColor)
 #define ON_WM_CTLCOLOR_REFLECT() \
@@ -210,7 +202,6 @@ protected:                                        \
 #define ON_EN_SETFOCUS(id, handler) ON_CONTROL(EN_SETFOCUS, id, handler)
 #define ON_EN_KILLFOCUS(id, handler) ON_CONTROL(EN_KILLFOCUS, id, handler)
 #define ON_CBN_SELCHANGE(id, handler) ON_CONTROL(CBN_SELCHANGE, id, handler)
-#define ON_CBN_CLOSEUP(id, handler) ON_CONTROL(CBN_CLOSEUP, id, handler)
 
 // void OnX(NMHDR*, LRESULT*)
 #define ON_NOTIFY(code, id, handler) AFX_CONTROL_ENTRY(WM_NOTIFY, code, id, id, NotifyArguments, handler)

@@ -24,7 +24,6 @@ public:
     HTREEITEM GetParentItem(HTREEITEM item) const { return Relative(TVGN_PARENT, item); }
     HTREEITEM GetChildItem(HTREEITEM item) const { return Relative(TVGN_CHILD, item); }
     HTREEITEM GetNextSiblingItem(HTREEITEM item) const { return Relative(TVGN_NEXT, item); }
-    HTREEITEM GetSelectedItem() const { return Relative(TVGN_CARET, nullptr); }
     BOOL SelectItem(HTREEITEM item) { return Ask(TVM_SELECTITEM, TVGN_CARET, item); }
 
     // The text of an item, of any length; empty for no item.

@@ -106,10 +106,6 @@ BOOL CWnd::DestroyWindow() {
 
 void CWnd::PostNcDestroy() {}
 
-const MSG* CWnd::GetCurrentMessage() {
-    return &afx::ThisThread().current;
-}
-
 BOOL CWnd::PreTranslateMessage(MSG*) {
     return FALSE;
 }

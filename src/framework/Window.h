@@ -93,8 +93,6 @@ public:
     LRESULT SendDlgItemMessage(int id, UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const {
         return ::SendDlgItemMessageW(m_hWnd, id, message, wParam, lParam);
     }
-    // The message that this thread's innermost handler is at.
-    static const MSG* GetCurrentMessage();
     // Sees a message of the modal loop before it is translated; TRUE ends its way. The loop asks the window with the
     // focus first, then its parents up to the top.
     virtual BOOL PreTranslateMessage(MSG* message);
@@ -118,7 +116,6 @@ public:
 
     // Place and look. Rectangles of children are in client coordinates of their parent.
     DWORD GetStyle() const { return static_cast<DWORD>(::GetWindowLongPtrW(m_hWnd, GWL_STYLE)); }
-    DWORD GetExStyle() const { return static_cast<DWORD>(::GetWindowLongPtrW(m_hWnd, GWL_EXSTYLE)); }
     // FALSE if nothing changed. With `positionFlags` the frame is told of it by SetWindowPos.
     BOOL ModifyStyle(DWORD remove, DWORD add, UINT positionFlags = 0);
     void MoveWindow(int x, int y, int width, int height, BOOL repaint = TRUE) {
@@ -160,7 +157,6 @@ public:
     CWnd* SetFocus() { return FromHandle(::SetFocus(m_hWnd)); }
     static CWnd* GetFocus() { return FromHandle(::GetFocus()); }
     CWnd* SetCapture() { return FromHandle(::SetCapture(m_hWnd)); }
-    static CWnd* GetCapture() { return FromHandle(::GetCapture()); }
     static CWnd* GetActiveWindow() { return FromHandle(::GetActiveWindow()); }
 
     // Runs DoDataExchange: from the controls into the members for TRUE, the other way for FALSE. WM_COMMAND
@@ -201,11 +197,9 @@ protected:
     afx_msg void OnLButtonUp(UINT, CPoint) { Default(); }
     afx_msg void OnLButtonDblClk(UINT, CPoint) { Default(); }
     afx_msg void OnRButtonDown(UINT, CPoint) { Default(); }
-    afx_msg void OnCaptureChanged(CWnd*) { Default(); }
     afx_msg void OnHScroll(UINT, UINT, CScrollBar*) { Default(); }
     afx_msg void OnVScroll(UINT, UINT, CScrollBar*) { Default(); }
     afx_msg UINT OnGetDlgCode() { return static_cast<UINT>(Default()); }
-    afx_msg void OnTimer(UINT_PTR) { Default(); }
     // Asks the control for its colours first.
     afx_msg HBRUSH OnCtlColor(CDC* context, CWnd* control, UINT type);
 

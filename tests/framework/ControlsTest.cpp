@@ -124,7 +124,7 @@ TEST_F(Controls, TreeItemsAndTheirRelatives) {
     EXPECT_TRUE(m_tree.Expand(root, TVE_EXPAND));
     EXPECT_NE(m_tree.GetItemState(root, TVIS_EXPANDED), 0u);
     EXPECT_TRUE(m_tree.SelectItem(second));
-    EXPECT_EQ(m_tree.GetSelectedItem(), second);
+    EXPECT_NE(m_tree.GetItemState(second, TVIS_SELECTED), 0u);
     CRect rect;
     ASSERT_TRUE(m_tree.GetItemRect(second, rect, TRUE));
     EXPECT_EQ(m_tree.HitTest(rect.CenterPoint()), second);

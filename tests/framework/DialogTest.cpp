@@ -434,13 +434,13 @@ TEST_F(DialogTest, ReturnPressesTheDefaultButtonWhicheverThatIs) {
                [&](Dialog& d) {
                    EXPECT_EQ(d.FocusId(), IDC_PROBE_EDIT);
                    d.OnGuiThread([&] {
-                       EXPECT_EQ(LOWORD(dialog.GetDefID()), IDOK);
-                       dialog.SetDefID(IDC_PROBE_BUTTON);
+                       EXPECT_EQ(LOWORD(dialog.SendMessage(DM_GETDEFID)), IDOK);
+                       dialog.SendMessage(DM_SETDEFID, IDC_PROBE_BUTTON);
                    });
                    d.Key(VK_RETURN);
                    d.OnGuiThread([&] {
                        EXPECT_EQ(dialog.m_log, std::vector<std::string>{"button"});
-                       dialog.SetDefID(IDOK);
+                       dialog.SendMessage(DM_SETDEFID, IDOK);
                    });
                    d.Key(VK_RETURN);
                });

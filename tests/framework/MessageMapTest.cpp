@@ -19,21 +19,15 @@ std::string Text(std::initializer_list<INT_PTR> numbers) {
 class CRecorder : public CWnd {
 public:
     Log m_log;
-    CWnd* m_lastWindow = nullptr;
 
 protected:
     afx_msg void OnSize(UINT type, int cx, int cy) { Note("size", {type, cx, cy}); }
     afx_msg void OnMouseMove(UINT flags, CPoint point) { Note("move", {flags, point.x, point.y}); }
     afx_msg void OnLButtonDown(UINT flags, CPoint point) { Note("down", {flags, point.x, point.y}); }
     afx_msg void OnKeyDown(UINT key, UINT repeat, UINT flags) { Note("key", {key, repeat, flags}); }
-    afx_msg void OnSetFocus(CWnd* old) { Note("focus", {old == nullptr}); }
+    afx_msg void OnSetFocus(CWnd* old) { Note("focus", {old == this, old == nullptr}); }
     afx_msg void OnHScroll(UINT code, UINT position, CScrollBar* bar) {
         Note("scroll", {code, position, bar == nullptr});
-    }
-    afx_msg void OnTimer(UINT_PTR id) { Note("timer", {static_cast<INT_PTR>(id)}); }
-    afx_msg void OnCaptureChanged(CWnd* window) {
-        m_lastWindow = window;
-        Note("capture", {});
     }
     afx_msg UINT OnGetDlgCode() { return CWnd::OnGetDlgCode() | DLGC_WANTALLKEYS; }
     afx_msg void OnClose() { Note("close", {}); }
@@ -52,8 +46,6 @@ ON_WM_LBUTTONDOWN()
 ON_WM_KEYDOWN()
 ON_WM_SETFOCUS()
 ON_WM_HSCROLL()
-ON_WM_TIMER()
-ON_WM_CAPTURECHANGED()
 ON_WM_GETDLGCODE()
 ON_WM_CLOSE()
 ON_MESSAGE(kOwn, &CRecorder::OnOwn)
@@ -96,9 +88,9 @@ TEST(MessageMap, TakesMessagesApartIntoTheHandlersArguments) {
         {WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(-5, -32768), "move 1 -5 -32768"},
         {WM_LBUTTONDOWN, 0, MAKELPARAM(7, 8), "down 0 7 8"},
         {WM_KEYDOWN, VK_DELETE, MAKELPARAM(3, 0x0153), "key 46 3 339"},
-        {WM_SETFOCUS, 0, 0, "focus 1"},
+        {WM_SETFOCUS, 0, 0, "focus 0 1"},
+        {WM_SETFOCUS, reinterpret_cast<WPARAM>(window.m_hWnd), 0, "focus 1 0"},
         {WM_HSCROLL, MAKEWPARAM(SB_THUMBTRACK, 65535), 0, "scroll 5 65535 1"},
-        {WM_TIMER, 0x100000001, 0, "timer 4294967297"},
         {WM_CLOSE, 0, 0, "close"},
     };
     for (const auto& [message, wParam, lParam, expected] : cases) {
@@ -108,8 +100,6 @@ TEST(MessageMap, TakesMessagesApartIntoTheHandlersArguments) {
     }
     EXPECT_EQ(window.SendMessage(kOwn, 10, 13), -3);
     EXPECT_EQ(window.SendMessage(WM_GETDLGCODE), DLGC_WANTALLKEYS);
-    window.SendMessage(WM_CAPTURECHANGED, 0, reinterpret_cast<LPARAM>(window.m_hWnd));
-    EXPECT_EQ(window.m_lastWindow, &window);
 }
 
 TEST(MessageMap, AsksTheDerivedClassFirstAndOnlyOnce) {
