@@ -14,6 +14,17 @@ constexpr int valueWidth = 95;
 }  // namespace
 
 void CRegistryRulesDlg::InitRuleList() {
+    {
+        const ScopedRedrawOff redrawOff(m_ruleList);
+        InsertColumns();
+        FillRuleList();
+    }
+    // Each row that went in has marked the dialog dirty.
+    m_dirty = 0;
+    m_ruleList.BringWindowToTop();
+}
+
+void CRegistryRulesDlg::InsertColumns() {
     m_ruleList.SetExtendedStyle(m_ruleList.GetExtendedStyle() | LVS_EX_GRIDLINES | LVS_EX_FULLROWSELECT);
     m_ruleList.InsertColumn(typeColumn, LoadResourceString(IDS_COLUMN_TYPE), LVCFMT_CENTER, typeWidth);
     m_ruleList.InsertColumn(keyColumn, LoadResourceString(IDS_COLUMN_KEY), LVCFMT_LEFT, keyWidth);
@@ -21,15 +32,11 @@ void CRegistryRulesDlg::InitRuleList() {
     m_ruleList.SetComboColumns(typeColumn, true);
     m_ruleList.SetReadOnlyColumns(typeColumn, true);
     m_ruleList.SetValidEditCtrlCharacters(CString());
-    FillRuleList();
-    // Each row that went in has marked the dialog dirty.
-    m_dirty = 0;
-    m_ruleList.BringWindowToTop();
 }
 
 void CRegistryRulesDlg::FillRuleList() {
     const KindNames kinds;
-    LoadedRows rows;
+    LoadedRows rows(KeyRuleCount() + ValueRuleCount());
     for (int i = 0; i < KeyRuleCount(); ++i) {
         const CKeyRule& rule = *KeyRuleAt(i);
         rows.Add(rule.IsBranch() != 0 ? kinds.branch : kinds.key, AbbreviateHive(rule.GetKey()), CString(),
@@ -39,7 +46,6 @@ void CRegistryRulesDlg::FillRuleList() {
         const CValueRule& rule = *ValueRuleAt(i);
         rows.Add(kinds.value, AbbreviateHive(rule.GetKey()), rule.GetValue(), rule.GetPosition());
     }
-    const ScopedRedrawOff redrawOff(m_ruleList);
     int end = 0;
     for (const LoadedRows::Row* row : rows.InFinalOrder())
         PutRow(end++, *row->kind, row->key, row->value, row->position);

@@ -68,6 +68,8 @@ void CRegistryRulesDlg::DoDataExchange(CDataExchange* exchange) {
 
 BOOL CRegistryRulesDlg::OnInitDialog() {
     CBvDialogBase::OnInitDialog();
+    // A cell that held a refused key when the run before was ended went down with its window.
+    m_mayLeaveEdit = 1;
     m_registryTree.Initialize(true);
     InitRuleList();
     ResetStrip();

@@ -97,6 +97,7 @@ protected:
 private:
     // DlgRows.cpp
     void InitRuleList();
+    void InsertColumns();
     void FillRuleList();
     // Deletes the equal row, if there is one, and inserts at `row`, a negative one at the top; always true.
     bool InsertRuleRow(int row, const CString& type, const CString& key, const CString& value, int itemData, int state);

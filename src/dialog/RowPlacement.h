@@ -4,17 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <span>
-#include <string_view>
 #include <vector>
-
-// What makes two rows one rule: the kind exactly, key and value without letter case. The caller folds the case, as the
-// registry itself does when it compares names.
-struct RowIdentity {
-    std::wstring_view kind;
-    std::wstring_view foldedKey;
-    std::wstring_view foldedValue;
-    bool operator==(const RowIdentity&) const = default;
-};
 
 // The walk before an insertion at `row`: deletes the equal row and returns the index at which the new row goes in.
 // isEqual(i) says whether the row that now stands at index i is the same rule (an index past the end is not), and
@@ -32,9 +22,11 @@ int DeleteEqualRows(int count, int row, IsEqual isEqual, DeleteRow deleteRow) {
     return std::max(row, 0);
 }
 
-// One rule of the sets on its way into the list.
+// One rule of the sets on its way into the list. Rules with the same number are one rule: the kind is the same exactly,
+// key and value without letter case, which is for the caller to tell. Numbers go from 0 and stay below the count of
+// rules.
 struct PlacedRule {
-    RowIdentity identity;
+    std::size_t identity = 0;
     int position = 0;  // the index at which it asks to stand; above the rows there are, it goes to the end
 };
 

@@ -171,12 +171,29 @@ TEST_F(Cells, TabInAValueCellChecksItsTextAsAKey) {
     });
 }
 
-TEST_F(Cells, ReturnAndEscapeInTheDropDownOfAKind) {
+TEST_F(Cells, EscapeInAValueCellWritesTheOldNameBack) {
+    control.AddValueRule(L"HKCU\\a", L"name", 0);
+    EXPECT_EQ(Show([&](Dialog& d) {
+                  OpenCellEdit(d, 0, 2);
+                  ClearByKeys(d);
+                  d.Key(VK_ESCAPE);
+                  EXPECT_EQ(CellEdit(d), nullptr);
+                  EXPECT_EQ(Rows(d)[0], L"Value|HKCU\\a|name");
+                  d.Click(IDOK);
+              }),
+              1);
+}
+
+TEST_F(Cells, ReturnTabAndEscapeInTheDropDownOfAKind) {
     control.AddKeyRule(L"HKCU\\a", 1, 0);
     EXPECT_EQ(Show([&](Dialog& d) {
                   HWND combo = OpenCellCombo(d, 0);
                   EXPECT_EQ(SendMessageW(combo, CB_GETCOUNT, 0, 0), 3);
                   EXPECT_EQ(SendMessageW(combo, CB_GETCURSEL, 0, 0), 0);
+                  d.Key(VK_TAB);
+                  d.WaitFor("the end of the drop-down", [&] { return CellCombo(d) == nullptr; });
+                  EXPECT_EQ(Rows(d)[0], L"Branch|HKCU\\a|") << "Tab leaves the cell as it is";
+                  combo = OpenCellCombo(d, 0);
                   d.Key(VK_DOWN);
                   d.Key(VK_ESCAPE);
                   d.WaitFor("the end of the drop-down", [&] { return CellCombo(d) == nullptr; });

@@ -139,3 +139,27 @@ TEST_F(Life, ACloseGoesThroughWhenTheRefusedKeyIsGivenUp) {
               0);
     EXPECT_EQ(driver.BoxTexts().size(), 1u) << "no cell was changed, so there is nothing to lose";
 }
+
+TEST_F(Life, ACellHeldAtOkDoesNotHoldTheNextRun) {
+    EXPECT_EQ(Show([&](Dialog& d) {
+                  const HWND edit = OpenCellEdit(d, 0, 1);
+                  d.Type(L"x");
+                  d.Click(IDC_REGISTRY_TREE);
+                  EXPECT_EQ(d.AnswerBox(IDOK), unknownHive);
+                  ASSERT_EQ(d.Focus(), edit);
+                  // By its letter OK is pressed whatever the cell says to losing the focus.
+                  d.Alt(L'O');
+                  d.AnswerBox(IDOK);
+                  d.AnswerBox(IDOK);  // and once more when the dialog goes and takes the focus away
+              }),
+              0);
+    EXPECT_EQ(HostRules(), (Texts{L"Branch|HKEY_CURRENT_USER\\A|0", L"Branch|HKEY_CURRENT_USER\\B|1"}));
+    Show([&](Dialog& d) {
+        OpenCellEdit(d, 0, 1);
+        d.Type(L"HKCU\\c");
+        d.Key(VK_RETURN);
+        EXPECT_EQ(Rows(d)[0], L"Branch|HKCU\\c|");
+        d.Click(CloseBox(d));
+        d.AnswerBox(IDYES);
+    });
+}

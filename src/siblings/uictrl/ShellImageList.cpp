@@ -9,11 +9,15 @@ constexpr COLORREF kMask = RGB(255, 0, 255);
 constexpr COLORREF kPaper = RGB(255, 216, 112);
 constexpr COLORREF kOutline = RGB(152, 112, 24);
 
-HICON LoadFolderIcon() {
-    SHFILEINFOW info{};
-    const DWORD_PTR found = ::SHGetFileInfoW(L"folder", FILE_ATTRIBUTE_DIRECTORY, &info, sizeof(info),
-                                             SHGFI_ICON | SHGFI_SMALLICON | SHGFI_USEFILEATTRIBUTES);
-    return found != 0 ? info.hIcon : nullptr;
+// The shell is asked once per process, for asking takes longer than all else about the pictures; the icon stays.
+HICON FolderIcon() {
+    static const HICON icon = [] {
+        SHFILEINFOW info{};
+        const DWORD_PTR found = ::SHGetFileInfoW(L"folder", FILE_ATTRIBUTE_DIRECTORY, &info, sizeof(info),
+                                                 SHGFI_ICON | SHGFI_SMALLICON | SHGFI_USEFILEATTRIBUTES);
+        return found != 0 ? info.hIcon : nullptr;
+    }();
+    return icon;
 }
 
 // A closed folder, drawn to fit the size.
@@ -54,10 +58,7 @@ BOOL CShellImageList::Initialize(int bitsPerPixel) {
 int CShellImageList::GetIconIndex(ShellIcons::ShellIconId id) {
     if (m_hImageList == nullptr || id != ShellIcons::ClosedFolder) return -1;
     if (m_closedFolder != -1) return m_closedFolder;
-    if (const HICON icon = LoadFolderIcon()) {
-        m_closedFolder = Add(icon);
-        ::DestroyIcon(icon);
-    }
+    if (FolderIcon() != nullptr) m_closedFolder = Add(FolderIcon());
     if (m_closedFolder == -1) m_closedFolder = AddDrawnFolder(*this, SmallIconSize());
     return m_closedFolder;
 }

@@ -1,23 +1,17 @@
+#include "dialog/LoadedRows.h"
+
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <vector>
-
-#include "dialog/LoadedRows.h"
-
-namespace {
-std::wstring Folded(std::wstring_view text) {
-    std::wstring folded;
-    AppendFolded(folded, text);
-    return folded;
-}
-}  // namespace
 
 // Every code unit, alone and behind a plain letter: folded texts are equal exactly when the comparison says so.
 TEST(FoldCase, AgreesWithTheComparisonOverAllCharacters) {
     std::vector<CString> folded;
     for (unsigned c = 1; c < 0x10000; ++c) {
         const CString text = CString(L"a") + static_cast<wchar_t>(c);
-        const CString upper(Folded(text.GetString()).c_str());
+        std::wstring upperText;
+        FoldCase(text.GetString(), upperText);
+        const CString upper(upperText.c_str());
         ASSERT_EQ(upper.GetLength(), 2) << c;
         ASSERT_EQ(upper.CompareNoCase(text), 0) << c;
         folded.push_back(upper);
@@ -31,8 +25,18 @@ TEST(FoldCase, AgreesWithTheComparisonOverAllCharacters) {
     }
 }
 
-TEST(FoldCase, AppendsBehindWhatIsThere) {
-    std::wstring folded = L"x";
-    AppendFolded(folded, L"Stra\u00DFe \u00E4 z{`");
-    EXPECT_EQ(folded, L"xSTRA\u00DFE \u00C4 Z{`");
+TEST(LoadedRows, TheLastOfEqualRulesStandsWhereItWasAskedFor) {
+    const CString branch(L"Branch");
+    const CString key(L"Key");
+    LoadedRows rows(5);
+    rows.Add(branch, L"HKCU\\\u00C4pfel", L"", 0);
+    rows.Add(branch, L"HKCU\\b", L"", 1);
+    rows.Add(key, L"HKCU\\\u00E4pfel", L"", 2);
+    rows.Add(branch, L"hkcu\\\u00E4PFEL", L"", 3);
+    rows.Add(branch, L"HKCU\\b", L"n", 0);
+    std::wstring order;
+    for (const LoadedRows::Row* row : rows.InFinalOrder())
+        order +=
+            std::wstring(row->kind->GetString()) + L" " + row->key.GetString() + L" " + row->value.GetString() + L";";
+    EXPECT_EQ(order, L"Branch HKCU\\b n;Branch HKCU\\b ;Key HKCU\\\u00E4pfel ;Branch hkcu\\\u00E4PFEL ;");
 }
