@@ -37,6 +37,7 @@ if [ -n "${DISPLAY:-}" ]; then
 fi
 
 step "preparing the virtual display, the prefix and the sample registry"
+before=$(md5sum <"$rules" 2>/dev/null || true)
 start_desk build/run
 start_host "$host" "$rules"
 
@@ -58,4 +59,5 @@ step "pressing OK"
 click $OK_X $BUTTONS_Y
 end_host || fail "the host ended with an error"
 cat build/run/host.log
+[ "$(md5sum <"$rules" 2>/dev/null || true)" != "$before" ] || fail "the steps changed no rule: look at build/run/dialog.png"
 step "the rules are in $rules, the picture is build/run/dialog.png"
