@@ -15,9 +15,9 @@ install_missing "${packages[@]}"
 step "building: windows-release"
 mkdir -p build/run
 if ! { cmake --preset windows-release && cmake --build --preset windows-release --target RulesHost; } \
-    >build/run/build.log 2>&1; then
-    grep -E 'error|undefined reference' build/run/build.log | head -40
-    fail "the build (whole log: build/run/build.log)"
+    >build/windows-release.log 2>&1; then
+    grep -E 'error|undefined reference' build/windows-release.log | head -40
+    fail "the build (whole log: build/windows-release.log)"
 fi
 host=build/windows-release/bin/RulesHost.exe
 rules=${1:-build/run/rules.json}
