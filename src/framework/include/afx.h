@@ -1,7 +1,9 @@
-// Objects, exceptions, strings.
+// Objects, exceptions, strings, files.
 #pragma once
 
 #include "framework/CString.h"
 #include "framework/Exception.h"
+#include "framework/File.h"
+#include "framework/FileException.h"
 #include "framework/ModuleState.h"
 #include "framework/Object.h"

@@ -1,0 +1,4 @@
+// Locks between threads.
+#pragma once
+
+#include "framework/Sync.h"
