@@ -339,9 +339,12 @@ void Dialog::Settle() {
 
 void Dialog::PollUntil(std::string_view what, const std::function<bool()>& condition, bool boxesAllowed) {
     const ULONGLONG start = GetTickCount64();
-    while (!condition()) {
+    for (;;) {
+        // Read first: what the end of the modal call made true must still be seen.
+        const bool over = m_modalReturned;
+        if (condition()) return;
         if (!boxesAllowed) FailOnUnexpectedBox();
-        if (m_modalReturned) Fail("the dialog closed while waiting for " + std::string(what));
+        if (over) Fail("the dialog closed while waiting for " + std::string(what));
         if (GetTickCount64() - start > kPatienceMs) Fail("waited in vain for " + std::string(what));
         Sleep(1);
     }
