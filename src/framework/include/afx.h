@@ -5,5 +5,6 @@
 #include "framework/Exception.h"
 #include "framework/File.h"
 #include "framework/FileException.h"
+#include "framework/MemFile.h"
 #include "framework/ModuleState.h"
 #include "framework/Object.h"

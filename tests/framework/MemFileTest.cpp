@@ -1,0 +1,59 @@
+#include <afx.h>
+
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <memory>
+#include <string>
+
+TEST(MemFile, GrowsByStepsAndHandsItsBufferOver) {
+    CMemFile file(8);
+    file.Write("0123456789", 10);
+    file.Seek(2, CFile::end);
+    EXPECT_EQ(file.GetLength(), 10U);
+    file.Write("x", 1);
+    file.Seek(-9, CFile::current);
+    file.Write("ab", 2);
+    EXPECT_EQ(file.GetPosition(), 6U);
+    char got[20] = {};
+    EXPECT_EQ(file.Read(got, sizeof(got)), 7U);
+    EXPECT_EQ(std::string(got, 7), std::string("6789\0\0x", 7));
+    EXPECT_EQ(file.Read(got, sizeof(got)), 0U);
+    const std::unique_ptr<BYTE, decltype(&std::free)> buffer(file.Detach(), std::free);
+    EXPECT_EQ(std::string(reinterpret_cast<char*>(buffer.get()), 13), std::string("0123ab6789\0\0x", 13));
+    EXPECT_EQ(file.GetLength() + file.GetPosition(), 0U);
+    EXPECT_EQ(file.Detach(), nullptr);
+}
+
+TEST(MemFile, BufferPointerCoversWhatIsThere) {
+    CMemFile file;
+    void* start = nullptr;
+    void* end = nullptr;
+    EXPECT_EQ(file.GetBufferPtr(CFile::bufferRead, 10, &start, &end), 0U);
+    EXPECT_EQ(start, end);
+    file.Write("hello", 5);
+    file.Seek(1, CFile::begin);
+    EXPECT_EQ(file.GetBufferPtr(CFile::bufferRead, 10, &start, &end), 4U);
+    EXPECT_EQ(std::string(static_cast<char*>(start), static_cast<char*>(end)), "ello");
+    EXPECT_EQ(file.GetPosition(), 5U);
+}
+
+TEST(MemFile, RefusesWhatItCannotDo) {
+    CMemFile file;
+    file.Write("hello", 5);
+    try {
+        file.Seek(-6, CFile::end);
+        ADD_FAILURE();
+    } catch (CFileException* problem) {
+        EXPECT_EQ(problem->m_cause, CFileException::badSeek);
+        problem->Delete();
+    }
+    EXPECT_EQ(file.GetPosition(), 5U);
+    file.Close();
+    EXPECT_EQ(file.GetLength(), 0U);
+    try {
+        file.Write("x", 1);
+        ADD_FAILURE();
+    } catch (CMemoryException* problem) {
+        problem->Delete();
+    }
+}
