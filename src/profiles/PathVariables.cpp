@@ -1,0 +1,45 @@
+#include "profiles/PathVariables.h"
+
+#include <cstdlib>
+#include <memory>
+#include <new>
+
+#include "profiles/SystemTokens.h"
+#include "registry/OfflineEnvironment.h"
+#include "registry/SystemRoot.h"
+
+namespace {
+
+std::wstring_view View(const CString& text) {
+    return {text.GetString(), static_cast<size_t>(text.GetLength())};
+}
+
+}  // namespace
+
+CString ExpandPath(const CString& path) {
+    CString text = path;
+    if (IsWinPE()) {
+        text = ExpandSystemTokens(path);
+        if (text.Find(L'%') < 0) return text;
+    }
+    const DWORD chars = ExpandEnvironmentStringsW(text, nullptr, 0);
+    if (chars == 0) return text;
+    const std::unique_ptr<wchar_t[]> expanded(new (std::nothrow) wchar_t[size_t{chars} + 1]{});
+    if (!expanded) return text;
+    const DWORD written = ExpandEnvironmentStringsW(text, expanded.get(), chars + 1);
+    // More than there is room for: another thread has made a variable longer since the size was asked.
+    if (written == 0 || written > chars + 1) return text;
+    return expanded.get();
+}
+
+CString ExpandSystemTokens(const CString& path) {
+    if (path.Find(L'%') < 0) return path;
+    const std::wstring replaced = ReplaceSystemTokens(View(path), View(GetSystemRootPath()));
+    return CString(replaced.data(), static_cast<int>(replaced.size()));
+}
+
+bool GetEnvironmentValue(const CString& name, CString& value) {
+    // This toolchain's run-time library lacks _wdupenv_s, whose failures are those of its copy.
+    value = _wgetenv(name);
+    return true;
+}

@@ -1,0 +1,18 @@
+// Variables in paths, expanded so that they mean the target system also on a preinstallation boot, whose environment
+// describes the boot image.
+#pragma once
+
+#include <afx.h>
+
+// The path with %NAME% replaced from the environment, once: what a value holds is not expanded again, and a name that
+// is not set stays. On a preinstallation boot ExpandSystemTokens comes first, and the environment is asked only for
+// what is left. The input, as far as it had come, when the system cannot expand it.
+CString ExpandPath(const CString& path);
+
+// The path with the common spellings of %SystemRoot% and %SystemDrive% replaced by the target system's. Throws
+// CRegistryException when a % is in the path and the target's version key does not open.
+CString ExpandSystemTokens(const CString& path);
+
+// The value of an environment variable as the C run-time library has it. A variable that is not set gives true and an
+// empty text, like one that is set to nothing; the call always succeeds.
+bool GetEnvironmentValue(const CString& name, CString& value);
