@@ -1,0 +1,135 @@
+#include "files/LongPathFile.h"
+
+#include <io.h>
+#include <iterator>
+
+#include "files/LongPathPrefix.h"
+#include "files/PathView.h"
+#include "helpers/UniqueHandle.h"
+#include "registry/OfflineEnvironment.h"
+
+namespace LongPath {
+
+namespace {
+
+CString WithPrefix(CString path) {
+    if (PathText::NeedsLongPathPrefix(ViewOf(path))) path = TextOf(PathText::AddLongPathPrefix(ViewOf(path)));
+    return path;
+}
+
+CString Usable(const CString& path) {
+    CString working = path;
+    ApplyOfflineDriveRule(working);
+    return WithPrefix(std::move(working));
+}
+
+// Backup semantics let directories open too.
+UniqueHandle OpenForReading(const CString& path) {
+    return MakeUniqueHandle(
+        CreateFile(path, GENERIC_READ, FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS));
+}
+
+constexpr DWORD kMoveFlags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_COPY_ALLOWED;
+constexpr int kShellPathChars = 260;
+
+// The shell takes no long path, so it is shown a copy under a short one. The copy always fails, because making up the
+// name has made the file; callers rely on getting no answer for long paths, so the copy must not be let overwrite it.
+DWORD_PTR GetInfoOfShortCopy(const CString& path, DWORD attributes, SHFILEINFOW& info, UINT size, UINT flags) {
+    WCHAR copy[kShellPathChars] = {};
+    GetTempPathW(kShellPathChars, copy);
+    GetTempFileNameW(copy, L"TZM", 0, copy);
+    if (!LongPath::CopyFile(path, copy, true)) return 0;
+    const DWORD_PTR result = SHGetFileInfoW(copy, attributes, &info, size, flags);
+    LongPath::DeleteFile(copy);
+    return result;
+}
+
+}  // namespace
+
+void ApplyOfflineDriveRule(CString& path) {
+    if (!IsWinPE() || path.IsEmpty() || (path[0] != L'c' && path[0] != L'C')) return;
+    if (const WCHAR drive = FindOfflineWindowsDrive()) path.SetAt(0, drive);
+}
+
+DWORD GetFileAttributes(const CString& path) {
+    return ::GetFileAttributesW(Usable(path));
+}
+
+BOOL GetFileAttributesEx(const CString& path, GET_FILEEX_INFO_LEVELS level, void* data) {
+    return ::GetFileAttributesExW(Usable(path), level, data);
+}
+
+BOOL SetFileAttributes(const CString& path, DWORD attributes) {
+    return ::SetFileAttributesW(Usable(path), attributes);
+}
+
+HANDLE CreateFile(const CString& path, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security, DWORD disposition,
+                  DWORD flags) {
+    return ::CreateFileW(Usable(path), access, share, security, disposition, flags, nullptr);
+}
+
+BOOL CopyFile(const CString& source, const CString& target, bool failIfExists) {
+    const CString from = Usable(source);
+    return ::CopyFileW(from, Usable(target), failIfExists);
+}
+
+BOOL MoveFile(const CString& source, const CString& target) {
+    const CString from = Usable(source);
+    return ::MoveFileExW(from, Usable(target), kMoveFlags);
+}
+
+bool ReplaceFile(const CString& source, const CString& target) {
+    if (source.CompareNoCase(target) == 0) return true;
+    // A missing target has every attribute, the read-only one too, and then fails here.
+    const DWORD attributes = GetFileAttributes(target);
+    if ((attributes & FILE_ATTRIBUTE_READONLY) != 0 &&
+        !SetFileAttributes(target, attributes & ~static_cast<DWORD>(FILE_ATTRIBUTE_READONLY))) {
+        return false;
+    }
+    return MoveFile(source, target) != FALSE;
+}
+
+int FileAccess(const CString& path) {
+    constexpr int kExistence = 0;
+    return _waccess(Usable(path), kExistence);
+}
+
+BOOL DeleteFile(const CString& path) {
+    return ::DeleteFileW(WithPrefix(path));
+}
+
+BOOL CreateHardLink(const CString& newName, const CString& existing, SECURITY_ATTRIBUTES* security) {
+    return ::CreateHardLinkW(WithPrefix(newName), WithPrefix(existing), security);
+}
+
+BOOL GetFileTime(const CString& path, FILETIME* created, FILETIME* accessed, FILETIME* written) {
+    const UniqueHandle file = OpenForReading(path);
+    return file && ::GetFileTime(file.get(), created, accessed, written);
+}
+
+BOOL SetFileTime(const CString& path, const FILETIME* created, const FILETIME* accessed, const FILETIME* written) {
+    // The open is the one of the readers, which the system's call refuses; nothing here may start to change times.
+    const UniqueHandle file = OpenForReading(path);
+    return file && ::SetFileTime(file.get(), created, accessed, written);
+}
+
+BOOL GetFileSize(const CString& path, LARGE_INTEGER& size) {
+    const UniqueHandle file = OpenForReading(path);
+    return file && ::GetFileSizeEx(file.get(), &size);
+}
+
+BY_HANDLE_FILE_INFORMATION& GetFileInformation(const CString& path, BY_HANDLE_FILE_INFORMATION& info) {
+    info = {};
+    // Opens always, so that a missing file comes into being.
+    const UniqueHandle file =
+        MakeUniqueHandle(CreateFile(path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL));
+    if (file) ::GetFileInformationByHandle(file.get(), &info);
+    return info;
+}
+
+DWORD_PTR GetShellFileInfo(const CString& path, DWORD attributes, SHFILEINFOW& info, UINT size, UINT flags) {
+    if (path.GetLength() >= kShellPathChars) return GetInfoOfShortCopy(path, attributes, info, size, flags);
+    return ::SHGetFileInfoW(path, attributes, &info, size, flags);
+}
+
+}  // namespace LongPath

@@ -1,0 +1,241 @@
+#include "files/LongPathFile.h"
+
+#include <winternl.h>
+
+#include <functional>
+#include <gtest/gtest.h>
+#include <io.h>
+#include <string>
+#include <vector>
+
+#include "support/ImportPatch.h"
+#include "support/ScopedPreinstallation.h"
+#include "support/ScopedTestDir.h"
+
+namespace {
+
+// The product is linked into this module, so a replacement's own plain call would come back to it.
+template <class Function>
+Function* Real(Function*, const wchar_t* dll, const char* name) {
+    return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(dll), name)));
+}
+
+std::vector<std::wstring> s_seen;  // the paths that reached the system
+
+BOOL See(LPCWSTR path) {
+    s_seen.emplace_back(path);
+    return TRUE;
+}
+BOOL See(LPCWSTR first, LPCWSTR second) {
+    See(first);
+    return See(second);
+}
+
+// Stands in for every call that the wrappers forward to.
+struct SeenCalls {
+    HMODULE module = GetModuleHandleW(nullptr);
+    ImportPatch<decltype(&::GetFileAttributesW)> attributes{module, "GetFileAttributesW",
+                                                            [](LPCWSTR path) { return DWORD(See(path)); }};
+    ImportPatch<decltype(&::GetFileAttributesExW)> attributesEx{
+        module, "GetFileAttributesExW", [](LPCWSTR path, GET_FILEEX_INFO_LEVELS, void*) { return See(path); }};
+    ImportPatch<decltype(&::SetFileAttributesW)> setAttributes{module, "SetFileAttributesW",
+                                                               [](LPCWSTR path, DWORD) { return See(path); }};
+    ImportPatch<decltype(&::CreateFileW)> create{
+        module, "CreateFileW", [](LPCWSTR path, DWORD, DWORD, SECURITY_ATTRIBUTES*, DWORD, DWORD, HANDLE) {
+            See(path);
+            return INVALID_HANDLE_VALUE;
+        }};
+    ImportPatch<decltype(&::CopyFileW)> copy{module, "CopyFileW",
+                                             [](LPCWSTR from, LPCWSTR to, BOOL) { return See(from, to); }};
+    ImportPatch<decltype(&::MoveFileExW)> move{module, "MoveFileExW",
+                                               [](LPCWSTR from, LPCWSTR to, DWORD) { return See(from, to); }};
+    ImportPatch<decltype(&::DeleteFileW)> remove{module, "DeleteFileW", [](LPCWSTR path) { return See(path); }};
+    ImportPatch<decltype(&::CreateHardLinkW)> link{
+        module, "CreateHardLinkW", [](LPCWSTR to, LPCWSTR from, SECURITY_ATTRIBUTES*) { return See(to, from); }};
+    // The search for the installed system's drive asks by the same call.
+    ImportPatch<decltype(&::_waccess)> access{module, "_waccess", [](const wchar_t* path, int mode) {
+                                                  return std::wstring_view(path).ends_with(L"\\config\\SOFTWARE")
+                                                             ? Real(&_waccess, L"msvcrt", "_waccess")(path, mode)
+                                                             : int(See(path));
+                                              }};
+};
+
+struct Wrapper {
+    const char* name;
+    std::function<void(const CString&)> call;
+    bool offlineRule;
+    size_t paths;
+};
+
+const std::vector<Wrapper>& Wrappers() {
+    static FILETIME s_time;
+    static LARGE_INTEGER s_size;
+    static BY_HANDLE_FILE_INFORMATION s_info;
+    static const std::vector<Wrapper> s_wrappers = {
+        {"GetFileAttributes", [](const CString& p) { LongPath::GetFileAttributes(p); }, true, 1},
+        {"GetFileAttributesEx",
+         [](const CString& p) { LongPath::GetFileAttributesEx(p, GetFileExInfoStandard, nullptr); }, true, 1},
+        {"SetFileAttributes", [](const CString& p) { LongPath::SetFileAttributes(p, 0); }, true, 1},
+        {"CreateFile", [](const CString& p) { LongPath::CreateFile(p, 0, 0, nullptr, 0, 0); }, true, 1},
+        {"CopyFile", [](const CString& p) { LongPath::CopyFile(p, p, true); }, true, 2},
+        {"MoveFile", [](const CString& p) { LongPath::MoveFile(p, p); }, true, 2},
+        {"FileAccess", [](const CString& p) { LongPath::FileAccess(p); }, true, 1},
+        {"DeleteFile", [](const CString& p) { LongPath::DeleteFile(p); }, false, 1},
+        {"CreateHardLink", [](const CString& p) { LongPath::CreateHardLink(p, p, nullptr); }, false, 2},
+        {"GetFileTime", [](const CString& p) { LongPath::GetFileTime(p, &s_time, &s_time, &s_time); }, true, 1},
+        {"SetFileTime", [](const CString& p) { LongPath::SetFileTime(p, &s_time, &s_time, &s_time); }, true, 1},
+        {"GetFileSize", [](const CString& p) { LongPath::GetFileSize(p, s_size); }, true, 1},
+        {"GetFileInformation", [](const CString& p) { LongPath::GetFileInformation(p, s_info); }, true, 1},
+    };
+    return s_wrappers;
+}
+
+std::wstring LongName(std::wstring path, size_t length) {
+    return path + std::wstring(length - path.size(), L'x');
+}
+
+void ExpectSystemPaths(const std::wstring& given, const std::wstring& rewritten, const std::wstring& kept) {
+    for (const Wrapper& wrapper : Wrappers()) {
+        SCOPED_TRACE(wrapper.name);
+        s_seen.clear();
+        wrapper.call(given.c_str());
+        EXPECT_EQ(s_seen, std::vector<std::wstring>(wrapper.paths, wrapper.offlineRule ? rewritten : kept));
+    }
+}
+
+void WriteFileOf(const std::wstring& path, DWORD bytes) {
+    const HANDLE file = LongPath::CreateFile(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0);
+    ASSERT_NE(file, INVALID_HANDLE_VALUE) << GetLastError();
+    DWORD written = 0;
+    EXPECT_TRUE(WriteFile(file, std::string(bytes, 'b').data(), bytes, &written, nullptr));
+    CloseHandle(file);
+}
+
+// Folders of 40 characters below each other until the path is longer than the classic limit.
+std::wstring MakeDeepFolder(std::wstring path) {
+    while (path.size() < 700) {
+        path += L"\\" + std::wstring(40, L'd');
+        CreateDirectoryW((L"\\\\?\\" + path).c_str(), nullptr);
+    }
+    return path;
+}
+
+}  // namespace
+
+TEST(LongPathFile, ThePrefixComesFromTwoHundredAndFortyEightCharactersOn) {
+    const SeenCalls calls;
+    for (const std::wstring start : {L"X:\\", L"\\\\server\\share\\"}) {
+        const std::wstring fits = LongName(start, 247), longer = LongName(start, 248);
+        ExpectSystemPaths(fits, fits, fits);
+        const std::wstring prefixed = start[0] == L'X' ? L"\\\\?\\" + longer : L"\\\\?\\UNC" + longer.substr(1);
+        ExpectSystemPaths(longer, prefixed, prefixed);
+        ExpectSystemPaths(prefixed, prefixed, prefixed);
+    }
+    ExpectSystemPaths(L"", L"", L"");
+}
+
+TEST(LongPathFile, DriveCIsTheInstalledSystemsOnAPreinstallationBoot) {
+    const ScopedPreinstallation machine;
+    {
+        const SeenCalls calls;
+        ExpectSystemPaths(L"c:\\a", L"c:\\a", L"c:\\a");  // no installed system yet
+    }
+    CreateDirectoryW((machine.SystemFolder(L'D') + L"\\config").c_str(), nullptr);
+    WriteFileOf(L"D:\\Windows\\System32\\config\\SOFTWARE", 1);
+    const SeenCalls calls;
+    ExpectSystemPaths(L"C:\\a", L"D:\\a", L"C:\\a");
+    ExpectSystemPaths(L"c:\\a", L"D:\\a", L"c:\\a");
+    ExpectSystemPaths(L"X:\\a", L"X:\\a", L"X:\\a");
+    const std::wstring longer = LongName(L"C:\\", 248);
+    ExpectSystemPaths(longer, L"\\\\?\\D" + longer.substr(1), L"\\\\?\\" + longer);
+    ExpectSystemPaths(L"\\\\?\\C:\\a", L"\\\\?\\C:\\a", L"\\\\?\\C:\\a");
+}
+
+TEST(LongPathFile, WorksFarBeyondTheClassicLimit) {
+    const ScopedTestDir dir;
+    const std::wstring folder = MakeDeepFolder(dir.Path());
+    const CString file = (folder + L"\\file").c_str(), copy = file + L".copy", link = file + L".link";
+    WriteFileOf(file.GetString(), 3);
+    EXPECT_EQ(LongPath::GetFileAttributes(folder.c_str()), DWORD{FILE_ATTRIBUTE_DIRECTORY});
+    EXPECT_EQ(LongPath::FileAccess(file), 0);
+    EXPECT_TRUE(LongPath::CopyFile(file, copy, true));
+    EXPECT_FALSE(LongPath::CopyFile(file, copy, true));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_FILE_EXISTS});
+    EXPECT_TRUE(LongPath::CreateHardLink(link, file, nullptr)) << GetLastError();
+    BY_HANDLE_FILE_INFORMATION info{};
+    EXPECT_EQ(LongPath::GetFileInformation(file, info).nNumberOfLinks, 2u);
+    LARGE_INTEGER size{};
+    EXPECT_TRUE(LongPath::GetFileSize(link, size));
+    EXPECT_EQ(size.QuadPart, 3);
+    FILETIME created{}, accessed{}, written{};
+    EXPECT_TRUE(LongPath::GetFileTime(folder.c_str(), &created, &accessed, &written));
+    EXPECT_NE(written.dwHighDateTime, 0u);
+    EXPECT_TRUE(LongPath::SetFileAttributes(copy, FILE_ATTRIBUTE_READONLY));
+    EXPECT_TRUE(LongPath::ReplaceFile(file, copy));
+    EXPECT_EQ(LongPath::FileAccess(file), -1);
+    EXPECT_TRUE(LongPath::MoveFile(copy, link));
+    WIN32_FILE_ATTRIBUTE_DATA data{};
+    EXPECT_TRUE(LongPath::GetFileAttributesEx(link, GetFileExInfoStandard, &data));
+    EXPECT_EQ(data.nFileSizeLow, 3u);
+    EXPECT_TRUE(LongPath::DeleteFile(link));
+    EXPECT_FALSE(LongPath::DeleteFile(link));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_FILE_NOT_FOUND});
+}
+
+TEST(LongPathFile, WhatIsMeantToFailFails) {
+    const ScopedTestDir dir;
+    const CString file = dir.Path(L"file").c_str(), missing = dir.Path(L"missing").c_str();
+    WriteFileOf(file.GetString(), 3);
+    // Wine sets times through a handle that may only read; Windows refuses.
+    const ImportPatch<decltype(&::SetFileTime)> asOnWindows(
+        GetModuleHandleW(nullptr), "SetFileTime",
+        [](HANDLE handle, const FILETIME* created, const FILETIME* accessed, const FILETIME* written) -> BOOL {
+            PUBLIC_OBJECT_BASIC_INFORMATION info{};
+            NtQueryObject(handle, ObjectBasicInformation, &info, sizeof(info), nullptr);
+            if ((info.GrantedAccess & FILE_WRITE_ATTRIBUTES) != 0)
+                return Real(&::SetFileTime, L"kernel32", "SetFileTime")(handle, created, accessed, written);
+            SetLastError(ERROR_ACCESS_DENIED);
+            return FALSE;
+        });
+    const FILETIME time{1, 1};
+    EXPECT_FALSE(LongPath::SetFileTime(file, &time, &time, &time));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
+    EXPECT_FALSE(LongPath::ReplaceFile(file, missing));
+    EXPECT_EQ(LongPath::FileAccess(file), 0);
+    EXPECT_TRUE(LongPath::ReplaceFile(L"A:\\none", L"a:\\NONE"));
+    LARGE_INTEGER size{};
+    EXPECT_FALSE(LongPath::GetFileSize(missing, size));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_FILE_NOT_FOUND});
+
+    BY_HANDLE_FILE_INFORMATION info{};
+    EXPECT_EQ(LongPath::GetFileInformation(missing, info).nNumberOfLinks, 1u);
+    EXPECT_TRUE(LongPath::GetFileSize(missing, size));
+    EXPECT_EQ(size.QuadPart, 0);
+    info.nNumberOfLinks = 7;
+    EXPECT_EQ(LongPath::GetFileInformation((dir.Path(L"none\\file")).c_str(), info).nNumberOfLinks, 0u);
+}
+
+TEST(LongPathFile, TheShellAnswersUpToTwoHundredAndFiftyNineCharacters) {
+    const ScopedTestDir dir, temporary;
+    SetEnvironmentVariableW(L"TMP", temporary.Path().c_str());
+    std::wstring folder = dir.Path(std::wstring(120, L'd'));
+    CreateDirectoryW(folder.c_str(), nullptr);
+    for (const size_t length : {259u, 260u}) {
+        SCOPED_TRACE(length);
+        const std::wstring file = LongName(folder + L"\\", length - 4) + L".txt";
+        WriteFileOf(file, 1);
+        SHFILEINFOW info{};
+        SetLastError(0);
+        const bool answered = LongPath::GetShellFileInfo(file.c_str(), 0, info, sizeof(info), SHGFI_DISPLAYNAME) != 0;
+        const DWORD error = GetLastError();
+        EXPECT_EQ(answered, length == 259);
+        if (!answered) {
+            EXPECT_EQ(error, DWORD{ERROR_FILE_EXISTS});
+        }
+        WIN32_FIND_DATAW left{};
+        const HANDLE search = FindFirstFileW(temporary.Path(L"TZM*").c_str(), &left);
+        EXPECT_EQ(search != INVALID_HANDLE_VALUE, length == 260);
+        EXPECT_EQ(left.nFileSizeLow, 0u);
+        if (search != INVALID_HANDLE_VALUE) FindClose(search);
+    }
+}
