@@ -16,11 +16,11 @@ BYTE* CMemFile::Detach() {
     return std::exchange(m_lpBuffer, nullptr);
 }
 
-UINT CMemFile::GetBufferPtr(UINT command, UINT count, void** start, void** end) {
+UINT CMemFile::GetBufferPtr(UINT command, UINT count, void** start, void** stop) {
     if (command != bufferRead) AfxThrowNotSupportedException();
     const UINT available = Available(count);
     *start = m_lpBuffer + (available != 0 ? m_nPosition : 0);
-    *end = static_cast<BYTE*>(*start) + available;
+    *stop = static_cast<BYTE*>(*start) + available;
     m_nPosition += available;
     return available;
 }
@@ -34,13 +34,13 @@ UINT CMemFile::Read(void* buffer, UINT count) {
 
 void CMemFile::Write(const void* buffer, UINT count) {
     if (count == 0) return;
-    const SIZE_T end = m_nPosition + count;
-    if (end < m_nPosition) AfxThrowMemoryException();
-    GrowFile(end);
+    const SIZE_T needed = m_nPosition + count;
+    if (needed < m_nPosition) AfxThrowMemoryException();
+    GrowFile(needed);
     if (m_nPosition > m_nFileSize) std::memset(m_lpBuffer + m_nFileSize, 0, m_nPosition - m_nFileSize);
     std::memcpy(m_lpBuffer + m_nPosition, buffer, count);
-    m_nPosition = end;
-    m_nFileSize = std::max(m_nFileSize, end);
+    m_nPosition = needed;
+    m_nFileSize = std::max(m_nFileSize, needed);
 }
 
 ULONGLONG CMemFile::Seek(LONGLONG offset, UINT from) {

@@ -3,9 +3,9 @@
 //     CMemFile file(64 * 1024);                       // grows by whole steps of 64 KiB
 //     file.Write(head, sizeof(head));
 //     void* start = nullptr;
-//     void* end = nullptr;
+//     void* stop = nullptr;
 //     file.SeekToBegin();
-//     file.GetBufferPtr(CFile::bufferRead, static_cast<UINT>(file.GetLength()), &start, &end);
+//     file.GetBufferPtr(CFile::bufferRead, static_cast<UINT>(file.GetLength()), &start, &stop);
 //
 // Sizes and positions are bytes. A position behind the end is allowed; what lies between the end and the first byte
 // written there is zero.
@@ -24,9 +24,9 @@ public:
     // Hands the buffer over, which the caller then frees by free(), and leaves an empty file. Null if nothing was ever
     // written. Ask for the length first.
     BYTE* Detach();
-    // With bufferRead: the bytes from the position on, at most `count` and at most up to the end, as [*start, *end);
+    // With bufferRead: the bytes from the position on, at most `count` and at most up to the end, as [*start, *stop);
     // the position moves behind them. Returns how many. They stay where they are until the next write.
-    virtual UINT GetBufferPtr(UINT command, UINT count, void** start, void** end);
+    virtual UINT GetBufferPtr(UINT command, UINT count, void** start, void** stop);
 
     UINT Read(void* buffer, UINT count) override;
     void Write(const void* buffer, UINT count) override;

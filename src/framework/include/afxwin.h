@@ -5,3 +5,4 @@
 #include "framework/Dialog.h"
 #include "framework/StandardControls.h"
 #include "framework/WinApp.h"
+#include "framework/WinThread.h"
