@@ -1,0 +1,310 @@
+// The client against a server process that behaves, misbehaves, or is not there.
+#include "transports/NamedPipeClient.h"
+
+#include <algorithm>
+#include <chrono>
+#include <functional>
+#include <future>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+#include "support/FreshProcess.h"
+#include "support/ImportPatch.h"
+#include "support/LogCapture.h"
+#include "transports/PipePeer.h"
+#include "transports/UserNames.h"
+
+namespace {
+
+// The text with its terminator as it stands in a message, low byte first, in hexadecimal.
+std::string OnTheWire(const std::wstring& text) {
+    std::string hex;
+    for (size_t i = 0; i <= text.size(); ++i) {
+        const unsigned unit = text.c_str()[i];
+        char digits[8];
+        std::snprintf(digits, sizeof digits, "%02x%02x", unit & 0xFF, unit >> 8);
+        hex += digits;
+    }
+    return hex;
+}
+
+std::vector<std::wstring> Errors(const LogCapture& log) {
+    std::vector<std::wstring> errors;
+    for (const LogCapture::Line& line : log.GetLines()) {
+        if (line.level == LogLevel::Error) errors.push_back(line.message);
+    }
+    return errors;
+}
+
+using Texts = std::vector<std::wstring>;
+
+// Sees each opening of the pipe by the code under test.
+class Openings {
+public:
+    Openings() : m_patch(GetModuleHandleW(nullptr), "CreateFileW", Open) {
+        s_real = m_patch.Original();
+        s_count = 0;
+        s_last = INVALID_HANDLE_VALUE;
+    }
+
+    int Count() const { return s_count; }
+    DWORD Flags() const { return s_flags; }
+    bool IsLastStillOpen() const {
+        DWORD flags = 0;
+        return GetHandleInformation(s_last, &flags) != FALSE;
+    }
+    void CloseLast() const { CloseHandle(s_last); }
+
+private:
+    static HANDLE WINAPI Open(LPCWSTR name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security, DWORD how,
+                              DWORD flags, HANDLE pattern) {
+        ++s_count;
+        s_flags = flags;
+        EXPECT_STREQ(name, L"\\\\.\\pipe\\bvtnamedpipe");
+        return s_last = s_real(name, access, share, security, how, flags, pattern);
+    }
+
+    static inline decltype(&CreateFileW) s_real = nullptr;
+    static inline int s_count = 0;
+    static inline DWORD s_flags = 0;
+    static inline HANDLE s_last = nullptr;
+    ImportPatch<decltype(&CreateFileW)> m_patch;
+};
+
+class NamedPipe : public testing::Test {
+protected:
+    NamedPipe() { NamedPipeClient::pipeChannelEnabled = true; }
+    ~NamedPipe() override { NamedPipeClient::pipeChannelEnabled = false; }
+};
+
+}  // namespace
+
+TEST_F(NamedPipe, EachCommandSendsItsMessageAndReadsItsReply) {
+    struct Case {
+        const wchar_t* answer;
+        const wchar_t* message;
+        std::function<std::int64_t()> command;
+        std::int64_t result;
+    };
+    const Case cases[] = {
+        {L"text=42", L"LAUNCHEXPLORER", NamedPipeClient::LaunchExplorer, 42},
+        {L"text=-7windows", L"EXPLOREWINDOW:C:\\a b", [] { return NamedPipeClient::ExploreWindow(L"C:\\a b"); }, -7},
+        {L"text=no", L"LAUNCHAPP:", [] { return NamedPipeClient::LaunchApp(L""); }, 0},
+        {L"text=1234", L"LAUNCHAPP:\x4E2D\xD83D\xDE00",
+         [] { return NamedPipeClient::LaunchApp(L"\x4E2D\xD83D\xDE00"); }, 1234},
+        {L"text=D:\\x", L"GETENVVARIABLE:TEMP",
+         [] { return NamedPipeClient::GetEnvVariable(L"TEMP") == L"D:\\x" ? 1 : 0; }, 1},
+        {L"text=1", L"PLAYSOUND:ding", [] { return NamedPipeClient::PlaySound(L"ding"), 0; }, 0},
+        {L"text=1", L"CHANGEBACKGROUND:b.bmp", [] { return NamedPipeClient::ChangeBackground(L"b.bmp"), 0; }, 0},
+        {L"text=1", L"SYSCOLOR:5:x", [] { return NamedPipeClient::SetSysColor(5, L"x"), 0; }, 0},
+        {L"text=1", L"SYSCOLOR:-1:%s", [] { return NamedPipeClient::SetSysColor(-1, L"%s"), 0; }, 0},
+    };
+    for (const Case& each : cases) {
+        PipePeer peer(each.answer);
+        LogCapture log;
+        EXPECT_EQ(each.command(), each.result) << OnTheWire(each.message);
+        EXPECT_EQ(peer.NextLine(), OnTheWire(each.message));
+        EXPECT_EQ(peer.NextLine(), "closed");
+        EXPECT_EQ(Errors(log), Texts());
+    }
+    EXPECT_EQ(OnTheWire(L"A\x4E2D"), "41002d4e0000");
+}
+
+TEST_F(NamedPipe, AReplyIsPutTogetherFromItsPiecesAsTexts) {
+    const struct {
+        const wchar_t* answer;
+        std::wstring reply;
+        size_t reads;
+    } cases[] = {
+        {L"size=3000", std::wstring(1500, L'x'), 3},
+        {L"size=1024", std::wstring(512, L'x'), 1},
+        {L"size=1025", std::wstring(513, L'x'), 2},
+        {L"hex=41", L"A", 1},
+        {L"hex=410042", L"AB", 1},
+        {L"hex=4100000042000000", L"A", 1},
+        {L"hex=", L"", 1},
+    };
+    for (const auto& each : cases) {
+        PipePeer peer(each.answer);
+        LogCapture log;
+        EXPECT_EQ(NamedPipeClient::GetEnvVariable(L"x").GetString(), each.reply);
+        EXPECT_EQ(log.GetLines().size(), 4 + each.reads) << each.reply.size();
+        EXPECT_EQ(Errors(log), Texts());
+    }
+}
+
+TEST_F(NamedPipe, TheLogTellsTheWholeConversation) {
+    PipePeer peer(L"size=1026");
+    LogCapture log;
+    NamedPipeClient::PlaySound(L"a");
+    Texts lines;
+    for (const LogCapture::Line& line : log.GetLines()) {
+        EXPECT_EQ(line.level, LogLevel::Trace);
+        lines.push_back(line.message);
+    }
+    EXPECT_EQ(lines, (Texts{L"Enter NamedPipeClient::SendNamedPipeCommand", L"Sending 24 byte message: \"PLAYSOUND:a\"",
+                            L"\nMessage sent to server, receiving reply as follows:", std::wstring(512, L'x'), L"x",
+                            L"Leave NamedPipeClient::SendNamedPipeCommand"}));
+}
+
+TEST_F(NamedPipe, ALongReplyIsReadToItsEndButNotKeptWithoutBound) {
+    const auto previous = Logger().SetSink([](LogLevel, const wchar_t*) {});
+    {
+        PipePeer peer(L"size=2000000");
+        EXPECT_EQ(NamedPipeClient::GetEnvVariable(L"x").GetLength(), 1000000);
+    }
+    // A server process would take half a minute for so much.
+    static int s_pieces = 0;
+    const PipePeer peer(L"text=x");
+    const ImportPatch<decltype(&ReadFile)> patch(GetModuleHandleW(nullptr), "ReadFile",
+                                                 [](HANDLE, LPVOID buffer, DWORD bytes, LPDWORD read, LPOVERLAPPED) {
+                                                     std::fill_n(static_cast<char*>(buffer), bytes, 'x');
+                                                     *read = bytes;
+                                                     SetLastError(ERROR_MORE_DATA);
+                                                     return ++s_pieces < 200000 ? FALSE : TRUE;
+                                                 });
+    const CString reply = NamedPipeClient::GetEnvVariable(L"x");
+    Logger().SetSink(previous);
+    EXPECT_EQ(s_pieces, 200000);
+    EXPECT_EQ(reply.GetLength(), 64 * 1024 * 1024);
+}
+
+TEST_F(NamedPipe, WhileTheChannelIsOffNoCommandTouchesThePipe) {
+    NamedPipeClient::pipeChannelEnabled = false;
+    const Openings openings;
+    const LogCapture log;
+    EXPECT_EQ(NamedPipeClient::LaunchExplorer(), -1);
+    EXPECT_EQ(NamedPipeClient::ExploreWindow(L"x"), 0);
+    EXPECT_EQ(NamedPipeClient::LaunchApp(L"x"), -1);
+    EXPECT_TRUE(NamedPipeClient::GetEnvVariable(L"PATH").IsEmpty());
+    EXPECT_TRUE(NamedPipeClient::GetUserName().IsEmpty());
+    EXPECT_TRUE(NamedPipeClient::GetUserNameEx().IsEmpty());
+    NamedPipeClient::PlaySound(L"x");
+    NamedPipeClient::ChangeBackground(L"x");
+    NamedPipeClient::SetSysColor(1, L"x");
+    EXPECT_EQ(openings.Count(), 0);
+    EXPECT_TRUE(log.GetLines().empty());
+}
+
+TEST_F(NamedPipe, UserNamesAreKeptOnceTheyAreKnown) {
+    EXPECT_IN_FRESH_PROCESS([] {
+        PipePeer peer(L"hex= text=ann text=CORP\\ann");
+        const auto next = [&] {
+            while (peer.NextLine() != "ready") continue;
+        };
+        EXPECT_EQ(NamedPipeClient::GetUserName(), L"");
+        EXPECT_EQ(peer.NextLine(), OnTheWire(L"GETUSERNAME"));
+        next();
+        EXPECT_EQ(CurrentUserName(), L"ann") << "an empty reply is asked for again";
+        next();
+        EXPECT_EQ(CurrentQualifiedUserName(), L"CORP\\ann");
+        EXPECT_EQ(peer.NextLine(), OnTheWire(L"GETUSERNAMEEX"));
+        EXPECT_EQ(peer.NextLine(), "closed");
+        const Openings openings;
+        EXPECT_EQ(NamedPipeClient::GetUserName(), L"ann");
+        NamedPipeClient::pipeChannelEnabled = false;
+        EXPECT_EQ(NamedPipeClient::GetUserNameEx(), L"CORP\\ann");
+        EXPECT_EQ(openings.Count(), 0);
+        // Off, the system is asked, which knows this process's user and no Ann.
+        const CString local = CurrentUserName();
+        EXPECT_EQ(local, _wgetenv(L"USERNAME"));
+        EXPECT_EQ(CurrentQualifiedUserName().Right(local.GetLength() + 1), L"\\" + local);
+    });
+}
+
+TEST_F(NamedPipe, WithoutAServerTheCommandFails) {
+    const Openings openings;
+    const LogCapture log;
+    EXPECT_EQ(NamedPipeClient::LaunchApp(L"x"), 0);
+    EXPECT_EQ(Errors(log), (Texts{L"Could not open pipe. Error=2"}));
+    EXPECT_EQ(openings.Count(), 1);
+    EXPECT_EQ(openings.Flags(), DWORD{SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION}) << "none acts in our name";
+}
+
+TEST_F(NamedPipe, ABusyServerIsWaitedForAndGivenUp) {
+    PipePeer peer(L"silent");
+    const HANDLE other = CreateFileW(L"\\\\.\\pipe\\bvtnamedpipe", GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    ASSERT_NE(other, INVALID_HANDLE_VALUE);
+    const Openings openings;
+    {
+        const LogCapture log;
+        EXPECT_EQ(NamedPipeClient::LaunchExplorer(), 0);
+        EXPECT_EQ(openings.Count(), 1);
+        EXPECT_EQ(Errors(log), (Texts{L"Could not open pipe: 200 millisecond wait timed out."}));
+    }
+    // Each time that the pipe becomes free, somebody else is faster.
+    const ImportPatch<decltype(&WaitNamedPipeW)> patch(GetModuleHandleW(nullptr), "WaitNamedPipeW",
+                                                       [](LPCWSTR, DWORD) { return TRUE; });
+    const LogCapture log;
+    EXPECT_EQ(NamedPipeClient::LaunchExplorer(), 0);
+    EXPECT_EQ(openings.Count(), 1 + 5);
+    EXPECT_EQ(Errors(log), Texts());
+    CloseHandle(other);
+}
+
+TEST_F(NamedPipe, AConnectionThatFailsBeforeItsMessageStaysOpen) {
+    {
+        PipePeer peer(L"bytes");
+        const Openings openings;
+        const LogCapture log;
+        EXPECT_EQ(NamedPipeClient::LaunchExplorer(), 0);
+        EXPECT_EQ(Errors(log), (Texts{L"SetNamedPipeHandleState failed. GLE=87\n"}));
+        EXPECT_TRUE(openings.IsLastStillOpen());
+        openings.CloseLast();
+    }
+    // The server goes away between the two calls.
+    PipePeer peer(L"leave");
+    static PipePeer* s_peer = nullptr;
+    static decltype(&SetNamedPipeHandleState) s_real = nullptr;
+    const ImportPatch<decltype(&SetNamedPipeHandleState)> patch(
+        GetModuleHandleW(nullptr), "SetNamedPipeHandleState",
+        [](HANDLE pipe, LPDWORD mode, LPDWORD count, LPDWORD delay) {
+            const BOOL isSet = s_real(pipe, mode, count, delay);
+            s_peer->Tell();
+            EXPECT_EQ(s_peer->NextLine(), "closed");
+            return isSet;
+        });
+    s_peer = &peer;
+    s_real = patch.Original();
+    const Openings openings;
+    const LogCapture log;
+    EXPECT_EQ(NamedPipeClient::LaunchExplorer(), 0);
+    EXPECT_EQ(Errors(log), (Texts{L"WriteFile to pipe failed. Error=233\n"}));
+    EXPECT_TRUE(openings.IsLastStillOpen());
+    openings.CloseLast();
+}
+
+TEST_F(NamedPipe, AServerThatGoesHalfWayLeavesWhatWasRead) {
+    PipePeer peer(L"half=3000");
+    static std::vector<std::wstring> s_errors;
+    s_errors.clear();
+    const auto previous = Logger().SetSink([&](LogLevel level, const wchar_t* message) {
+        if (level == LogLevel::Error) s_errors.emplace_back(message);
+        if (message[0] != L'x') return;
+        EXPECT_EQ(peer.NextLine(), OnTheWire(L"GETENVVARIABLE:x"));
+        peer.Tell();
+        EXPECT_EQ(peer.NextLine(), "closed");
+    });
+    const Openings openings;
+    EXPECT_EQ(NamedPipeClient::GetEnvVariable(L"x").GetString(), std::wstring(512, L'x'));
+    Logger().SetSink(previous);
+    ASSERT_EQ(s_errors.size(), 1u);
+    EXPECT_TRUE(s_errors[0].starts_with(L"ReadFile from pipe failed. Error=") && s_errors[0].ends_with(L'\n'));
+    EXPECT_FALSE(openings.IsLastStillOpen());
+}
+
+TEST_F(NamedPipe, ASilentServerHoldsTheCallerUntilItGoes) {
+    PipePeer peer(L"silent");
+    const Openings openings;
+    const LogCapture log;
+    auto call = std::async(std::launch::async, NamedPipeClient::LaunchExplorer);
+    EXPECT_EQ(peer.NextLine(), OnTheWire(L"LAUNCHEXPLORER"));
+    // Longer than the only wait that the client limits.
+    EXPECT_EQ(call.wait_for(std::chrono::milliseconds(300)), std::future_status::timeout);
+    peer.Tell();
+    EXPECT_EQ(call.get(), 0);
+    ASSERT_EQ(Errors(log).size(), 1u);
+    EXPECT_TRUE(log.Contains(LogLevel::Error, L"ReadFile from pipe failed. Error="));
+    EXPECT_FALSE(openings.IsLastStillOpen());
+}
