@@ -1,0 +1,159 @@
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+#include "transports/UsbDecoder.h"
+
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+Bytes FromHex(std::string_view hex) {
+    Bytes bytes;
+    for (std::size_t i = 0; i + 1 < hex.size(); i += hex[i] == ' ' ? 1 : 2) {
+        if (hex[i] != ' ') bytes.push_back(static_cast<std::uint8_t>(std::stoi(std::string(hex.substr(i, 2)), {}, 16)));
+    }
+    return bytes;
+}
+
+struct Case {
+    UsbMessage message;
+    const char* head;
+    const char* tail;
+};
+
+// Written by hand, each field apart.
+const Case kCases[] = {
+    {{.command = UsbCmdConnect}, "33120000", ""},
+    {{.command = UsbCmdConnectReply}, "34120000", ""},
+    {{.command = UsbCmdOpenFile, .count = 6}, "35120000 06000000", "6100 5c00 1e04"},
+    {{.command = UsbCmdOpenFileReply, .handle = kUsbNoHandle}, "36120000 ffffffffffffffff", ""},
+    {{.command = UsbCmdReadFile, .handle = 0x0102030405060708, .count = 0x100000},
+     "37120000 0807060504030201 00001000",
+     ""},
+    {{.command = UsbCmdReadFileReply, .count = 3}, "38120000 03000000", "010203"},
+    {{.command = UsbCmdReadFileReply, .count = 0}, "38120000 00000000", ""},
+    {{.command = UsbCmdWriteFile, .handle = 0x54, .count = 2}, "39120000 5400000000000000 02000000", "3312"},
+    {{.command = UsbCmdWriteFileReply, .count = 0xfffffffe}, "3a120000 feffffff", ""},
+    {{.command = UsbCmdSeekFile, .handle = 0x54, .position = -2, .method = 2},
+     "3b120000 5400000000000000 feffffffffffffff 02000000",
+     ""},
+    {{.command = UsbCmdSeekFileReply, .position = 0x100000000}, "3c120000 0000000001000000", ""},
+    {{.command = UsbCmdCloseFile, .handle = 0x54}, "3d120000 5400000000000000", ""},
+    {{.command = UsbCmdCloseFileReply}, "3e120000", ""},
+    {{.command = UsbCmdDirectoryExists, .count = 2}, "41120000 02000000", "4400"},
+    {{.command = UsbCmdDirectoryExistsReply, .count = 1}, "42120000 01000000", ""},
+    {{.command = UsbCmdDriveFreeSpace}, "45120000", ""},
+    {{.command = UsbCmdDriveFreeSpaceReply, .freeBytes = 0x8000000000000001}, "46120000 0100000000000080", ""},
+    {{.command = UsbCmdFinish, .count = 0x142}, "47120000 42010000", ""},
+    {{.command = UsbCmdFinishReply}, "48120000", ""},
+    {{.command = UsbCmdDisconnected}, "49120000", ""},
+    {{.command = UsbCmdResendLast}, "50120000", ""},
+};
+
+// A stream that hands out at most `piece` bytes at a time.
+class Stream {
+public:
+    Stream(Bytes bytes, std::size_t piece) : m_bytes(std::move(bytes)), m_piece(piece) {}
+
+    void Fill(UsbDecoder& decoder) {
+        while (!decoder.Missing().empty()) {
+            const auto missing = decoder.Missing();
+            const std::size_t size = std::min({missing.size(), m_piece, m_left.size()});
+            ASSERT_NE(size, 0U) << "asks for bytes behind the end";
+            std::copy_n(m_left.begin(), size, missing.begin());
+            m_left = m_left.subspan(size);
+            decoder.Took(size);
+        }
+    }
+    std::size_t Left() const { return m_left.size(); }
+
+private:
+    Bytes m_bytes;
+    std::size_t m_piece;
+    std::span<const std::uint8_t> m_left = m_bytes;
+};
+
+}  // namespace
+
+TEST(UsbMessage, StandsOnTheWireByteForByte) {
+    for (const Case& c : kCases) EXPECT_EQ(EncodeUsbMessage(c.message), FromHex(c.head)) << c.head;
+}
+
+TEST(UsbDecoder, ReadsAStreamInPiecesOfAnySizeTailsKeptOrSkipped) {
+    Bytes wire;
+    for (const Case& c : kCases) {
+        for (const char* part : {c.head, c.tail}) {
+            const Bytes bytes = FromHex(part);
+            wire.insert(wire.end(), bytes.begin(), bytes.end());
+        }
+    }
+    for (const std::size_t piece : {1U, 3U, 1000U}) {
+        for (const bool keep : {true, false}) {
+            Stream stream(wire, piece);
+            for (const Case& c : kCases) {
+                UsbDecoder decoder;
+                stream.Fill(decoder);
+                EXPECT_TRUE(decoder.IsKnown());
+                EXPECT_EQ(decoder.Message(), c.message) << c.head;
+                const Bytes expected = FromHex(c.tail);
+                Bytes tail(decoder.TailBytes());
+                ASSERT_EQ(tail.size(), expected.size()) << c.head;
+                keep ? decoder.KeepTail(tail) : decoder.SkipTail();
+                stream.Fill(decoder);
+                if (keep) EXPECT_EQ(tail, expected);
+            }
+            EXPECT_EQ(stream.Left(), 0U);
+        }
+    }
+}
+
+TEST(UsbDecoder, SkipsExactlyWhatALongTailAnnounces) {
+    Bytes wire = FromHex("39120000 5400000000000000 05300000");
+    wire.resize(wire.size() + 0x3005, 0x33);
+    wire.push_back(0x99);
+    Stream stream(wire, 700);
+    UsbDecoder decoder;
+    stream.Fill(decoder);
+    decoder.SkipTail();
+    stream.Fill(decoder);
+    EXPECT_EQ(stream.Left(), 1U);
+}
+
+TEST(UsbDecoder, TakesTheCodeAloneOfWhatItDoesNotKnow) {
+    for (const char* code : {"3f120000", "40120000", "43120000", "44120000", "4a120000", "4f120000", "32120000",
+                             "51120000", "33120001", "00000000", "ffffffff"}) {
+        Stream stream(FromHex(code), 4);
+        UsbDecoder decoder;
+        stream.Fill(decoder);
+        EXPECT_FALSE(decoder.IsKnown()) << code;
+        EXPECT_EQ(decoder.TailBytes(), 0U);
+    }
+}
+
+TEST(UsbMessage, TellsWhatCannotBeTakenIn) {
+    const struct {
+        UsbCommand command;
+        std::uint32_t count;
+        bool fits;
+    } cases[] = {
+        {UsbCmdOpenFile, 0, true},          {UsbCmdOpenFile, 520, true},
+        {UsbCmdOpenFile, 522, false},       {UsbCmdOpenFile, 5, false},
+        {UsbCmdDirectoryExists, 520, true}, {UsbCmdDirectoryExists, 0xfffffffe, false},
+        {UsbCmdReadFile, 64 << 20, true},   {UsbCmdReadFile, 0xffffffff, false},
+        {UsbCmdWriteFile, 64 << 20, true},  {UsbCmdWriteFile, (64 << 20) + 1, false},
+        {UsbCmdReadFileReply, 100, true},  // 100 were asked for
+        {UsbCmdReadFileReply, 101, false},  {UsbCmdWriteFileReply, 100, true},
+        {UsbCmdWriteFileReply, 101, false}, {UsbCmdFinish, 0xffffffff, true},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(UsbMessageFits({.command = c.command, .count = c.count}, 100), c.fits) << c.command << " " << c.count;
+    }
+}
+
+TEST(UsbMessage, NamesLoseTheirFirstElement) {
+    EXPECT_EQ(UsbNameBelowTop(L"C:\\Users\\a.txt"), L"Users\\a.txt");
+    EXPECT_EQ(UsbNameBelowTop(L"a.txt"), L"a.txt");
+    EXPECT_EQ(UsbNameBelowTop(L"\\a.txt"), L"a.txt");
+    EXPECT_EQ(UsbNameBelowTop(L"top\\"), L"");
+}
