@@ -19,7 +19,7 @@ void CheckRoots(std::wstring_view path) {
 void CheckParts(std::wstring_view path) {
     const auto name = GetFileName(path);
     Require(path.ends_with(name) && path.ends_with(GetExtension(path)));
-    Require(std::wstring(GetFileTitle(path)).append(GetExtension(name)) == name);
+    Require(std::wstring(GetNameWithoutExtension(path)).append(GetExtension(name)) == name);
     Require(HoldsPath(path, path));
     Require(path.starts_with(AbbreviatePath(path).parts[0]));
     std::wstring parent(path);

@@ -35,7 +35,7 @@ CString CPathHelper::GetExtension(const CString& path) {
 }
 
 CString CPathHelper::GetFileTitle(const CString& path) {
-    return TextOf(PathText::GetFileTitle(ViewOf(path)));
+    return TextOf(PathText::GetNameWithoutExtension(ViewOf(path)));
 }
 
 CString CPathHelper::CombinePath(const CString& base, LPCWSTR relative) {

@@ -30,7 +30,7 @@ std::wstring_view GetExtension(std::wstring_view path) {
     return extension.find_first_of(L" /\\") == kNone ? extension : std::wstring_view();
 }
 
-std::wstring_view GetFileTitle(std::wstring_view path) {
+std::wstring_view GetNameWithoutExtension(std::wstring_view path) {
     const auto name = GetFileName(path);
     return name.substr(0, name.size() - GetExtension(name).size());
 }

@@ -19,7 +19,7 @@ std::wstring_view GetFileName(std::wstring_view path);
 std::wstring_view GetExtension(std::wstring_view path);
 
 // The file name without its extension.
-std::wstring_view GetFileTitle(std::wstring_view path);
+std::wstring_view GetNameWithoutExtension(std::wstring_view path);
 
 // One backslash between both; slashes of either kind at the end of `base` go. A relative path that starts with a
 // backslash comes back alone.

@@ -217,6 +217,8 @@ TEST(LongPathFile, WhatIsMeantToFailFails) {
 
 TEST(LongPathFile, TheShellAnswersUpToTwoHundredAndFiftyNineCharacters) {
     const ScopedTestDir dir, temporary;
+    WCHAR before[260];
+    GetEnvironmentVariableW(L"TMP", before, 260);
     SetEnvironmentVariableW(L"TMP", temporary.Path().c_str());
     std::wstring folder = dir.Path(std::wstring(120, L'd'));
     CreateDirectoryW(folder.c_str(), nullptr);
@@ -238,4 +240,5 @@ TEST(LongPathFile, TheShellAnswersUpToTwoHundredAndFiftyNineCharacters) {
         EXPECT_EQ(left.nFileSizeLow, 0u);
         if (search != INVALID_HANDLE_VALUE) FindClose(search);
     }
+    SetEnvironmentVariableW(L"TMP", before);
 }

@@ -38,7 +38,7 @@ TEST(PathParts, ParentNameExtensionTitle) {
         EXPECT_EQ(PathText::GetParentPath(c.path).Joined(), c.parent);
         EXPECT_EQ(PathText::GetFileName(c.path), c.name);
         EXPECT_EQ(PathText::GetExtension(c.path), c.extension);
-        EXPECT_EQ(PathText::GetFileTitle(c.path), c.title);
+        EXPECT_EQ(PathText::GetNameWithoutExtension(c.path), c.title);
     }
 }
 
