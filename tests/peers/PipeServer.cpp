@@ -6,6 +6,7 @@
 //     silent     reads the message and closes when told to, without an answer
 //     bytes      a pipe of bytes without messages; closes when told to
 //     leave      reads nothing and closes when told to
+//     always=T   answers T to everybody from now on, several at a time, and tells nothing more
 // It tells on its output, line by line: "ready" when the pipe of a connection is there, then what it read in
 // hexadecimal, and "closed". It is told by a line on its input.
 #include <windows.h>
@@ -14,12 +15,14 @@
 #include <cstdio>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 namespace {
 
 constexpr wchar_t kPipeName[] = L"\\\\.\\pipe\\bvtnamedpipe";
 constexpr DWORD kBufferBytes = 65536;
+constexpr DWORD kMessages = PIPE_TYPE_MESSAGE | PIPE_READMODE_MESSAGE;
 
 using Bytes = std::vector<unsigned char>;
 
@@ -67,13 +70,40 @@ Bytes Answer(std::wstring_view kind, const std::wstring& value) {
     return bytes;
 }
 
+HANDLE CreatePipeInstance(DWORD type, DWORD instances) {
+    return CreateNamedPipeW(kPipeName, PIPE_ACCESS_DUPLEX, type, instances, kBufferBytes, kBufferBytes, 0, nullptr);
+}
+
+void ServeAlways(HANDLE pipe, const Bytes& answer) {
+    for (;;) {
+        ConnectNamedPipe(pipe, nullptr);
+        DWORD written = 0;
+        ReadMessage(pipe);
+        WriteFile(pipe, answer.data(), static_cast<DWORD>(answer.size()), &written, nullptr);
+        FlushFileBuffers(pipe);
+        DisconnectNamedPipe(pipe);
+    }
+}
+
+// Some instances, so that one caller after the other finds one free without waiting.
+void ServeEverybody(const std::wstring& text) {
+    constexpr DWORD kInstances = 4;
+    std::vector<std::thread> threads;
+    for (DWORD i = 0; i < kInstances; ++i) {
+        const HANDLE pipe = CreatePipeInstance(kMessages, kInstances);
+        threads.emplace_back([=] { ServeAlways(pipe, AsBytes(text)); });
+    }
+    Tell("ready");
+    WaitToBeTold();
+    ExitProcess(0);
+}
+
 void Serve(const std::wstring& argument) {
     const size_t equals = std::min(argument.find(L'='), argument.size() - 1);
     const std::wstring kind = argument.substr(0, argument.find(L'='));
     const std::wstring value = argument.substr(equals + 1);
-    const DWORD type = kind == L"bytes" ? PIPE_TYPE_BYTE : PIPE_TYPE_MESSAGE | PIPE_READMODE_MESSAGE;
-    const HANDLE pipe =
-        CreateNamedPipeW(kPipeName, PIPE_ACCESS_DUPLEX, type, 1, kBufferBytes, kBufferBytes, 0, nullptr);
+    if (kind == L"always") ServeEverybody(value);
+    const HANDLE pipe = CreatePipeInstance(kind == L"bytes" ? PIPE_TYPE_BYTE : kMessages, 1);
     Tell(pipe != INVALID_HANDLE_VALUE ? "ready" : "no pipe");
     if (!ConnectNamedPipe(pipe, nullptr) && GetLastError() != ERROR_PIPE_CONNECTED) Tell("no caller");
     const bool reads = kind != L"leave" && kind != L"bytes";
