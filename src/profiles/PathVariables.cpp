@@ -4,17 +4,10 @@
 #include <memory>
 #include <new>
 
+#include "files/PathView.h"
 #include "profiles/SystemTokens.h"
 #include "registry/OfflineEnvironment.h"
 #include "registry/SystemRoot.h"
-
-namespace {
-
-std::wstring_view View(const CString& text) {
-    return {text.GetString(), static_cast<size_t>(text.GetLength())};
-}
-
-}  // namespace
 
 CString ExpandPath(const CString& path) {
     CString text = path;
@@ -22,8 +15,11 @@ CString ExpandPath(const CString& path) {
         text = ExpandSystemTokens(path);
         if (text.Find(L'%') < 0) return text;
     }
+    // The system cuts, without a word, both a text and an expansion that are longer.
+    constexpr DWORD kMostChars = 32767;
+    if (text.GetLength() >= int{kMostChars}) return text;
     const DWORD chars = ExpandEnvironmentStringsW(text, nullptr, 0);
-    if (chars == 0) return text;
+    if (chars == 0 || chars > kMostChars) return text;
     const std::unique_ptr<wchar_t[]> expanded(new (std::nothrow) wchar_t[size_t{chars} + 1]{});
     if (!expanded) return text;
     const DWORD written = ExpandEnvironmentStringsW(text, expanded.get(), chars + 1);
@@ -34,8 +30,8 @@ CString ExpandPath(const CString& path) {
 
 CString ExpandSystemTokens(const CString& path) {
     if (path.Find(L'%') < 0) return path;
-    const std::wstring replaced = ReplaceSystemTokens(View(path), View(GetSystemRootPath()));
-    return CString(replaced.data(), static_cast<int>(replaced.size()));
+    const std::wstring replaced = ReplaceSystemTokens(ViewOf(path), ViewOf(GetSystemRootPath()));
+    return TextOf(replaced);
 }
 
 bool GetEnvironmentValue(const CString& name, CString& value) {

@@ -32,7 +32,7 @@ CString CWindowsVersion::GetVersionText() {
     return s_versionText;
 }
 
-SystemVersion CWindowsVersion::Version() {
+SystemVersion CWindowsVersion::GetVersion() {
     Initialize();
     return {s_versionInfo.dwMajorVersion, s_versionInfo.dwMinorVersion, s_versionInfo.dwBuildNumber,
             s_versionInfo.wProductType};

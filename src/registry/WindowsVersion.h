@@ -11,17 +11,19 @@
 // one sees zeros. An installed system always reads as a workstation without a service pack.
 class CWindowsVersion {
 public:
-    static bool IsPreVista() { return Version().major < 6; }
-    static bool IsVistaOrLater() { return Version().major >= 6; }
-    static bool IsWindows7OrLater() { return Version().IsAtLeast(6, 1); }
-    static bool IsWindows8OrLater() { return Version().IsAtLeast(6, 2); }
-    static bool IsWindows81OrLater() { return Version().IsAtLeast(6, 3); }
-    static bool IsWindows10OrLater() { return Version().major >= 10; }
-    static bool IsWindows11OrLater() { return Version().IsWindows11OrLater(); }
-    static bool IsServer() { return Version().IsServer(); }
-    static bool IsWorkstation() { return Version().IsWorkstation(); }
-    static bool IsServer2008OrLater() { return IsServer() && Version().major >= 6; }
-    static bool IsServer2012OrLater() { return IsServer() && Version().IsAtLeast(6, 2); }
+    // The plain numbers, for decisions that take them.
+    static SystemVersion GetVersion();
+    static bool IsPreVista() { return GetVersion().major < 6; }
+    static bool IsVistaOrLater() { return GetVersion().major >= 6; }
+    static bool IsWindows7OrLater() { return GetVersion().IsAtLeast(6, 1); }
+    static bool IsWindows8OrLater() { return GetVersion().IsAtLeast(6, 2); }
+    static bool IsWindows81OrLater() { return GetVersion().IsAtLeast(6, 3); }
+    static bool IsWindows10OrLater() { return GetVersion().major >= 10; }
+    static bool IsWindows11OrLater() { return GetVersion().IsWindows11OrLater(); }
+    static bool IsServer() { return GetVersion().IsServer(); }
+    static bool IsWorkstation() { return GetVersion().IsWorkstation(); }
+    static bool IsServer2008OrLater() { return IsServer() && GetVersion().major >= 6; }
+    static bool IsServer2012OrLater() { return IsServer() && GetVersion().IsAtLeast(6, 2); }
     static CString GetServicePackText();
     // "major.minor.build service pack"; of an installed system the version of its kernel, four numbers.
     static CString GetVersionText();
@@ -30,7 +32,6 @@ private:
     static void Initialize();
     static bool InitializeFromInstalledSystem();
     static void InitializeFromRunningSystem();
-    static SystemVersion Version();
 
     static OSVERSIONINFOEXW s_versionInfo;
     static bool s_initialized;

@@ -57,6 +57,8 @@ TEST(ExpandPath, AsksTheEnvironmentOnceAndKeepsWhatIsNotSet) {
     EXPECT_EQ(ExpandPath(L"%PVOTHER%"), L"%PvSelf%");
     EXPECT_EQ(ExpandPath(L"%PvNotSet%\\%"), L"%PvNotSet%\\%");
     EXPECT_EQ(ExpandPath(L"%PvLong%."), CString(big.c_str()) + L".");
+    EXPECT_EQ(ExpandPath(L"%PvLong%%PvLong%"), L"%PvLong%%PvLong%") << "too long for the system, which would cut it";
+    EXPECT_EQ(ExpandPath(L"%OS%" + CString(L'x', 40000)), L"%OS%" + CString(L'x', 40000));
     EXPECT_EQ(ExpandPath(L""), L"");
     EXPECT_EQ(ExpandPath(L"%SYSTEMroot%"), ExpandPath(L"%SystemRoot%")) << "off a boot image, any spelling";
 }
