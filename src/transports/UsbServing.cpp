@@ -1,0 +1,203 @@
+#include <shlwapi.h>
+
+#include <new>
+#include <sys/stat.h>
+
+#include "files/LongPathFile.h"
+#include "files/PathHelper.h"
+#include "siblings/coresv/LoggingService.h"
+#include "transports/WinUsbSession.h"
+
+namespace {
+
+constexpr size_t kNameChars = kUsbNameBytes / sizeof(WCHAR);
+
+HANDLE AsHandle(UINT64 value) {
+    return reinterpret_cast<HANDLE>(value);
+}
+
+CString Joined(const CString& directory, LPCWSTR name) {
+    WCHAR joined[MAX_PATH] = {};  // what PathCombineW writes at most; a longer path gives an empty text
+    PathCombineW(joined, directory, name);
+    return joined;
+}
+
+std::unique_ptr<BYTE[]> Allocate(size_t bytes) {
+    return std::unique_ptr<BYTE[]>(new (std::nothrow) BYTE[bytes]);
+}
+
+}  // namespace
+
+void WinUsbSession::ServeRequest(UsbDecoder& decoder) {
+    const UsbMessage& message = decoder.Message();
+    switch (message.command) {
+        case UsbCmdConnect:
+            SendMessageW(m_ownerWindow, kUsbProgressMessage, 1, 0);
+            return BuildAndSend({.command = UsbCmdConnectReply});
+        case UsbCmdOpenFile:
+            return ReceiveOpenFileSend(decoder);
+        case UsbCmdReadFile:
+            return ServeRead(message);
+        case UsbCmdWriteFile:
+            return ServeWrite(decoder);
+        case UsbCmdSeekFile:
+            return ServeSeek(message);
+        case UsbCmdCloseFile:
+            return ServeClose(message);
+        case UsbCmdDirectoryExists:
+            return ServeDirectoryExists(decoder);
+        case UsbCmdDriveFreeSpace:
+            return ServeFreeSpace();
+        case UsbCmdFinish:
+            return ServeFinish(message);
+        default:
+            break;
+    }
+}
+
+std::unique_ptr<WCHAR[]> WinUsbSession::ReceiveName(UsbDecoder& decoder) {
+    const UsbMessage& message = decoder.Message();
+    if (!UsbMessageFits(message, 0)) {
+        Logger().LogErrorMessageFormat(L"[WinUsbSession::ReadThread] Command:0x%08x has a name of %u bytes",
+                                       message.command, message.count);
+        SkipTail(decoder);
+        return nullptr;
+    }
+    // One more than a name may have, so that the longest is terminated, too.
+    auto name = std::make_unique<WCHAR[]>(kNameChars + 1);
+    decoder.KeepTail({reinterpret_cast<BYTE*>(name.get()), message.count});
+    ReadMissing(decoder);
+    return name;
+}
+
+CString WinUsbSession::TargetOf(LPCWSTR name) const {
+    if (m_alternateDirectory.IsEmpty()) return Joined(m_baseDirectory, name);
+    return Joined(m_alternateDirectory, UsbNameBelowTop(name).data());
+}
+
+void WinUsbSession::ReceiveOpenFileSend(UsbDecoder& decoder) {
+    auto name = ReceiveName(decoder);
+    if (name == nullptr) return BuildAndSend({.command = UsbCmdOpenFileReply, .handle = kUsbNoHandle});
+    const CString target = TargetOf(name.get());
+    const CString parent = CPathHelper::GetParentPath(target);
+    const DWORD attributes = LongPath::GetFileAttributes(parent);
+    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
+        CPathHelper::CreateDirectoryTree(parent);
+    }
+    ReportProgress(L"Opening '%s'...", name.get());
+    const HANDLE file = CreateFileW(target, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS,
+                                    FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE) {
+        Logger().LogErrorMessageFormat(L"[WinUsbSession::ReceiveOpenFileSend] Failed to open file '%s' error: %d",
+                                       target.GetString(), GetLastError());
+    } else {
+        Logger().LogTraceMessageFormat(L"[WinUsbSession::ReceiveOpenFileSend] Opened file '%s' handle %p", name.get(),
+                                       file);
+    }
+    // A failed opening is kept under the invalid handle, so that what the peer does with it is still told by name.
+    void* previous = nullptr;
+    if (m_openFileNames.Lookup(file, previous)) delete[] static_cast<WCHAR*>(previous);
+    m_openFileNames.SetAt(file, name.release());
+    BuildAndSend({.command = UsbCmdOpenFileReply, .handle = reinterpret_cast<UINT64>(file)});
+}
+
+void WinUsbSession::ServeRead(const UsbMessage& message) {
+    const WCHAR* const name = NameOfOpenFile(message.handle);
+    DWORD count = 0;
+    std::unique_ptr<BYTE[]> data;
+    if (name != nullptr && CanTransfer(message)) data = Allocate(message.count);
+    if (data != nullptr) {
+        ReportProgress(L"Reading from '%s'...", name);
+        if (!ReadFile(AsHandle(message.handle), data.get(), message.count, &count, nullptr)) count = 0;
+    }
+    BuildAndSend({.command = UsbCmdReadFileReply, .count = count}, {data.get(), count});
+}
+
+void WinUsbSession::ServeWrite(UsbDecoder& decoder) {
+    const UsbMessage& message = decoder.Message();
+    const WCHAR* const name = NameOfOpenFile(message.handle);
+    DWORD count = 0;
+    std::unique_ptr<BYTE[]> data;
+    if (name != nullptr) ReportProgress(L"Writing to '%s'...", name);
+    if (name != nullptr && message.count != 0 && CanTransfer(message)) data = Allocate(message.count);
+    if (data != nullptr) {
+        decoder.KeepTail({data.get(), message.count});
+        ReadMissing(decoder);
+        if (!WriteFile(AsHandle(message.handle), data.get(), message.count, &count, nullptr)) count = 0;
+    } else {
+        SkipTail(decoder);
+    }
+    BuildAndSend({.command = UsbCmdWriteFileReply, .count = count});
+}
+
+void WinUsbSession::ServeSeek(const UsbMessage& message) {
+    LARGE_INTEGER position{};
+    LARGE_INTEGER distance;
+    distance.QuadPart = message.position;
+    if (NameOfOpenFile(message.handle) == nullptr ||
+        !SetFilePointerEx(AsHandle(message.handle), distance, &position, message.method)) {
+        position.QuadPart = 0;
+    }
+    BuildAndSend({.command = UsbCmdSeekFileReply, .position = position.QuadPart});
+}
+
+void WinUsbSession::ServeClose(const UsbMessage& message) {
+    if (const WCHAR* const name = NameOfOpenFile(message.handle)) {
+        CloseHandle(AsHandle(message.handle));
+        ReportProgress(L"Closing '%s'...", name);
+        m_openFileNames.RemoveKey(AsHandle(message.handle));
+        delete[] name;
+    }
+    BuildAndSend({.command = UsbCmdCloseFileReply});
+}
+
+void WinUsbSession::ServeDirectoryExists(UsbDecoder& decoder) {
+    DWORD exists = 0;
+    if (const auto path = ReceiveName(decoder)) {
+        const CString target = Joined(m_baseDirectory, path.get());
+        struct _stat64 facts {};
+        if (_waccess(target, 0) == 0 && _wstat64(target, &facts) == 0) exists = (facts.st_mode & _S_IFDIR) != 0;
+    }
+    BuildAndSend({.command = UsbCmdDirectoryExistsReply, .count = exists});
+}
+
+void WinUsbSession::ServeFreeSpace() {
+    ULARGE_INTEGER available{};
+    const CString& directory = m_alternateDirectory.IsEmpty() ? m_baseDirectory : m_alternateDirectory;
+    if (!GetDiskFreeSpaceExW(directory, &available, nullptr, nullptr)) available.QuadPart = 0;
+    BuildAndSend({.command = UsbCmdDriveFreeSpaceReply, .freeBytes = available.QuadPart});
+}
+
+void WinUsbSession::ServeFinish(const UsbMessage& message) {
+    PostMessageW(m_ownerWindow, kUsbStatusMessage, message.count, 0);
+    {
+        const CSingleLock lock(&s_finishLock, TRUE);
+        m_finishReceived = 1;
+        m_finishStatus = message.count;
+    }
+    BuildAndSend({.command = UsbCmdFinishReply});
+}
+
+const WCHAR* WinUsbSession::NameOfOpenFile(UINT64 handle) const {
+    void* name = nullptr;
+    if (!m_openFileNames.Lookup(AsHandle(handle), name)) {
+        // The number may well be a handle of this process that is no business of the peer's.
+        Logger().LogErrorMessageFormat(L"[WinUsbSession::ReadThread] The peer has no open file with handle %p",
+                                       AsHandle(handle));
+    }
+    return static_cast<const WCHAR*>(name);
+}
+
+bool WinUsbSession::CanTransfer(const UsbMessage& message) {
+    if (UsbMessageFits(message, 0)) return true;
+    Logger().LogErrorMessageFormat(L"[WinUsbSession::ReadThread] Command:0x%08x is for %u bytes", message.command,
+                                   message.count);
+    return false;
+}
+
+void WinUsbSession::ReportProgress(LPCWSTR format, LPCWSTR name) const {
+    if (m_ownerWindow == nullptr) return;
+    CString text;
+    text.Format(format, name);
+    SendMessageW(m_ownerWindow, kUsbProgressMessage, 1, reinterpret_cast<LPARAM>(_wcsdup(text)));
+}
