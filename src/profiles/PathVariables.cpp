@@ -8,6 +8,7 @@
 #include "profiles/SystemTokens.h"
 #include "registry/OfflineEnvironment.h"
 #include "registry/SystemRoot.h"
+#include "transports/NamedPipeClient.h"
 
 CString ExpandPath(const CString& path) {
     CString text = path;
@@ -35,6 +36,10 @@ CString ExpandSystemTokens(const CString& path) {
 }
 
 bool GetEnvironmentValue(const CString& name, CString& value) {
+    if (NamedPipeClient::IsPipeChannelEnabled()) {
+        value = NamedPipeClient::GetEnvVariable(name);
+        return true;
+    }
     // This toolchain's run-time library lacks _wdupenv_s, whose failures are those of its copy.
     value = _wgetenv(name);
     return true;

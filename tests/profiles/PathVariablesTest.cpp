@@ -7,6 +7,8 @@
 #include "support/FreshProcess.h"
 #include "support/ImportPatch.h"
 #include "support/ScopedPreinstallation.h"
+#include "transports/NamedPipeClient.h"
+#include "transports/PipePeer.h"
 
 namespace {
 
@@ -108,4 +110,16 @@ TEST(GetEnvironmentValue, ReadsAVariable) {
     EXPECT_EQ(value, L"v");
     EXPECT_TRUE(GetEnvironmentValue(L"PvNotSet", value));
     EXPECT_EQ(value, L"");
+}
+
+TEST(GetEnvironmentValue, AsksTheCompanionWhileItsChannelIsOn) {
+    PipePeer peer(L"text=theirs");
+    const Variable variable(L"PvValue", L"ours");
+    CString value;
+    NamedPipeClient::pipeChannelEnabled = true;
+    EXPECT_TRUE(GetEnvironmentValue(L"PvValue", value));
+    EXPECT_EQ(value, L"theirs");
+    NamedPipeClient::pipeChannelEnabled = false;
+    EXPECT_TRUE(GetEnvironmentValue(L"PvValue", value));
+    EXPECT_EQ(value, L"ours");
 }
