@@ -13,6 +13,7 @@
 #include "profiles/ProfileText.h"
 #include "registry/OfflineEnvironment.h"
 #include "registry/RegistryHelper.h"
+#include "registry/WinPeHelper.h"
 #include "registry/WindowsVersion.h"
 #include "siblings/coresv/LogMethodEntryExit.h"
 
@@ -103,9 +104,12 @@ LONG CProfilePathHelper::GetRegistryValue(const CString& name, CString& value) {
     const CLogMethodEntryExit scope(L"CProfilePathHelper::GetRegistryValue");
     value.Empty();
     REGSAM access = KEY_READ;
-    if (IsWinPE() && IsOffline64BitOs()) {
-        access |= KEY_WOW64_64KEY;
-        Logger().LogVerboseMessage(L"KEY_WOW64_64KEY added to Key in PE");
+    if (IsWinPE()) {
+        WinPeHelper::LoadLocalMachineProfile();  // without the hives IsOffline64BitOs would be false for ever
+        if (IsOffline64BitOs()) {
+            access |= KEY_WOW64_64KEY;
+            Logger().LogVerboseMessage(L"KEY_WOW64_64KEY added to Key in PE");
+        }
     }
     CRegistryHelper key;
     key.OpenOrCreate(HKEY_LOCAL_MACHINE, kProfileList, access, 0);
