@@ -58,6 +58,10 @@ if build windows; then
     step "building a host of its own against the installed package"
     if scripts/check-package windows; then passed=$((passed + 1)); else fail "the package (see build/package.log)"; fi
 fi
+step "static checks"
+for check in format cppcheck tidy; do
+    if scripts/lint "$check"; then passed=$((passed + 1)); else fail "the static check '$check'"; fi
+done
 step "done"
 echo "$passed passed, $failed failed"
 [ "$failed" -eq 0 ] && [ "$passed" -gt 0 ]

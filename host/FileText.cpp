@@ -22,6 +22,7 @@ using Handle = std::unique_ptr<HANDLE, HandleCloser>;
 Handle Open(const std::wstring& path, DWORD access, DWORD disposition) {
     const HANDLE handle =
         CreateFileW(path.c_str(), access, FILE_SHARE_READ, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
+    // cppcheck-suppress resourceLeak ; the returned object owns it
     return Handle(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
 }
 

@@ -39,7 +39,7 @@ private:
     // The end of a row of siblings that grows. The next child goes behind `last`: the same place as "at the end", which
     // some systems find only by walking all siblings.
     struct GrowingBranch {
-        HTREEITEM parent;
+        HTREEITEM parent = nullptr;
         HTREEITEM last = TVI_LAST;
     };
 

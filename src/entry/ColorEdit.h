@@ -38,7 +38,7 @@ private:
     void Redraw();
     void ClearIfWatermark();
 
-    BYTE m_bInitial = 1;  // set at construction and read by nothing
+    [[maybe_unused]] BYTE m_bInitial = 1;  // set at construction and read by nothing
     CBrush m_brBackground;
     COLORREF m_crBackground = EDIT_BACKGROUND_COLOR;
     COLORREF m_crText = TYPED_TEXT_COLOR;

@@ -23,7 +23,7 @@ struct KeySelection {
 };
 
 struct KeyCheck {
-    KeyVerdict verdict;
+    KeyVerdict verdict{};
     // The characters to correct; none when the selection is to stay as it is.
     std::optional<KeySelection> selection;
     bool operator==(const KeyCheck&) const = default;

@@ -10,7 +10,6 @@ constexpr WORD kResourceType = 240;
 // The resource's own message numbers, from the days of 16 bits.
 constexpr WORD kAddToListBox = 0x0401;
 constexpr WORD kAddToComboBox = 0x0403;
-constexpr WORD kAddToExtendedComboBox = 0x1234;
 
 // One record: WORD control id, WORD message, DWORD length in bytes, the bytes.
 struct Record {

@@ -30,7 +30,7 @@ private:
 void ReportCurrentException() {
     constexpr UINT kBox = MB_OK | MB_ICONSTOP;
     try {
-        throw;
+        throw;  // cppcheck-suppress rethrowNoCurrentException ; called from catch blocks only
     } catch (CUserException* told) {
         told->Delete();
     } catch (CException* problem) {

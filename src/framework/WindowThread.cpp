@@ -41,7 +41,7 @@ void ModalScope::KeepCurrentException() {
         return;
     }
     try {
-        throw;
+        throw;  // cppcheck-suppress rethrowNoCurrentException ; called from catch blocks only
     } catch (CException* dropped) {
         dropped->Delete();
     } catch (...) {

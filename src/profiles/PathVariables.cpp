@@ -26,7 +26,7 @@ CString ExpandPath(const CString& path) {
     const DWORD written = ExpandEnvironmentStringsW(text, expanded.get(), chars + 1);
     // More than there is room for: another thread has made a variable longer since the size was asked.
     if (written == 0 || written > chars + 1) return text;
-    return expanded.get();
+    return CString(expanded.get());
 }
 
 CString ExpandSystemTokens(const CString& path) {

@@ -9,6 +9,7 @@
 
 CRegistryRulesCtrl::CRegistryRulesCtrl() : m_dialog(nullptr) {
     AFX_MANAGE_STATE(AfxGetStaticModuleState());
+    // cppcheck-suppress noOperatorEq ; the shallow copy below is what the interface promises
     m_dialog = new CRegistryRulesDlg(nullptr);
 }
 
