@@ -15,6 +15,8 @@ if(WIN32)
     set(checks -fsanitize=undefined -fsanitize-undefined-trap-on-error -fstack-protector-strong)
     set(CMAKE_CXX_FLAGS_CHECKED "-O1 -g1 -gdwarf-4 -D_GLIBCXX_ASSERTIONS")
     set(CMAKE_C_FLAGS_CHECKED "-O1 -g1 -gdwarf-4")
+    # Release: with line numbers, which the release keeps in files of their own.
+    set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG -g1 -gdwarf-4")
     set(CMAKE_EXE_LINKER_FLAGS_CHECKED "")
     set(CMAKE_SHARED_LINKER_FLAGS_CHECKED "")
     target_compile_options(project_options INTERFACE $<$<AND:$<CONFIG:Checked>,$<COMPILE_LANGUAGE:CXX>>:${checks}>)

@@ -14,7 +14,9 @@ install(TARGETS RegistryRules framework ZmUiCtrl ZmCoreSv toolkit decisions EXPO
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(TARGETS RulesHost RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES ${runtime_dlls} DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(FILES host/sample-rules.json docs/rules-file.md docs/host-guide.md DESTINATION ${CMAKE_INSTALL_DATADIR}/RegistryRules)
+install(FILES host/sample-rules.json DESTINATION ${CMAKE_INSTALL_DATADIR}/RegistryRules)
+install(FILES LICENSE THIRD-PARTY-NOTICES.md CHANGELOG.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DATADIR}/RegistryRules)
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DATADIR}/RegistryRules)
 
 # The headers keep their folders, because they include each other by them.
 install(FILES src/rules/RegistryRulesCtrl.h DESTINATION ${package_headers}/rules)
