@@ -74,7 +74,7 @@ private:
 
     bool m_loadTried = false;
     HMODULE m_module = nullptr;
-    std::array<PVOID, EntryPointCount> m_entryPoints;  // encoded, missing ones too
+    std::array<PVOID, EntryPointCount> m_entryPoints{};  // encoded, missing ones too
     BCRYPT_ALG_HANDLE m_aesProvider = nullptr;
     ULONG m_blockLength = 0;
 };

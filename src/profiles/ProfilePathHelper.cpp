@@ -83,7 +83,7 @@ CString CProfilePathHelper::GetUserProfilePath(const CString& sid, const CString
     if (userName.IsEmpty()) return {};
     const CString directory = GetProfilesDirectory();
     Logger().LogTraceMessageFormat(L"getting username %s from FQ username", userName.GetString());
-    const CString path = CPathHelper::CombinePath(directory, TextOf(ShortUserName(ViewOf(userName))));
+    CString path = CPathHelper::CombinePath(directory, TextOf(ShortUserName(ViewOf(userName))));
     Logger().LogTraceMessageFormat(L"combining profile key HKLM\\'%s'", path.GetString());
     return path;
 }

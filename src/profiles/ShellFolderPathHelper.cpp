@@ -54,7 +54,7 @@ CString CShellFolderPathHelper::GetShellFolderPath(const CString& name) {
     if (raw.IsEmpty()) return raw;
     const bool isLocalAppData = name.CompareNoCase(NameOf(UserPath::LocalAppData)) == 0;
     if (!_isProfileRoaming || isLocalAppData) {
-        const CString local = TextOf(LocalFolder(ViewOf(raw), ViewOf(_localProfilePath)));
+        CString local = TextOf(LocalFolder(ViewOf(raw), ViewOf(_localProfilePath)));
         if (_isProfileRoaming) m_localAppData = local;
         return local;
     }

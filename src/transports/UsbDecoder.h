@@ -48,6 +48,6 @@ private:
     std::size_t m_fieldsDone = 0;  // the code is the first
     bool m_fieldsOver = false;
     std::uint32_t m_toSkip = 0;
-    std::array<std::uint8_t, 4096> m_skipped;
+    std::array<std::uint8_t, 4096> m_skipped{};
     std::span<std::uint8_t> m_missing = std::span(m_field).first(m_fieldBytes);
 };

@@ -199,5 +199,7 @@ void WinUsbSession::ReportProgress(LPCWSTR format, LPCWSTR name) const {
     if (m_ownerWindow == nullptr) return;
     CString text;
     text.Format(format, name);
-    SendMessageW(m_ownerWindow, kUsbProgressMessage, 1, reinterpret_cast<LPARAM>(_wcsdup(text)));
+    // The window frees the text.
+    SendMessageW(m_ownerWindow, kUsbProgressMessage, 1,
+                 reinterpret_cast<LPARAM>(_wcsdup(text)));  // NOLINT(clang-analyzer-unix.Malloc)
 }
