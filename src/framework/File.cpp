@@ -1,5 +1,7 @@
 #include "framework/File.h"
 
+#include "framework/TransactionManager.h"
+
 IMPLEMENT_DYNAMIC(CFile, CObject)
 
 const HANDLE CFile::hFileNull = INVALID_HANDLE_VALUE;
@@ -63,8 +65,13 @@ CFile::~CFile() {
 BOOL CFile::Open(LPCWSTR fileName, UINT openFlags, CFileException* problem) {
     Close();
     SECURITY_ATTRIBUTES security{sizeof(security), nullptr, (openFlags & modeNoInherit) == 0};
-    const HANDLE file = CreateFileW(fileName, AccessOf(openFlags), ShareOf(openFlags), &security,
-                                    DispositionOf(openFlags), AttributesOf(openFlags), nullptr);
+    const DWORD access = AccessOf(openFlags);
+    const DWORD share = ShareOf(openFlags);
+    const DWORD disposition = DispositionOf(openFlags);
+    const DWORD attributes = AttributesOf(openFlags);
+    const HANDLE file = m_pTM != nullptr
+                            ? m_pTM->CreateFile(fileName, access, share, &security, disposition, attributes, nullptr)
+                            : CreateFileW(fileName, access, share, &security, disposition, attributes, nullptr);
     if (file == INVALID_HANDLE_VALUE) {
         const LONG error = static_cast<LONG>(GetLastError());
         if (problem != nullptr) {

@@ -12,6 +12,8 @@
 
 #include "framework/FileException.h"
 
+class CAtlTransactionManager;
+
 class AFX_API CFile : public CObject {
     DECLARE_DYNAMIC(CFile)
 
@@ -71,6 +73,8 @@ public:
 protected:
     BOOL m_bCloseOnDelete = FALSE;
     CString m_strFileName;
+    // Opening goes through it when it is there; not owned.
+    CAtlTransactionManager* m_pTM = nullptr;
 
 private:
     [[noreturn]] void ThrowLastError() const;

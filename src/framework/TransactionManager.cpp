@@ -6,8 +6,8 @@ namespace {
 
 // Null when the system has no function of that name.
 template <class Function>
-Function FindInAdvapi(const char* name) {
-    const HMODULE module = GetModuleHandleW(L"Advapi32.dll");
+Function FindIn(LPCWSTR library, const char* name) {
+    const HMODULE module = GetModuleHandleW(library);
     if (!module) return nullptr;
     return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
 }
@@ -26,7 +26,7 @@ LSTATUS CAtlTransactionManager::RegOpenKeyEx(HKEY key, LPCWSTR subKey, DWORD opt
     if (!m_hTransaction) {
         return m_bFallback ? ::RegOpenKeyExW(key, subKey, options, access, result) : ERROR_INVALID_FUNCTION;
     }
-    const auto open = FindInAdvapi<decltype(&::RegOpenKeyTransactedW)>("RegOpenKeyTransactedW");
+    const auto open = FindIn<decltype(&::RegOpenKeyTransactedW)>(L"Advapi32.dll", "RegOpenKeyTransactedW");
     return open ? open(key, subKey, options, access, result, m_hTransaction, nullptr) : ERROR_INVALID_FUNCTION;
 }
 
@@ -38,8 +38,21 @@ LSTATUS CAtlTransactionManager::RegCreateKeyEx(HKEY key, LPCWSTR subKey, DWORD r
                                                result, disposition)
                            : ERROR_INVALID_FUNCTION;
     }
-    const auto create = FindInAdvapi<decltype(&::RegCreateKeyTransactedW)>("RegCreateKeyTransactedW");
+    const auto create = FindIn<decltype(&::RegCreateKeyTransactedW)>(L"Advapi32.dll", "RegCreateKeyTransactedW");
     return create ? create(key, subKey, reserved, keyClass, options, access, securityAttributes, result, disposition,
                            m_hTransaction, nullptr)
                   : ERROR_INVALID_FUNCTION;
+}
+
+HANDLE CAtlTransactionManager::CreateFile(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
+                                          DWORD disposition, DWORD flags, HANDLE templateFile) {
+    if (!m_hTransaction && m_bFallback) {
+        return ::CreateFileW(path, access, share, security, disposition, flags, templateFile);
+    }
+    const auto create = FindIn<decltype(&::CreateFileTransactedW)>(L"kernel32.dll", "CreateFileTransactedW");
+    if (!m_hTransaction || !create) {
+        SetLastError(ERROR_INVALID_FUNCTION);
+        return INVALID_HANDLE_VALUE;
+    }
+    return create(path, access, share, security, disposition, flags, templateFile, m_hTransaction, nullptr, nullptr);
 }

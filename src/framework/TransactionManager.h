@@ -1,5 +1,5 @@
-// Registry calls inside a kernel transaction. The transacted functions are looked up when they are called, because not
-// every system has them.
+// Registry and file calls inside a kernel transaction. The transacted functions are looked up when they are called,
+// because not every system has them.
 #pragma once
 
 #include "framework/Api.h"
@@ -22,6 +22,11 @@ public:
     LSTATUS RegOpenKeyEx(HKEY key, LPCWSTR subKey, DWORD options, REGSAM access, PHKEY result);
     LSTATUS RegCreateKeyEx(HKEY key, LPCWSTR subKey, DWORD reserved, LPWSTR keyClass, DWORD options, REGSAM access,
                            LPSECURITY_ATTRIBUTES securityAttributes, PHKEY result, LPDWORD disposition);
+
+    // CreateFileW within the transaction. INVALID_HANDLE_VALUE in the same cases; the last error is then the system's
+    // own or ERROR_INVALID_FUNCTION.
+    HANDLE CreateFile(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security, DWORD disposition,
+                      DWORD flags, HANDLE templateFile);
 
 protected:
     HANDLE m_hTransaction = nullptr;
