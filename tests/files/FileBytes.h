@@ -1,0 +1,34 @@
+// What stands in a file, and what a file operation throws, without the classes under test.
+#pragma once
+
+#include <afx.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <string_view>
+
+inline constexpr std::string_view kMark = "\xEF\xBB\xBF";
+
+inline std::string BytesOf(const std::wstring& path) {
+    std::ifstream stream(std::filesystem::path(path), std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+inline void PutBytes(const std::wstring& path, std::string_view bytes) {
+    std::ofstream(std::filesystem::path(path), std::ios::binary) << bytes;
+}
+
+// The cause of the CFileException that `work` throws; -1 if it throws none.
+template <class Work>
+int CauseOf(Work work) {
+    try {
+        work();
+    } catch (CFileException* problem) {
+        const int cause = problem->m_cause;
+        problem->Delete();
+        return cause;
+    }
+    return -1;
+}
