@@ -129,3 +129,20 @@ TEST(StringList, ComparesTextsNotAddresses) {
     list.GetNext(place) = L"changed";
     EXPECT_EQ(list.GetHead(), L"changed");
 }
+
+TEST(PtrArray, RefusesAnIndexOutsideOfIt) {
+    int values[3] = {};
+    CTypedPtrArray<CPtrArray, int*> array;
+    for (int& value : values) array.Add(&value);
+    EXPECT_EQ(array.Add(nullptr), 3);
+    array.RemoveAt(1);
+    EXPECT_EQ(array.GetCount(), 3);
+    EXPECT_EQ(array.GetAt(1), &values[2]);
+    for (const INT_PTR index : {INT_PTR{-1}, INT_PTR{3}, INTPTR_MAX, INTPTR_MIN}) {
+        EXPECT_THROW(array.GetAt(index), CInvalidArgException*) << index;
+        EXPECT_THROW(array.RemoveAt(index), CInvalidArgException*) << index;
+    }
+    EXPECT_THROW(array.RemoveAt(1, 3), CInvalidArgException*);
+    array.RemoveAt(0, 3);
+    EXPECT_EQ(array.GetCount(), 0);
+}

@@ -3,3 +3,4 @@
 
 #include "framework/List.h"
 #include "framework/Map.h"
+#include "framework/PtrArray.h"

@@ -2,3 +2,4 @@
 #pragma once
 
 #include "framework/List.h"
+#include "framework/PtrArray.h"
