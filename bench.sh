@@ -29,7 +29,9 @@ rows=$(mktemp)
 for program in "${programs[@]}"; do
     area=$(basename "$program" _bench.exe)
     step "running: $area"
-    output=$(WINE_RUN_TIMEOUT=1200 scripts/wine-run "$program")
+    run=(scripts/wine-run "$program")
+    [ "$area" != usb ] || run=(scripts/two-machines "$program" build/windows-release/bin/usb_end.exe)
+    output=$(WINE_RUN_TIMEOUT=1200 "${run[@]}")
     code=$?
     lines=$(sed -nE 's/\r//; /^.+: ratio [0-9.]+ \(ours .+, bare .+\)$/p' <<<"$output")
     if [ $code -ne 0 ] || [ -z "$lines" ]; then

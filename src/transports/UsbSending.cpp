@@ -28,11 +28,13 @@ UINT WinUsbSession::SendThread(LPVOID session) {
 }
 
 WinUsbSession::Command WinUsbSession::TakeCommand() {
-    // Work is waited for by looking for it all the time. A caller that sets a command owes nobody a signal, so the
-    // event is the replies' alone. At the lower priority the looking leaves the processor to whoever has work.
+    // Work is waited for by looking for it all the time: a caller that sets a command owes nobody a signal, so that the
+    // event is the replies' alone. The lower priority leaves the processor to whoever has work; where the system knows
+    // no priorities, as Wine does not, giving up the rest of the turn does. Neither is a wait.
     SetThreadPriority(GetCurrentThread(), THREAD_PRIORITY_BELOW_NORMAL);
     INT32 command = NothingPending;
     while (command == NothingPending) {
+        SwitchToThread();
         const CSingleLock lock(&s_commandLock, TRUE);
         command = std::exchange(m_pendingCommand, NothingPending);
     }

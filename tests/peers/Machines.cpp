@@ -46,14 +46,13 @@ std::string End::Line(const Words& words) {
     return line;
 }
 
-LinkMachines::LinkMachines() {
-    const std::wstring portFile = Variable(L"USB_LINK_PORT_FILE");
-    if (portFile.empty()) throw std::runtime_error("started without the other machine: use scripts/two-machines");
-    WritePort(portFile, m_listener.Port());
-    StartEnds(portFile);
+LinkMachines::LinkMachines() : m_portFile(Variable(L"USB_LINK_PORT_FILE")) {
+    if (m_portFile.empty()) throw std::runtime_error("started without the other machine: use scripts/two-machines");
+    WritePort(m_portFile, m_listener.Port());
 }
 
 End LinkMachines::Take(const std::string& name) {
+    if (name == "A" && !std::exchange(m_isStarted, true)) StartEnds(m_portFile);
     auto& work = m_waiting[name + " work"];
     auto& watch = m_waiting[name + " watch"];
     while (work.empty() || watch.empty()) {

@@ -47,15 +47,17 @@ private:
 
 class LinkMachines {
 public:
-    // Starts this machine's ends, "A", and tells the other, "B", where to connect to by the file that the environment
-    // variable USB_LINK_PORT_FILE names. Ends when the process does.
+    // Tells the other machine, "B", where to connect to, by the file that the environment variable USB_LINK_PORT_FILE
+    // names. The ends of this one, "A", are started when the first is wanted. They end when the process does.
     LinkMachines();
 
     // A fresh process of that machine; throws std::runtime_error if none comes.
     End Take(const std::string& name);
 
 private:
+    const std::wstring m_portFile;
     LinkSocket m_listener = LinkSocket::Listen();
+    bool m_isStarted = false;
     std::map<std::string, std::deque<LinkSocket>> m_waiting;  // by greeting
 };
 

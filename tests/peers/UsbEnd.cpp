@@ -11,6 +11,7 @@
 #include <thread>
 
 #include "helpers/Encodings.h"
+#include "peers/BareLink.h"
 #include "peers/EndWitness.h"
 #include "peers/EndWords.h"
 #include "peers/LinkSocket.h"
@@ -47,7 +48,7 @@ public:
             {"connect", &End::Connect}, {"exists", &End::Exists}, {"space", &End::Space},
             {"open", &End::Open},       {"write", &End::Write},   {"read", &End::Read},
             {"seek", &End::Seek},       {"close", &End::Close},   {"finish", &End::Finish},
-            {"end", &End::EndSession}};
+            {"end", &End::EndSession},  {"bare", &End::Bare}};
         const auto verb = kVerbs.find(words[0]);
         return verb != kVerbs.end() ? (this->*verb->second)(words) : "no such verb";
     }
@@ -84,9 +85,7 @@ private:
     // With "greet" by handshake. Answers the result and the device's text, which tells where to connect to.
     std::string Connect(const Words& words) {
         const DWORD result = m_session.Connect(m_device, words[1] == "greet");
-        char text[64] = {};
-        CFile(m_device, CFile::modeRead | CFile::shareDenyNone).Read(text, sizeof(text) - 1);
-        return Number(result) + " " + text;
+        return Number(result) + " " + TextOf(m_device);
     }
     std::string Exists(const Words& words) { return Number(m_session.DoesDirectoryExist(Wide(words[1]))); }
     std::string Space(const Words&) { return Number(m_session.DriveFreeSpace()); }
@@ -139,6 +138,25 @@ private:
     std::string EndSession(const Words&) {
         m_session.CloseSession();
         return "ok";
+    }
+
+    // Serves a bare link beside the session, on a file of its own. Answers the device's text.
+    std::string Bare(const Words& words) {
+        const CString session = m_device;
+        Device({"", "listen"});
+        const CString device = m_device + L"-bare";
+        MoveFileExW(m_device, device, MOVEFILE_REPLACE_EXISTING);
+        m_device = session;
+        auto* const link = new BareLink(device.GetString());
+        const HANDLE file = CreateFileW(Wide(words[1]), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                                        CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+        std::thread([=] { link->Serve(file); }).detach();
+        return TextOf(device);
+    }
+    static std::string TextOf(const CString& file) {
+        char text[64] = {};
+        CFile(file, CFile::modeRead | CFile::shareDenyNone).Read(text, sizeof(text) - 1);
+        return text;
     }
 
     EndWitness& m_witness;
