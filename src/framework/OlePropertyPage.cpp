@@ -1,0 +1,3 @@
+#include "framework/OlePropertyPage.h"
+
+IMPLEMENT_DYNAMIC(COlePropertyPage, CDialog)
