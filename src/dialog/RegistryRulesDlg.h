@@ -9,6 +9,7 @@
 #include <afxdialogex.h>
 #include <afxwin.h>
 
+#include "controls/AnchorLayout.h"
 #include "controls/ComboListCtrl.h"
 #include "controls/RegistryTree.h"
 #include "entry/ColorEdit.h"
@@ -159,6 +160,7 @@ private:
     CButton m_deleteButton;
     CComboListCtrl m_ruleList;
     CRegistryTree m_registryTree;
+    CAnchorLayout m_anchorLayout;  // attached to nothing, as the frame is fixed
 
     CString m_newKey;
     CString m_newType;
