@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 #include <string>
 
-#include "registry/Thrown.h"
 #include "support/FreshProcess.h"
 #include "support/ImportPatch.h"
 #include "support/ScopedPreinstallation.h"
@@ -89,17 +88,6 @@ TEST(ExpandPath, OnABootImageTheTargetsRootComesFirst) {
         EXPECT_EQ(ExpandPath(L"%SystemDrive%%PvValue%"), L"Q:v");
         EXPECT_EQ(ExpandPath(L"%SYSTEMroot%\\x"), L"C:\\windows\\x") << "a spelling that only the environment knows";
         EXPECT_EQ(watched.Calls(), 4);
-    });
-}
-
-TEST(ExpandPath, ABootImageWithoutATargetThrowsOnlyForVariables) {
-    EXPECT_IN_FRESH_PROCESS([] {
-        const ScopedPreinstallation machine;
-        HiveBuilder empty;
-        empty.AddKey(L"x");
-        machine.Mount(L"OS_SOFTWARE", machine.Install(L'D', L"SOFTWARE", empty));
-        EXPECT_EQ(ExpandPath(L"C:\\plain"), L"C:\\plain");
-        EXPECT_EQ(StatusThrownBy([] { ExpandPath(L"%SystemRoot%"); }), 2u);
     });
 }
 

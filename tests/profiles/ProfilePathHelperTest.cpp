@@ -60,6 +60,12 @@ TEST(UserProfilePath, TheCentralCopyWinsUnlessAPolicyKeepsProfilesLocal) {
     EXPECT_EQ(StatusThrownBy([] { UserPath(); }), DWORD{ERROR_INVALID_DATATYPE});
 }
 
+TEST(UserProfilePath, TheCurrentUsersIsThatOfTheEnvironment) {
+    wchar_t profile[MAX_PATH] = {};
+    GetEnvironmentVariableW(L"USERPROFILE", profile, MAX_PATH);
+    EXPECT_EQ(CProfilePathHelper::GetCurrentProfilePath().CompareNoCase(profile), 0);
+}
+
 TEST(UserProfilePath, AUserWhoIsNotListedHasConfiguredPathsOrAGuess) {
     const ScopedRegistryPlace list(HKEY_LOCAL_MACHINE, kProfileList);
     EXPECT_EQ(StatusThrownBy([] { LocalPath(); }), DWORD{ERROR_FILE_NOT_FOUND});
@@ -77,32 +83,14 @@ TEST(UserProfilePath, AUserWhoIsNotListedHasConfiguredPathsOrAGuess) {
 
 TEST(UserProfilePath, HostileProfileValues) {
     ScopedRegistryPlace profile(HKEY_LOCAL_MACHINE, kProfileList + L"\\" + kSid);
-    struct Case {
-        DWORD type;
-        std::string bytes;
-        LPCWSTR expected;  // null: ERROR_INVALID_DATATYPE
-    };
-    const Case cases[] = {
-        {REG_DWORD, std::string("\1\0\0\0", 4), nullptr},
-        {REG_MULTI_SZ, std::string("C\0:\0\0\0\0\0", 8), nullptr},
-        {REG_SZ, std::string(), L""},
-        {REG_SZ, std::string("C", 1), L"C"},                // half a character
-        {REG_SZ, std::string("C\0:\0", 4), L"C:"},          // no terminator
-        {REG_SZ, std::string("C\0:\0\\", 5), L"C:\\"},      // neither, and odd
-        {REG_SZ, std::string("C\0\0\0:\0\0\0", 8), L"C"},   // the text ends at its first zero
-        {REG_SZ, std::string("%\0A\0%\0\0\0", 8), L"%A%"},  // names a variable that is not set
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(testing::Message() << "type " << c.type << ", " << testing::PrintToString(c.bytes));
-        profile.SetData(L"ProfileImagePath", c.type, c.bytes.data(), c.bytes.size());
-        if (c.expected == nullptr) {
-            EXPECT_EQ(StatusThrownBy([] { UserPath(); }), DWORD{ERROR_INVALID_DATATYPE});
-            EXPECT_EQ(StatusThrownBy([] { LocalPath(); }), DWORD{ERROR_INVALID_DATATYPE});
-        } else {
-            EXPECT_EQ(UserPath(), c.expected);
-            EXPECT_EQ(LocalPath(), c.expected);
-        }
-    }
+    const BYTE oddUnterminated[] = {'C', 0, ':', 0, '\\'};
+    profile.SetData(L"ProfileImagePath", REG_SZ, oddUnterminated, sizeof(oddUnterminated));
+    EXPECT_EQ(UserPath(), L"C:\\");
+    profile.SetData(L"ProfileImagePath", REG_SZ, nullptr, 0);
+    EXPECT_EQ(LocalPath(), L"");
+    profile.SetNumber(L"ProfileImagePath", 1);
+    EXPECT_EQ(StatusThrownBy([] { UserPath(); }), DWORD{ERROR_INVALID_DATATYPE});
+    EXPECT_EQ(StatusThrownBy([] { LocalPath(); }), DWORD{ERROR_INVALID_DATATYPE});
 }
 
 TEST(ProfileRegistryValue, GivesAStatusForWhatIsNoText) {
@@ -145,32 +133,6 @@ TEST(ProfileRegistryValue, GivesAStatusForWhatIsNoText) {
                              L"Registry value for 80000002\\" + kProfileList + L"\\Public is C:\\users\\Public"));
 }
 
-TEST(ProfileFolders, AreKeptOnceTheyAreKnown) {
-    EXPECT_IN_FRESH_PROCESS([] {
-        ScopedRegistryPlace list(HKEY_LOCAL_MACHINE, kProfileList);
-        const LogCapture log;
-        list.Remove(L"Default");
-        list.Remove(L"Public");
-        EXPECT_EQ(CProfilePathHelper::GetDefaultUserProfilePath(), L"C:\\Users\\Default");
-        EXPECT_TRUE(
-            log.Contains(LogLevel::Informational, L"Failed to read default user profile path, using default default"));
-        EXPECT_EQ(CProfilePathHelper::GetPublicProfilePath(), L"");
-        EXPECT_TRUE(CProfilePathHelper::IsUnderPublicProfile(L"x")) << "what is not known is everywhere";
-        list.SetText(L"Default", L"D:\\too late");
-        list.SetText(L"Public", L"C:\\users\\Public\\");
-        EXPECT_EQ(CProfilePathHelper::GetDefaultUserProfilePath(), L"C:\\Users\\Default");
-        EXPECT_EQ(CProfilePathHelper::GetPublicProfilePath(), L"C:\\users\\Public\\");
-        list.SetText(L"Public", L"D:\\too late");
-        EXPECT_TRUE(CProfilePathHelper::IsUnderPublicProfile(L"c:\\USERS\\public"));
-        EXPECT_FALSE(CProfilePathHelper::IsUnderPublicProfile(L"c:\\USERS\\publication"));
-        EXPECT_TRUE(CProfilePathHelper::IsUnderProfilesDirectory(L"d:\\backup\\c:\\users\\x"));
-        EXPECT_FALSE(CProfilePathHelper::IsUnderProfilesDirectory(L"d:\\users\\x"));
-        wchar_t profile[MAX_PATH] = {};
-        GetEnvironmentVariableW(L"USERPROFILE", profile, MAX_PATH);
-        EXPECT_EQ(CProfilePathHelper::GetCurrentProfilePath().CompareNoCase(profile), 0);
-    });
-}
-
 TEST(ProfilePathSuffix, OnWindows8TheServiceHasASetting) {
     EXPECT_IN_FRESH_PROCESS([] {
         const Windows8 version;
@@ -190,7 +152,7 @@ TEST(ProfilePathSuffix, OnWindows8TheServiceHasASetting) {
     });
 }
 
-TEST(ProfilesOnAPreinstallationBoot, AreTheInstalledSystems) {
+TEST(ProfilesOnAPreinstallationBoot, AreTheInstalledSystemsAndKeptOnceTheyAreKnown) {
     EXPECT_IN_FRESH_PROCESS([] {
         const ScopedPreinstallation machine;
         HiveBuilder software;
@@ -203,16 +165,31 @@ TEST(ProfilesOnAPreinstallationBoot, AreTheInstalledSystems) {
         software.SetText(L"Wow6432Node\\Microsoft\\Windows\\CurrentVersion", L"ProgramFilesDir (x86)", L"Q:\\P");
         HiveBuilder system;
         system.SetNumber(L"Select", L"Current", 2);
-        system.SetText(L"ControlSet002\\Services\\ProfSvc\\Parameters", L"UseProfilePathExtensionVersion",
-                       L"no number");
+        system.SetText(L"ControlSet002\\Services\\ProfSvc\\Parameters", L"UseProfilePathExtensionVersion", L"text");
         machine.Mount(L"OS_SOFTWARE", machine.Install(L'D', L"SOFTWARE", software));
         machine.Mount(L"OS_SYSTEM", machine.Install(L'D', L"SYSTEM", system));
+        ScopedRegistryPlace mounted(HKEY_LOCAL_MACHINE, L"OS_SOFTWARE\\" + list);
         const LogCapture log;
-        EXPECT_EQ(UserPath(), L"Q:\\Users\\ann");
-        EXPECT_EQ(CProfilePathHelper::GetDefaultUserProfilePath(), L"Q:\\Users\\Default");
-        EXPECT_EQ(CProfilePathHelper::GetUserProfilePath(L"S-1-5-21-9", L"DOMAIN\\bob"), L"Q:\\Users\\bob");
+        const CString defaultProfile = CProfilePathHelper::GetDefaultUserProfilePath();
+        EXPECT_EQ(defaultProfile, L"Q:\\Users\\Default");
+        EXPECT_TRUE(
+            log.Contains(LogLevel::Informational, L"Failed to read default user profile path, using default default"));
         EXPECT_TRUE(log.Contains(LogLevel::Verbose, L"KEY_WOW64_64KEY added to Key in PE"));
+        EXPECT_EQ(UserPath(), L"Q:\\Users\\ann");
+        EXPECT_EQ(CProfilePathHelper::GetUserProfilePath(L"S-1-5-21-9", L"DOMAIN\\bob"), L"Q:\\Users\\bob");
         EXPECT_EQ(StatusThrownBy([] { CProfilePathHelper::GetProfilePathExtension(); }), DWORD{ERROR_INVALID_DATATYPE})
             << "the setting of the installed system's control set is read";
+
+        EXPECT_EQ(CProfilePathHelper::GetPublicProfilePath(), L"");
+        EXPECT_TRUE(CProfilePathHelper::IsUnderPublicProfile(L"x")) << "what is not known is everywhere";
+        mounted.SetText(L"Default", L"D:\\too late");
+        mounted.SetText(L"Public", L"Q:\\Users\\Public\\");
+        EXPECT_EQ(CProfilePathHelper::GetDefaultUserProfilePath(), defaultProfile);
+        EXPECT_EQ(CProfilePathHelper::GetPublicProfilePath(), L"Q:\\Users\\Public\\");
+        mounted.SetText(L"Public", L"D:\\too late");
+        EXPECT_TRUE(CProfilePathHelper::IsUnderPublicProfile(L"q:\\USERS\\public"));
+        EXPECT_FALSE(CProfilePathHelper::IsUnderPublicProfile(L"q:\\USERS\\publication"));
+        EXPECT_TRUE(CProfilePathHelper::IsUnderProfilesDirectory(L"d:\\backup\\q:\\users\\x"));
+        EXPECT_FALSE(CProfilePathHelper::IsUnderProfilesDirectory(L"d:\\users\\x"));
     });
 }

@@ -72,6 +72,17 @@ std::map<std::wstring, std::wstring> RegQuery(const std::wstring& path) {
     return values;
 }
 
+using Values = std::vector<std::pair<std::wstring, std::wstring>>;
+
+// Names and texts of the values that both keys of the user must hold, in the order in which they were set.
+void ExpectWritten(const Values& expected, const std::vector<std::wstring>& order) {
+    const std::map<std::wstring, std::wstring> byName(expected.begin(), expected.end());
+    EXPECT_EQ(RegQuery(kSid + kUserFolders), byName);
+    EXPECT_EQ(RegQuery(kSid + kFolders), byName);
+    ASSERT_EQ(order.size(), 2 * expected.size());
+    for (size_t i = 0; i < order.size(); ++i) EXPECT_EQ(order[i], expected[i % expected.size()].first) << i;
+}
+
 // The names of the values that are set, in order.
 class WriteWatch {
 public:
@@ -164,7 +175,7 @@ TEST_F(ShellFolderPaths, WritesTheClassicSetBelowABase) {
     const ScopedRegistryPlace user(HKEY_USERS, kSid);
     const WriteWatch watch;
     CShellFolderPathHelper::WriteVistaAndLaterShellFoldersAt(kSid.c_str(), L"D:\\Base");
-    const std::map<std::wstring, std::wstring> expected = {
+    const Values expected = {
         {kContacts, L"D:\\Base\\Contacts"},
         {L"Administrative Tools", L"D:\\Base\\Start Menu\\Programs\\Administrative Tools"},
         {kSearches, L"D:\\Base\\Searches"},
@@ -180,13 +191,7 @@ TEST_F(ShellFolderPaths, WritesTheClassicSetBelowABase) {
         {L"Start Menu", L"D:\\Base\\Start Menu"},
         {L"Startup", L"D:\\Base\\Start Menu\\Programs\\Startup"},
     };
-    EXPECT_EQ(RegQuery(kSid + kUserFolders), expected);
-    EXPECT_EQ(RegQuery(kSid + kFolders), expected);
-    ASSERT_EQ(watch.Names().size(), 28u);
-    const std::vector<std::wstring> first(watch.Names().begin(), watch.Names().begin() + 14);
-    EXPECT_EQ(first, (std::vector<std::wstring>{kContacts, L"Administrative Tools", kSearches, kLinks, L"AppData",
-                                                L"Desktop", L"Favorites", L"My Music", L"My Pictures", L"My Video",
-                                                L"Personal", L"Programs", L"Start Menu", L"Startup"}));
+    ExpectWritten(expected, watch.Names());
 }
 
 TEST_F(ShellFolderPaths, WritesARedirectedUsersKnownFolders) {
@@ -199,7 +204,7 @@ TEST_F(ShellFolderPaths, WritesARedirectedUsersKnownFolders) {
     ann.WriteRedirectedFolderValues();
     const std::wstring profile = L"C:\\Users\\ann\\";
     const std::wstring menu = profile + L"AppData\\Roaming\\Microsoft\\Windows\\Start Menu";
-    const std::map<std::wstring, std::wstring> expected = {
+    const Values expected = {
         {L"AppData", profile + L"AppData\\Roaming"},
         {L"Desktop", profile + L"Desktop"},
         {L"My Pictures", profile + L"Pictures"},
@@ -215,13 +220,7 @@ TEST_F(ShellFolderPaths, WritesARedirectedUsersKnownFolders) {
         {L"My Music", profile + L"Music"},
         {L"My Video", L"D:\\Video"},
     };
-    EXPECT_EQ(RegQuery(kSid + kUserFolders), expected);
-    EXPECT_EQ(RegQuery(kSid + kFolders), expected);
-    ASSERT_EQ(watch.Names().size(), 28u);
-    const std::vector<std::wstring> first(watch.Names().begin(), watch.Names().begin() + 14);
-    EXPECT_EQ(first, (std::vector<std::wstring>{L"AppData", L"Desktop", L"My Pictures", L"Personal", L"Programs",
-                                                L"Start Menu", L"Startup", kContacts, L"Administrative Tools",
-                                                kSearches, kLinks, L"Favorites", L"My Music", L"My Video"}));
+    ExpectWritten(expected, watch.Names());
     EXPECT_TRUE(log.Contains(LogLevel::Verbose, L"Set value My Video to D:\\Video"));
 }
 
