@@ -15,7 +15,7 @@ public:
     LinkSocket() = default;
     explicit LinkSocket(SOCKET socket) : m_socket(socket) {}
     LinkSocket(LinkSocket&& other) noexcept : m_socket(std::exchange(other.m_socket, INVALID_SOCKET)) {}
-    LinkSocket& operator=(LinkSocket&& other) noexcept {
+    LinkSocket& operator=(LinkSocket other) noexcept {
         std::swap(m_socket, other.m_socket);
         return *this;
     }

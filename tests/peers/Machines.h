@@ -14,7 +14,7 @@
 #include "peers/EndWords.h"
 #include "peers/LinkSocket.h"
 
-constexpr DWORD kEndMilliseconds = 30000;
+constexpr DWORD kEndMilliseconds = 100000;
 
 class End {
 public:

@@ -1,4 +1,5 @@
-// Two fresh ends on two machines with a hub between them, and a folder that both and the test see.
+// What tests of the USB link share: a folder that both machines and the test see, bytes as text, and the test itself as
+// the other end.
 #pragma once
 
 #include <filesystem>
@@ -6,41 +7,76 @@
 #include <gtest/gtest.h>
 #include <iterator>
 #include <string>
+#include <string_view>
 
-#include "peers/LinkHub.h"
 #include "peers/Machines.h"
 
-class UsbLink : public testing::Test {
-protected:
-    UsbLink() : a(Machines().Take("A")), b(Machines().Take("B")) {
-        const std::filesystem::path shared = _wgetenv(L"USB_LINK_FOLDER");
-        m_folder = shared / testing::UnitTest::GetInstance()->current_test_info()->name();
-        std::filesystem::create_directory(m_folder);
-        a.Do({"device", hub.DeviceText(0)});
-        b.Do({"device", hub.DeviceText(1)});
+inline std::string ToHex(std::string_view bytes) {
+    std::string hex;
+    for (const char byte : bytes) {
+        char digits[3];
+        std::snprintf(digits, sizeof(digits), "%02x", static_cast<unsigned char>(byte));
+        hex += digits;
     }
-    ~UsbLink() override {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_folder, ignored);
-    }
+    return hex;
+}
 
-    // Both ends connect, B without a word and A by greeting it.
-    void Connect() {
-        a.Do({"base", InFolder("a")});
-        b.Do({"base", InFolder("b")});
-        ASSERT_EQ(b.Do({"connect", "wait"}).substr(0, 2), "0 ");
-        ASSERT_EQ(a.Do({"connect", "greet"}).substr(0, 2), "0 ");
+// Blanks may stand between the bytes.
+inline std::string FromHex(std::string_view hex) {
+    std::string bytes;
+    for (size_t i = 0; i + 1 < hex.size(); i += hex[i] == ' ' ? 1 : 2) {
+        if (hex[i] != ' ') bytes += static_cast<char>(std::stoi(std::string(hex.substr(i, 2)), nullptr, 16));
     }
-    std::string InFolder(const std::string& name) const { return (m_folder / name).string(); }
+    return bytes;
+}
+
+// One for each test, removed with what is in it.
+class SharedFolder {
+public:
+    SharedFolder() {
+        const std::filesystem::path shared = _wgetenv(L"USB_LINK_FOLDER");
+        m_path = shared / testing::UnitTest::GetInstance()->current_test_info()->name();
+        std::filesystem::create_directory(m_path);
+    }
+    ~SharedFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(m_path, ignored);
+    }
+    SharedFolder(const SharedFolder&) = delete;
+    SharedFolder& operator=(const SharedFolder&) = delete;
+
+    std::string Path(const std::string& name) const { return (m_path / name).make_preferred().string(); }
     std::string BytesOf(const std::string& name) const {
-        std::ifstream stream(m_folder / name, std::ios::binary);
+        std::ifstream stream(m_path / name, std::ios::binary);
         return {std::istreambuf_iterator<char>(stream), {}};
     }
 
-    LinkHub hub;  // A is end 0
-    End a;
-    End b;
+private:
+    std::filesystem::path m_path;
+};
+
+// The test as the peer of an end, byte by byte.
+class RawPeer {
+public:
+    std::string DeviceText() const { return "port " + std::to_string(m_listener.Port()); }
+    void Accept() { m_link = m_listener.Accept(kEndMilliseconds); }
+    void Send(std::string_view hex) {
+        const std::string bytes = FromHex(hex);
+        m_link.SendAll(bytes.data(), bytes.size());
+    }
+    // The bytes that come next.
+    std::string Receive(size_t bytes) {
+        std::string got(bytes, '\0');
+        EXPECT_TRUE(m_link.ReceiveAll(got.data(), bytes, kEndMilliseconds));
+        return ToHex(got);
+    }
+    void Expect(std::string_view hex) {
+        const std::string bytes = FromHex(hex);
+        EXPECT_EQ(Receive(bytes.size()), ToHex(bytes)) << hex;
+    }
+    void Cut() { m_link = LinkSocket(); }
 
 private:
-    std::filesystem::path m_folder;
+    LinkSocket m_listener = LinkSocket::Listen();
+    LinkSocket m_link;
 };

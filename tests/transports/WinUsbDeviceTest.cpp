@@ -19,7 +19,9 @@ namespace {
 struct FakeLibrary {
     std::vector<WINUSB_PIPE_INFORMATION> pipes = {{UsbdPipeTypeBulk, 0x02, 512, 0}, {UsbdPipeTypeBulk, 0x81, 512, 0}};
     std::string missing;
-    DWORD error = 0;      // of WinUsb_Initialize and WinUsb_WritePipe
+    DWORD error = 0;       // of WinUsb_Initialize
+    DWORD writeError = 0;  // of WinUsb_WritePipe
+    bool readsBlock = false;
     int failedReads = 0;  // so many come first
     bool hasSettings = true;
     std::string incoming;
@@ -28,9 +30,9 @@ struct FakeLibrary {
 };
 FakeLibrary s_library;
 
-BOOL Answer(bool succeeded) {
-    if (!succeeded) SetLastError(s_library.error);
-    return succeeded;
+BOOL Answer(DWORD error) {
+    SetLastError(error);
+    return error == 0;
 }
 
 void Note(const char* call, UCHAR pipe) {
@@ -41,7 +43,7 @@ void Note(const char* call, UCHAR pipe) {
 
 BOOL WINAPI Initialize(HANDLE, PWINUSB_INTERFACE_HANDLE handle) {
     *handle = &s_library;
-    return Answer(s_library.error == 0);
+    return Answer(s_library.error);
 }
 BOOL WINAPI QueryDevice(WINUSB_INTERFACE_HANDLE, ULONG, PULONG, PVOID) {
     return FALSE;
@@ -61,10 +63,11 @@ BOOL WINAPI ResetPipe(WINUSB_INTERFACE_HANDLE, UCHAR pipe) {
 BOOL WINAPI WritePipe(WINUSB_INTERFACE_HANDLE, UCHAR pipe, PUCHAR data, ULONG bytes, PULONG, LPOVERLAPPED) {
     Note("write", pipe);
     s_library.sent.append(reinterpret_cast<char*>(data), bytes);
-    return Answer(s_library.error == 0);
+    return Answer(s_library.writeError);
 }
 // Two bytes at a time, half of them by calls that fail.
 BOOL WINAPI ReadPipe(WINUSB_INTERFACE_HANDLE, UCHAR, PUCHAR buffer, ULONG bytes, PULONG got, LPOVERLAPPED) {
+    if (s_library.readsBlock) Sleep(INFINITE);
     *got = static_cast<ULONG>(std::min<size_t>({bytes, 2, s_library.incoming.size()}));
     std::memcpy(buffer, s_library.incoming.data(), *got);
     s_library.incoming.erase(0, *got);
@@ -176,7 +179,7 @@ TEST_F(WinUsbDeviceTest, SendsAFileAsOneTransferAndAnEmptyOneNotAtAll) {
     device->Close();
     EXPECT_EQ(s_library.calls, "write 02;flush 81;flush 02;free 00;");
     const LogCapture log;
-    s_library.error = ERROR_GEN_FAILURE;
+    s_library.writeError = ERROR_GEN_FAILURE;
     EXPECT_EQ(ErrorOfSending(*device), DWORD{ERROR_GEN_FAILURE});
     EXPECT_TRUE(log.Contains(LogLevel::Error, L"[WinUsbDevice::SendData] WinUsb_WritePipe failed! Error:31"));
 }
@@ -248,4 +251,16 @@ TEST_F(WinUsbDeviceTest, AMissingFunctionIsAMissingLibrary) {
         device.FlushPipes();
     }
     EXPECT_EQ(s_library.calls, "");
+}
+
+TEST_F(WinUsbDeviceTest, AGreetingThatCannotBeSentMakesNoSession) {
+    s_library.writeError = ERROR_GEN_FAILURE;
+    s_library.readsBlock = true;
+    const LogCapture log;
+    WinUsbSession session;
+    EXPECT_EQ(session.Connect(DevicePath(), true), DWORD{ERROR_PIPE_NOT_CONNECTED});
+    EXPECT_EQ(s_library.sent, std::string("\x33\x12\0\0", 4));
+    EXPECT_TRUE(log.Contains(LogLevel::Error, L"[WinUsbSession::SendDataToWinUsb] Send Error:31"));
+    EXPECT_EQ(session.OpenDataFile(L"a"), INVALID_HANDLE_VALUE);
+    session.CloseSession();
 }
