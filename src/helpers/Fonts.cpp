@@ -2,7 +2,7 @@
 
 #include <cwchar>
 
-#include "registry/WindowsVersion.h"  // upwards: the face depends on the target system
+#include "registry/WindowsVersion.h"
 
 namespace {
 

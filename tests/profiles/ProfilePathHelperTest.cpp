@@ -1,6 +1,7 @@
 // Profile paths over real registry keys, on a running system and on a preinstallation boot.
 #include "profiles/ProfilePathHelper.h"
 
+#include <filesystem>
 #include <gtest/gtest.h>
 
 #include "profiles/ProfileKeys.h"
@@ -166,10 +167,14 @@ TEST(ProfilesOnAPreinstallationBoot, AreTheInstalledSystemsAndKeptOnceTheyAreKno
         HiveBuilder system;
         system.SetNumber(L"Select", L"Current", 2);
         system.SetText(L"ControlSet002\\Services\\ProfSvc\\Parameters", L"UseProfilePathExtensionVersion", L"text");
-        machine.Mount(L"OS_SOFTWARE", machine.Install(L'D', L"SOFTWARE", software));
-        machine.Mount(L"OS_SYSTEM", machine.Install(L'D', L"SYSTEM", system));
-        ScopedRegistryPlace mounted(HKEY_LOCAL_MACHINE, L"OS_SOFTWARE\\" + list);
+        // The hives are copied to a drive that no rule for drive C rewrites, as a boot image does.
+        const std::filesystem::path copies = L"E:\\Profiles";
+        std::filesystem::create_directories(copies);
+        SetEnvironmentVariableW(L"TMP", copies.c_str());
+        machine.Install(L'D', L"SOFTWARE", software);
+        machine.Install(L'D', L"SYSTEM", system);
         const LogCapture log;
+        // The very first question, which also has the hives mounted.
         const CString defaultProfile = CProfilePathHelper::GetDefaultUserProfilePath();
         EXPECT_EQ(defaultProfile, L"Q:\\Users\\Default");
         EXPECT_TRUE(
@@ -182,6 +187,7 @@ TEST(ProfilesOnAPreinstallationBoot, AreTheInstalledSystemsAndKeptOnceTheyAreKno
 
         EXPECT_EQ(CProfilePathHelper::GetPublicProfilePath(), L"");
         EXPECT_TRUE(CProfilePathHelper::IsUnderPublicProfile(L"x")) << "what is not known is everywhere";
+        ScopedRegistryPlace mounted(HKEY_LOCAL_MACHINE, L"OS_SOFTWARE\\" + list);
         mounted.SetText(L"Default", L"D:\\too late");
         mounted.SetText(L"Public", L"Q:\\Users\\Public\\");
         EXPECT_EQ(CProfilePathHelper::GetDefaultUserProfilePath(), defaultProfile);
@@ -191,5 +197,7 @@ TEST(ProfilesOnAPreinstallationBoot, AreTheInstalledSystemsAndKeptOnceTheyAreKno
         EXPECT_FALSE(CProfilePathHelper::IsUnderPublicProfile(L"q:\\USERS\\publication"));
         EXPECT_TRUE(CProfilePathHelper::IsUnderProfilesDirectory(L"d:\\backup\\q:\\users\\x"));
         EXPECT_FALSE(CProfilePathHelper::IsUnderProfilesDirectory(L"d:\\users\\x"));
+        std::error_code ignored;
+        std::filesystem::remove_all(copies, ignored);
     });
 }
