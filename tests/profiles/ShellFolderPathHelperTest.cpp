@@ -4,13 +4,14 @@
 
 #include <cstdio>
 #include <gtest/gtest.h>
-#include <map>
+#include <set>
 
 #include "profiles/ProfileKeys.h"
 #include "registry/Thrown.h"
 #include "support/FreshProcess.h"
 #include "support/ImportPatch.h"
 #include "support/LogCapture.h"
+#include "support/Narrow.h"
 #include "support/ScopedPreinstallation.h"
 #include "support/ScopedRegistryPlace.h"
 
@@ -49,36 +50,31 @@ protected:
     ScopedRegistryPlace m_folders{HKEY_USERS, kSid + kFolders};
 };
 
-// The texts that "reg query" finds in a key under HKEY_USERS; empty for a value of another type than REG_SZ.
-std::map<std::wstring, std::wstring> RegQuery(const std::wstring& path) {
-    std::map<std::wstring, std::wstring> values;
-    const std::wstring command = L"reg query \"HKU\\" + path + L"\"";
-    std::FILE* output = _wpopen(command.c_str(), L"rt");
+using Values = std::vector<std::pair<std::wstring, std::wstring>>;
+
+// The lines on values that "reg query" prints for a key under HKEY_USERS.
+std::set<std::string> RegQuery(const std::wstring& path) {
+    std::set<std::string> lines;
+    std::FILE* output = _wpopen((L"reg query \"HKU\\" + path + L"\"").c_str(), L"rt");
     char line[2000];
     while (output != nullptr && std::fgets(line, sizeof(line), output) != nullptr) {
         const std::string text = line;
-        const auto name = text.find_first_not_of(' ');
-        const auto type = text.find("    REG_", name);
-        if (name != 4 || type == text.npos) continue;
-        const auto data = text.find("    ", type + 4);
-        const auto end = text.find_last_not_of("\r\n") + 1;
-        const bool isText = text.compare(type + 4, data - type - 4, "REG_SZ") == 0;
-        values[std::wstring(text.begin() + 4, text.begin() + static_cast<ptrdiff_t>(type))] =
-            isText ? std::wstring(text.begin() + static_cast<ptrdiff_t>(data) + 4,
-                                  text.begin() + static_cast<ptrdiff_t>(end))
-                   : std::wstring();
+        if (text.starts_with("    ")) lines.insert(text.substr(4, text.find_last_not_of("\r\n") - 3));
     }
     if (output != nullptr) _pclose(output);
-    return values;
+    return lines;
 }
 
-using Values = std::vector<std::pair<std::wstring, std::wstring>>;
+std::set<std::string> LinesOf(const Values& values) {
+    std::set<std::string> lines;
+    for (const auto& [name, text] : values) lines.insert(Narrow(name + L"    REG_SZ    " + text));
+    return lines;
+}
 
-// Names and texts of the values that both keys of the user must hold, in the order in which they were set.
+// Both keys of the user must hold exactly these values, and they were set in this order.
 void ExpectWritten(const Values& expected, const std::vector<std::wstring>& order) {
-    const std::map<std::wstring, std::wstring> byName(expected.begin(), expected.end());
-    EXPECT_EQ(RegQuery(kSid + kUserFolders), byName);
-    EXPECT_EQ(RegQuery(kSid + kFolders), byName);
+    EXPECT_EQ(RegQuery(kSid + kUserFolders), LinesOf(expected));
+    EXPECT_EQ(RegQuery(kSid + kFolders), LinesOf(expected));
     ASSERT_EQ(order.size(), 2 * expected.size());
     for (size_t i = 0; i < order.size(); ++i) EXPECT_EQ(order[i], expected[i % expected.size()].first) << i;
 }
@@ -160,11 +156,9 @@ TEST_F(ShellFolderPaths, AUserWithoutAHiveHasTheDefaultUsersFolders) {
 TEST_F(WithHive, HostileFolderValues) {
     const BYTE halfText[] = {'D', 0, ':', 0, '\\'};
     m_userFolders.SetData(L"Desktop", REG_EXPAND_SZ, halfText, sizeof(halfText));
-    m_userFolders.SetData(L"Recent", REG_SZ, nullptr, 0);
     m_userFolders.SetText(L"Cookies", L"%COOKIES%\\%USERPROFILE");
     CShellFolderPathHelper ann = Ann();
     EXPECT_EQ(ann.GetDesktop(), L"D:\\");
-    EXPECT_EQ(ann.GetRecent(), L"");
     EXPECT_EQ(ann.GetCookies(), L"%COOKIES%\\%USERPROFILE");
     m_userFolders.SetNumber(L"Desktop", 5);
     EXPECT_EQ(StatusThrownBy([] { Ann(); }), DWORD{ERROR_INVALID_DATATYPE});
@@ -175,23 +169,24 @@ TEST_F(ShellFolderPaths, WritesTheClassicSetBelowABase) {
     const ScopedRegistryPlace user(HKEY_USERS, kSid);
     const WriteWatch watch;
     CShellFolderPathHelper::WriteVistaAndLaterShellFoldersAt(kSid.c_str(), L"D:\\Base");
-    const Values expected = {
-        {kContacts, L"D:\\Base\\Contacts"},
-        {L"Administrative Tools", L"D:\\Base\\Start Menu\\Programs\\Administrative Tools"},
-        {kSearches, L"D:\\Base\\Searches"},
-        {kLinks, L"D:\\Base\\Links"},
-        {L"AppData", L"D:\\Base\\Application Data"},
-        {L"Desktop", L"D:\\Base\\Desktop"},
-        {L"Favorites", L"D:\\Base\\Favorites"},
-        {L"My Music", L"D:\\Base\\My Documents\\My Music"},
-        {L"My Pictures", L"D:\\Base\\My Documents\\My Pictures"},
-        {L"My Video", L"D:\\Base\\My Documents\\My Video"},
-        {L"Personal", L"D:\\Base\\My Documents"},
-        {L"Programs", L"D:\\Base\\Start Menu\\Programs"},
-        {L"Start Menu", L"D:\\Base\\Start Menu"},
-        {L"Startup", L"D:\\Base\\Start Menu\\Programs\\Startup"},
-    };
-    ExpectWritten(expected, watch.Names());
+    ExpectWritten(
+        {
+            {kContacts, L"D:\\Base\\Contacts"},
+            {L"Administrative Tools", L"D:\\Base\\Start Menu\\Programs\\Administrative Tools"},
+            {kSearches, L"D:\\Base\\Searches"},
+            {kLinks, L"D:\\Base\\Links"},
+            {L"AppData", L"D:\\Base\\Application Data"},
+            {L"Desktop", L"D:\\Base\\Desktop"},
+            {L"Favorites", L"D:\\Base\\Favorites"},
+            {L"My Music", L"D:\\Base\\My Documents\\My Music"},
+            {L"My Pictures", L"D:\\Base\\My Documents\\My Pictures"},
+            {L"My Video", L"D:\\Base\\My Documents\\My Video"},
+            {L"Personal", L"D:\\Base\\My Documents"},
+            {L"Programs", L"D:\\Base\\Start Menu\\Programs"},
+            {L"Start Menu", L"D:\\Base\\Start Menu"},
+            {L"Startup", L"D:\\Base\\Start Menu\\Programs\\Startup"},
+        },
+        watch.Names());
 }
 
 TEST_F(ShellFolderPaths, WritesARedirectedUsersKnownFolders) {
@@ -204,23 +199,24 @@ TEST_F(ShellFolderPaths, WritesARedirectedUsersKnownFolders) {
     ann.WriteRedirectedFolderValues();
     const std::wstring profile = L"C:\\Users\\ann\\";
     const std::wstring menu = profile + L"AppData\\Roaming\\Microsoft\\Windows\\Start Menu";
-    const Values expected = {
-        {L"AppData", profile + L"AppData\\Roaming"},
-        {L"Desktop", profile + L"Desktop"},
-        {L"My Pictures", profile + L"Pictures"},
-        {L"Personal", profile + L"Documents"},
-        {L"Programs", menu + L"\\Programs"},
-        {L"Start Menu", menu},
-        {L"Startup", menu + L"\\Programs\\StartUp"},
-        {kContacts, profile + L"Contacts"},
-        {L"Administrative Tools", menu + L"\\Programs\\Administrative Tools"},
-        {kSearches, profile + L"Searches"},
-        {kLinks, profile + L"Links"},
-        {L"Favorites", profile + L"Favorites"},
-        {L"My Music", profile + L"Music"},
-        {L"My Video", L"D:\\Video"},
-    };
-    ExpectWritten(expected, watch.Names());
+    ExpectWritten(
+        {
+            {L"AppData", profile + L"AppData\\Roaming"},
+            {L"Desktop", profile + L"Desktop"},
+            {L"My Pictures", profile + L"Pictures"},
+            {L"Personal", profile + L"Documents"},
+            {L"Programs", menu + L"\\Programs"},
+            {L"Start Menu", menu},
+            {L"Startup", menu + L"\\Programs\\StartUp"},
+            {kContacts, profile + L"Contacts"},
+            {L"Administrative Tools", menu + L"\\Programs\\Administrative Tools"},
+            {kSearches, profile + L"Searches"},
+            {kLinks, profile + L"Links"},
+            {L"Favorites", profile + L"Favorites"},
+            {L"My Music", profile + L"Music"},
+            {L"My Video", L"D:\\Video"},
+        },
+        watch.Names());
     EXPECT_TRUE(log.Contains(LogLevel::Verbose, L"Set value My Video to D:\\Video"));
 }
 
@@ -229,8 +225,7 @@ TEST_F(WithHive, AFolderThatIsNotKnownIsNotWritten) {
     const CShellFolderPathHelper ann = Ann();
     const LogCapture log;
     ann.WriteShellFolderValuesToRegistry((kSid + L"\\Other").c_str());
-    const std::map<std::wstring, std::wstring> expected = {{L"Desktop", L"C:\\Users\\ann\\Desktop"}};
-    EXPECT_EQ(RegQuery(kSid + L"\\Other"), expected);
+    EXPECT_EQ(RegQuery(kSid + L"\\Other"), LinesOf({{L"Desktop", L"C:\\Users\\ann\\Desktop"}}));
     EXPECT_TRUE(log.Contains(LogLevel::Verbose, L"Value Programs is empty"));
     EXPECT_FALSE(log.Contains(LogLevel::Verbose, L"Value Administrative Tools is empty"));
     RegDeleteKeyW(HKEY_USERS, (kSid + L"\\Other").c_str());
