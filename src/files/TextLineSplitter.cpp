@@ -1,5 +1,7 @@
 #include "files/TextLineSplitter.h"
 
+#include <utility>
+
 namespace {
 
 bool IsLineEnd(char byte) {
@@ -17,16 +19,14 @@ void TextLineSplitter::Add(std::string_view block) {
 
 std::optional<std::string_view> TextLineSplitter::Next() {
     const std::string_view pending = m_pending;
-    for (; m_scanned + 1 < pending.size(); ++m_scanned) {
-        const char byte = pending[m_scanned];
-        if (!IsLineEnd(byte)) continue;
-        const char following = pending[m_scanned + 1];
-        const size_t width = IsLineEnd(following) && following != byte ? 2 : 1;
-        const size_t start = m_lineStart;
-        m_lineStart = m_scanned + width;
-        const size_t end = m_keepLineEnds ? m_lineStart : m_scanned;
-        m_scanned = m_lineStart;
-        return pending.substr(start, end - start);
-    }
-    return std::nullopt;
+    // A local, because the compiler would store a member for every byte.
+    size_t end = m_scanned;
+    while (end + 1 < pending.size() && !IsLineEnd(pending[end])) ++end;
+    m_scanned = end;
+    if (end + 1 >= pending.size()) return std::nullopt;
+
+    const bool isPair = IsLineEnd(pending[end + 1]) && pending[end + 1] != pending[end];
+    m_scanned = end + (isPair ? 2 : 1);
+    const size_t start = std::exchange(m_lineStart, m_scanned);
+    return pending.substr(start, (m_keepLineEnds ? m_scanned : end) - start);
 }

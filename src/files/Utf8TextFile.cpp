@@ -1,8 +1,9 @@
 #include "files/Utf8TextFile.h"
 
+#include <algorithm>
 #include <cstring>
-
-#include "helpers/Encodings.h"
+#include <limits>
+#include <memory>
 
 IMPLEMENT_DYNAMIC(CUtf8TextFile, CCoreSocketFile)
 
@@ -23,10 +24,14 @@ BOOL CUtf8TextFile::Open(LPCWSTR name, UINT flags, CFileException* problem) {
 }
 
 void CUtf8TextFile::WriteString(const CString& text) {
-    if (text.IsEmpty()) return;
-    int bytes = 0;
-    const auto utf8 = WideToUtf8(text, false, bytes);
-    if (!utf8) AfxThrowMemoryException();
+    // No character takes more, so one call to the system does.
+    constexpr size_t kMostBytes = 3;
+    const auto capacity = static_cast<int>(
+        std::min<size_t>(kMostBytes * static_cast<size_t>(text.GetLength()), std::numeric_limits<int>::max()));
+    if (capacity == 0) return;
+    const auto utf8 = std::make_unique_for_overwrite<char[]>(static_cast<size_t>(capacity));
+    const int bytes = WideCharToMultiByte(CP_UTF8, 0, text, text.GetLength(), utf8.get(), capacity, nullptr, nullptr);
+    if (bytes <= 0) AfxThrowMemoryException();
     Write(utf8.get(), static_cast<UINT>(bytes));
 }
 

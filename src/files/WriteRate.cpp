@@ -3,6 +3,7 @@
 #include <afxmt.h>
 
 #include <algorithm>
+#include <atomic>
 #include <utility>
 
 namespace {
@@ -10,7 +11,8 @@ namespace {
 constexpr DWORD kWindowMs = 1000;
 
 CCriticalSection s_guard;
-DWORD s_bytesPerSecond = 0;
+// Also read without the lock, by every write.
+std::atomic<DWORD> s_bytesPerSecond = 0;
 DWORD s_bytesUsed = 0;
 LONGLONG s_windowStart = 0;
 LONGLONG s_counterFrequency = 0;
@@ -60,7 +62,6 @@ void SetWriteRate(DWORD kilobytesPerSecond) {
 }
 
 bool IsWriteRateLimited() {
-    const CSingleLock lock(&s_guard, TRUE);
     return s_bytesPerSecond != 0;
 }
 
@@ -70,14 +71,14 @@ bool AcquireWriteQuota(DWORD& remaining, DWORD& grant) {
     grant = 0;
     if (remaining == 0) return false;
     // The limit may have gone since the caller saw it.
-    if (s_bytesPerSecond == 0) {
+    const DWORD rate = s_bytesPerSecond;
+    if (rate == 0) {
         grant = std::exchange(remaining, 0);
         return true;
     }
     EnterWindow();
-    grant = std::min(remaining, s_bytesPerSecond - s_bytesUsed);
+    grant = std::min(remaining, rate - s_bytesUsed);
     remaining -= grant;
     s_bytesUsed += grant;
-
     return true;
 }
