@@ -42,9 +42,7 @@ void CollectMissing(const CString& path, const CString& root, CStringList& missi
 }
 
 bool CreateOne(const CString& directory, const CString& path) {
-    CString usable = directory;
-    LongPath::ApplyOfflineDriveRule(usable);
-    if (CreateDirectoryW(CPathHelper::MakeLongPath(usable), nullptr)) return true;
+    if (CreateDirectoryW(LongPath::ForSystemCall(directory), nullptr)) return true;
     const DWORD error = GetLastError();
     if (error == ERROR_ALREADY_EXISTS) return true;
     Logger().LogErrorMessageFormat(
@@ -79,7 +77,7 @@ void CPathHelper::MoveFile(const CString& original, const CString& destination) 
 }
 
 bool CPathHelper::DeleteDirectory(const CString& path, bool recursive) {
-    if (!recursive) return RemoveDirectoryW(path) != FALSE;
+    if (!recursive) return RemoveDirectoryW(MakeLongPath(path)) != FALSE;
     CString from = path;
     from.AppendChar(L'\0');  // a list of paths, which ends in two zeros
     SHFILEOPSTRUCTW operation{};

@@ -17,12 +17,6 @@ CString WithPrefix(CString path) {
     return path;
 }
 
-CString Usable(const CString& path) {
-    CString working = path;
-    ApplyOfflineDriveRule(working);
-    return WithPrefix(std::move(working));
-}
-
 // Backup semantics let directories open too.
 UniqueHandle OpenForReading(const CString& path) {
     return MakeUniqueHandle(
@@ -51,31 +45,37 @@ void ApplyOfflineDriveRule(CString& path) {
     if (const WCHAR drive = FindOfflineWindowsDrive()) path.SetAt(0, drive);
 }
 
+CString ForSystemCall(const CString& path) {
+    CString working = path;
+    ApplyOfflineDriveRule(working);
+    return WithPrefix(std::move(working));
+}
+
 DWORD GetFileAttributes(const CString& path) {
-    return ::GetFileAttributesW(Usable(path));
+    return ::GetFileAttributesW(ForSystemCall(path));
 }
 
 BOOL GetFileAttributesEx(const CString& path, GET_FILEEX_INFO_LEVELS level, void* data) {
-    return ::GetFileAttributesExW(Usable(path), level, data);
+    return ::GetFileAttributesExW(ForSystemCall(path), level, data);
 }
 
 BOOL SetFileAttributes(const CString& path, DWORD attributes) {
-    return ::SetFileAttributesW(Usable(path), attributes);
+    return ::SetFileAttributesW(ForSystemCall(path), attributes);
 }
 
 HANDLE CreateFile(const CString& path, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security, DWORD disposition,
                   DWORD flags) {
-    return ::CreateFileW(Usable(path), access, share, security, disposition, flags, nullptr);
+    return ::CreateFileW(ForSystemCall(path), access, share, security, disposition, flags, nullptr);
 }
 
 BOOL CopyFile(const CString& source, const CString& target, bool failIfExists) {
-    const CString from = Usable(source);
-    return ::CopyFileW(from, Usable(target), failIfExists);
+    const CString from = ForSystemCall(source);
+    return ::CopyFileW(from, ForSystemCall(target), failIfExists);
 }
 
 BOOL MoveFile(const CString& source, const CString& target) {
-    const CString from = Usable(source);
-    return ::MoveFileExW(from, Usable(target), kMoveFlags);
+    const CString from = ForSystemCall(source);
+    return ::MoveFileExW(from, ForSystemCall(target), kMoveFlags);
 }
 
 bool ReplaceFile(const CString& source, const CString& target) {
@@ -91,7 +91,7 @@ bool ReplaceFile(const CString& source, const CString& target) {
 
 int FileAccess(const CString& path) {
     constexpr int kExistence = 0;
-    return _waccess(Usable(path), kExistence);
+    return _waccess(ForSystemCall(path), kExistence);
 }
 
 BOOL DeleteFile(const CString& path) {

@@ -19,6 +19,8 @@ namespace LongPath {
 // On a preinstallation boot puts the installed system's drive in place of a first character C or c. Without an
 // installed system the path stays as it is.
 void ApplyOfflineDriveRule(CString& path);
+// The path as it goes to the system after both rules, for callers with calls of their own.
+CString ForSystemCall(const CString& path);
 
 DWORD GetFileAttributes(const CString& path);
 BOOL GetFileAttributesEx(const CString& path, GET_FILEEX_INFO_LEVELS level, void* data);

@@ -75,7 +75,7 @@ public:
     // Makes `destination` a directory, copies `original` onto it and deletes `original`, whatever became of the copy;
     // nothing is deleted when the directory cannot be made. For callers who know that this is what they want.
     static void MoveFile(const CString& original, const CString& destination);
-    // The path goes to the system as it is, drive C and length included. Without `recursive` the directory must be
-    // empty; with it the path needs the length of the classic limit and no prefix.
+    // Drive C stays. Without `recursive` the directory must be empty; with it the path goes to the shell as it is,
+    // which takes neither long paths nor the prefix.
     static bool DeleteDirectory(const CString& path, bool recursive);
 };

@@ -22,6 +22,16 @@ CAtlTransactionManager::~CAtlTransactionManager() {
     if (m_hTransaction) CloseHandle(m_hTransaction);
 }
 
+HANDLE CAtlTransactionManager::FindFirstFile(LPCWSTR pattern, LPWIN32_FIND_DATAW data) {
+    if (!m_hTransaction && m_bFallback) return ::FindFirstFileW(pattern, data);
+    const auto find = FindIn<decltype(&::FindFirstFileTransactedW)>(L"kernel32.dll", "FindFirstFileTransactedW");
+    if (!m_hTransaction || !find) {
+        SetLastError(ERROR_INVALID_FUNCTION);
+        return INVALID_HANDLE_VALUE;
+    }
+    return find(pattern, FindExInfoStandard, data, FindExSearchNameMatch, nullptr, 0, m_hTransaction);
+}
+
 LSTATUS CAtlTransactionManager::RegOpenKeyEx(HKEY key, LPCWSTR subKey, DWORD options, REGSAM access, PHKEY result) {
     if (!m_hTransaction) {
         return m_bFallback ? ::RegOpenKeyExW(key, subKey, options, access, result) : ERROR_INVALID_FUNCTION;

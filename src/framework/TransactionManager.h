@@ -17,6 +17,10 @@ public:
     // Null while there is no transaction.
     HANDLE GetHandle() const { return m_hTransaction; }
 
+    // FindFirstFileW within the transaction. INVALID_HANDLE_VALUE and ERROR_INVALID_FUNCTION where the system lacks the
+    // transacted form, and where there is neither a transaction nor the fall-back.
+    HANDLE FindFirstFile(LPCWSTR pattern, LPWIN32_FIND_DATAW data);
+
     // The registry functions of these names within the transaction. ERROR_INVALID_FUNCTION where the system lacks the
     // transacted form, and where there is neither a transaction nor the fall-back.
     LSTATUS RegOpenKeyEx(HKEY key, LPCWSTR subKey, DWORD options, REGSAM access, PHKEY result);

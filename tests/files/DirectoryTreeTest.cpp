@@ -51,7 +51,7 @@ TEST(DirectoryTree, IsCreatedListedRenamedAndDeletedBeyondTheClassicLimit) {
     EXPECT_FALSE(CPathHelper::DirectoryExists(deep));
     EXPECT_TRUE(LongPath::DeleteFile(renamed + L"\\file"));
     for (CString path = renamed; path != top; path = CPathHelper::GetParentPath(path)) {
-        ASSERT_TRUE(CPathHelper::DeleteDirectory(CPathHelper::AddLongPathPrefix(path), false));
+        ASSERT_TRUE(CPathHelper::DeleteDirectory(path, false));
     }
     EXPECT_EQ(CountOfEntries(top), 2);
 }

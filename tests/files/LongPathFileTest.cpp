@@ -14,12 +14,6 @@
 
 namespace {
 
-// The product is linked into this module, so a replacement's own plain call would come back to it.
-template <class Function>
-Function* Real(Function*, const wchar_t* dll, const char* name) {
-    return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(dll), name)));
-}
-
 std::vector<std::wstring> s_seen;  // the paths that reached the system
 
 BOOL See(LPCWSTR path) {
@@ -55,7 +49,8 @@ struct SeenCalls {
     // The search for the installed system's drive asks by the same call.
     ImportPatch<decltype(&::_waccess)> access{module, "_waccess", [](const wchar_t* path, int mode) {
                                                   return std::wstring_view(path).ends_with(L"\\config\\SOFTWARE")
-                                                             ? Real(&_waccess, L"msvcrt", "_waccess")(path, mode)
+                                                             ? SystemFunction(&_waccess, L"msvcrt.dll", "_waccess")(
+                                                                   path, mode)
                                                              : int(See(path));
                                               }};
 };
@@ -193,7 +188,8 @@ TEST(LongPathFile, WhatIsMeantToFailFails) {
             PUBLIC_OBJECT_BASIC_INFORMATION info{};
             NtQueryObject(handle, ObjectBasicInformation, &info, sizeof(info), nullptr);
             if ((info.GrantedAccess & FILE_WRITE_ATTRIBUTES) != 0)
-                return Real(&::SetFileTime, L"kernel32", "SetFileTime")(handle, created, accessed, written);
+                return SystemFunction(&::SetFileTime, L"kernel32.dll", "SetFileTime")(handle, created, accessed,
+                                                                                      written);
             SetLastError(ERROR_ACCESS_DENIED);
             return FALSE;
         });

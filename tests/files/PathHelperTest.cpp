@@ -78,8 +78,7 @@ struct CountedAllocations {
 DWORD WINAPI LongNameAsOnWindows(LPCWSTR path, LPWSTR buffer, DWORD chars) {
     constexpr std::wstring_view kPrefix = L"\\\\?\\";
     EXPECT_TRUE(std::wstring_view(path).starts_with(kPrefix));
-    static const auto s_real = reinterpret_cast<decltype(&::GetLongPathNameW)>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32"), "GetLongPathNameW")));
+    static const auto s_real = SystemFunction(&::GetLongPathNameW, L"kernel32.dll", "GetLongPathNameW");
     WCHAR text[260];
     const DWORD length = s_real(path + kPrefix.size(), text, 260);
     if (length == 0) return 0;

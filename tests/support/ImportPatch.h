@@ -45,3 +45,10 @@ public:
 private:
     ImportSlot m_slot;
 };
+
+// The system's own function. For replacements of calls that the test program itself makes, as it does when the product
+// is linked into it: there a plain call would come back to the replacement.
+template <class Function>
+Function* SystemFunction(Function*, const wchar_t* dll, const char* name) {
+    return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(LoadedModule(dll), name)));
+}

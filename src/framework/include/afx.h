@@ -5,6 +5,7 @@
 #include "framework/Exception.h"
 #include "framework/File.h"
 #include "framework/FileException.h"
+#include "framework/FileFind.h"
 #include "framework/MemFile.h"
 #include "framework/ModuleState.h"
 #include "framework/Object.h"

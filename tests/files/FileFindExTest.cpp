@@ -1,0 +1,145 @@
+#include "files/FileFindEx.h"
+
+#include <gtest/gtest.h>
+#include <set>
+#include <string>
+
+#include "files/PathHelper.h"
+#include "support/ImportPatch.h"
+#include "support/ReparseVolume.h"
+#include "support/ScopedPreinstallation.h"
+#include "support/ScopedTestDir.h"
+
+namespace {
+
+using Names = std::set<std::wstring>;
+
+void CreateEmptyFile(const CString& path) {
+    CloseHandle(CreateFileW(CPathHelper::MakeLongPath(path), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
+}
+
+// Everything that a search reports by its path, the dots left out.
+Names PathsOf(CFileFind& search, LPCWSTR pattern) {
+    Names paths;
+    for (BOOL more = search.FindFile(pattern); more;) {
+        more = search.FindNextFile();
+        if (!search.IsDots()) paths.insert(search.GetFilePath().GetString());
+    }
+    return paths;
+}
+
+std::wstring s_pattern;
+
+// Notes what the system is asked for.
+struct SeenPattern {
+    ImportPatch<decltype(&::FindFirstFileW)> patch{
+        GetModuleHandleW(nullptr), "FindFirstFileW", [](LPCWSTR pattern, WIN32_FIND_DATAW* data) {
+            s_pattern = pattern;
+            return SystemFunction(&::FindFirstFileW, L"kernel32.dll", "FindFirstFileW")(pattern, data);
+        }};
+};
+
+}  // namespace
+
+TEST(FileFindEx, ListsAsTheBaseDoes) {
+    const ScopedTestDir dir;
+    for (const LPCWSTR name : {L"a.txt", L"b.txt", L"c.dat"}) CreateEmptyFile(dir.Path(name).c_str());
+    CreateDirectoryW(dir.Path(L"below").c_str(), nullptr);
+    CFileFindEx search;
+    CFileFind base;
+    const Names all = {dir.Path(L"a.txt"), dir.Path(L"b.txt"), dir.Path(L"below"), dir.Path(L"c.dat")};
+    EXPECT_EQ(PathsOf(search, dir.Path(L"*").c_str()), all);
+    EXPECT_EQ(PathsOf(base, dir.Path(L"*").c_str()), all);
+    EXPECT_EQ(PathsOf(search, (dir.Path() + L"\\").c_str()), all);
+    EXPECT_EQ(PathsOf(search, dir.Path(L"*.txt").c_str()), (Names{dir.Path(L"a.txt"), dir.Path(L"b.txt")}));
+    EXPECT_EQ(search.GetRoot(), (dir.Path() + L"\\").c_str());
+    ASSERT_TRUE(search.FindFile(dir.Path(L"below").c_str()));
+    EXPECT_FALSE(search.FindNextFile());
+    EXPECT_TRUE(search.IsDirectory());
+    EXPECT_EQ(search.GetFileName(), L"below");
+    search.Close();
+    EXPECT_EQ(search.GetFileName(), L"");
+    EXPECT_FALSE(search.FindNextFile());
+}
+
+TEST(FileFindEx, WhatItAsksTheSystemFor) {
+    const SeenPattern seen;
+    const std::wstring longer = L"Q:\\" + std::wstring(245, L'x');
+    const std::wstring fits = longer.substr(0, 247);
+    CFileFindEx search;
+    for (const LPCWSTR none : {static_cast<LPCWSTR>(nullptr), L"", L"Q:\\"}) {
+        s_pattern.clear();
+        EXPECT_FALSE(search.FindFile(none));
+        EXPECT_EQ(s_pattern, L"");
+    }
+    struct Case {
+        std::wstring path, pattern;
+    };
+    const Case cases[] = {
+        {L"Q:\\a\\", L"Q:\\a\\*.*"},   {L"Q:\\*", L"Q:\\*"},        {L"name", L"name"}, {fits, fits},
+        {longer, L"\\\\?\\" + longer}, {L"\\\\?\\", L"\\\\?\\*.*"},
+    };
+    for (const Case& c : cases) {
+        EXPECT_FALSE(search.FindFile(c.path.c_str()));
+        EXPECT_EQ(s_pattern, c.pattern);
+    }
+}
+
+TEST(FileFindEx, ANameOfTwoHundredAndSixtyCharactersIsRefused) {
+    const SeenPattern seen;
+    const ScopedTestDir dir;
+    CFileFindEx search;
+    for (const size_t length : {259u, 260u}) {
+        s_pattern.clear();
+        ASSERT_TRUE(search.FindFile(dir.Path(L"*").c_str()));
+        s_pattern.clear();
+        EXPECT_FALSE(search.FindFile(dir.Path(std::wstring(length, L'n')).c_str()));
+        EXPECT_EQ(GetLastError() == ERROR_BAD_ARGUMENTS, length == 260);
+        EXPECT_EQ(s_pattern.empty(), length == 260);
+        EXPECT_FALSE(search.FindNextFile());  // the earlier search has ended as well
+    }
+}
+
+TEST(FileFindEx, FarBeyondTheClassicLimitNoPrefixShows) {
+    const ScopedTestDir dir;
+    CString folder = dir.Path().c_str();
+    for (int i = 0; i < 10; ++i) folder += L"\\" + CString(L'd', 90);
+    ASSERT_TRUE(CPathHelper::CreateDirectoryTree(folder));
+    const CString file = folder + L"\\file";
+    CreateEmptyFile(file);
+    CFileFindEx search;
+    const Names found = {file.GetString()};
+    EXPECT_EQ(PathsOf(search, folder + L"\\*"), found);
+    EXPECT_EQ(search.GetRoot(), folder + L"\\");
+    EXPECT_EQ(PathsOf(search, CPathHelper::AddLongPathPrefix(folder) + L"\\*"), found);
+    EXPECT_EQ(search.GetRoot(), CPathHelper::AddLongPathPrefix(folder) + L"\\");
+}
+
+TEST(FileFindEx, OnAPreinstallationBootDriveCIsSearchedElsewhere) {
+    const ScopedPreinstallation machine;
+    const std::wstring system = machine.SystemFolder(L'D');
+    CreateDirectoryW((system + L"\\config").c_str(), nullptr);
+    CFileFindEx tooEarly;
+    EXPECT_EQ(PathsOf(tooEarly, L"C:\\Windows\\System32\\conf*").count(L"C:\\Windows\\System32\\config"), 0u);
+    CreateDirectoryW((system + L"\\config\\SOFTWARE").c_str(), nullptr);
+    CFileFindEx search;
+    const Names found = {L"C:\\Windows\\System32\\config\\SOFTWARE"};
+    for (const LPCWSTR pattern : {L"C:\\Windows\\System32\\config\\*", L"D:\\Windows\\System32\\config\\*",
+                                  L"d:\\Windows\\System32\\config\\*", L"\\\\?\\C:\\Windows\\System32\\config\\*"}) {
+        EXPECT_EQ(PathsOf(search, pattern), found);
+    }
+    // What was given is reported: a small letter stays.
+    EXPECT_EQ(PathsOf(search, L"c:\\Windows\\System32\\config\\*").count(L"c:\\Windows\\System32\\config\\SOFTWARE"),
+              1u);
+    EXPECT_TRUE(search.FindFile(L"d:\\Windows\\*"));
+    EXPECT_EQ(search.GetRoot(), L"C:\\Windows\\");
+}
+
+TEST(FileFindEx, TransactionsDecideHowASearchBegins) {
+    const ScopedTestDir dir;
+    CAtlTransactionManager fallback(TRUE, FALSE), none(FALSE, FALSE);
+    CFileFindEx through(&fallback), refused(&none);
+    EXPECT_TRUE(through.FindFile(dir.Path(L"*").c_str()));
+    EXPECT_FALSE(refused.FindFile(dir.Path(L"*").c_str()));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_FUNCTION});
+}
