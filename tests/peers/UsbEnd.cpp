@@ -10,6 +10,7 @@
 #include <map>
 #include <thread>
 
+#include "files/Utf8TextFile.h"
 #include "helpers/Encodings.h"
 #include "peers/BareLink.h"
 #include "peers/EndWitness.h"
@@ -48,7 +49,7 @@ public:
             {"connect", &End::Connect}, {"exists", &End::Exists}, {"space", &End::Space},
             {"open", &End::Open},       {"write", &End::Write},   {"read", &End::Read},
             {"seek", &End::Seek},       {"close", &End::Close},   {"finish", &End::Finish},
-            {"end", &End::EndSession},  {"bare", &End::Bare}};
+            {"end", &End::EndSession},  {"bare", &End::Bare},     {"text", &End::Text}};
         const auto verb = kVerbs.find(words[0]);
         return verb != kVerbs.end() ? (this->*verb->second)(words) : "no such verb";
     }
@@ -134,6 +135,26 @@ private:
     std::string Finish(const Words& words) {
         m_session.Finish(Small(words[1]));
         return "ok";
+    }
+    // text NAME [buffered]: a text file object over the session; answers the position behind the text, what it reads
+    // from the text's start, the position behind that, and the length or why there is none.
+    std::string Text(const Words& words) {
+        CUtf8TextFile file;
+        file.SetSession(&m_session);
+        file.SetUseMemoryBuffer(words.size() > 2);
+        if (!file.Open(Wide(words[1]), CFile::modeCreate | CFile::modeReadWrite)) return "not open";
+        file.WriteString(L"one\r\n");
+        std::string answer = Number(file.GetPosition()) + " ";
+        file.Seek(kByteOrderMarkBytes, CFile::begin);
+        char text[3];
+        answer.append(text, file.Read(text, sizeof(text))).append(" " + Number(file.GetPosition()));
+        try {
+            answer += " " + Number(file.GetLength());
+        } catch (CFileException* problem) {
+            answer += " cause " + std::to_string(problem->m_cause);
+            problem->Delete();
+        }
+        return answer;
     }
     std::string EndSession(const Words&) {
         m_session.CloseSession();

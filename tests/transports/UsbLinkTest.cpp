@@ -175,3 +175,12 @@ TEST_F(UsbLink, OneExchangeByteForByte) {
                   "48120000");
     RecordProperty("handle", handle);
 }
+
+TEST_F(UsbLink, ATextFileObjectCrossesAtOnceOrFromMemory) {
+    Connect();
+    const std::string mark = "\xEF\xBB\xBF";
+    EXPECT_EQ(a.Do({"text", "top\\plain.txt"}), "8 one 6 cause 0");
+    EXPECT_EQ(folder.BytesOf("b\\top\\plain.txt"), mark + "one\r\n");
+    EXPECT_EQ(a.Do({"text", "top\\buffered.txt", "buffered"}), "8 one 6 8");
+    EXPECT_EQ(folder.BytesOf("b\\top\\buffered.txt"), mark + "one\r\n");
+}
