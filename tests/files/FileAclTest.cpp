@@ -1,0 +1,296 @@
+#include "files/FileAcl.h"
+
+#include <sddl.h>
+
+#include <fstream>
+#include <functional>
+#include <gtest/gtest.h>
+#include <string>
+
+#include "files/PathHelper.h"
+#include "support/ImportPatch.h"
+#include "support/LogCapture.h"
+#include "support/ScopedTestDir.h"
+
+namespace {
+
+constexpr LPCWSTR kEveryone = L"S-1-1-0";
+constexpr LPCWSTR kStranger = L"S-1-5-21-1-2-3-1001";
+
+struct LocalMemoryCloser {
+    void operator()(void* memory) const { LocalFree(memory); }
+};
+using LocalMemory = std::unique_ptr<void, LocalMemoryCloser>;
+
+LocalMemory Sid(LPCWSTR text) {
+    PSID sid = nullptr;
+    EXPECT_TRUE(ConvertStringSidToSidW(text, &sid));
+    return LocalMemory(sid);
+}
+
+// Descriptors are made and read by the system's own text form of them.
+LocalMemory Descriptor(LPCWSTR text) {
+    PSECURITY_DESCRIPTOR descriptor = nullptr;
+    EXPECT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorW(text, 1, &descriptor, nullptr));
+    return LocalMemory(descriptor);
+}
+
+std::wstring TextOf(PSECURITY_DESCRIPTOR descriptor) {
+    constexpr DWORD kAll =
+        OWNER_SECURITY_INFORMATION | GROUP_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION | SACL_SECURITY_INFORMATION;
+    LPWSTR text = nullptr;
+    if (!ConvertSecurityDescriptorToStringSecurityDescriptorW(descriptor, 1, kAll, &text, nullptr)) return L"none";
+    const LocalMemory owner(text);
+    return text;
+}
+
+// A file whose security the system reads as the descriptor of that text, and whose writes are noted.
+const void* s_security = nullptr;
+std::wstring s_written, s_writtenPath;
+bool s_writeFails = false;
+
+struct GivenSecurity {
+    explicit GivenSecurity(LPCWSTR text) : descriptor(Descriptor(text)) {
+        s_security = descriptor.get();
+        s_written.clear();
+        s_writeFails = false;
+    }
+
+    LocalMemory descriptor;
+    ImportPatch<decltype(&GetFileSecurityW)> read{
+        GetModuleHandleW(nullptr), "GetFileSecurityW",
+        [](LPCWSTR, SECURITY_INFORMATION what, PSECURITY_DESCRIPTOR buffer, DWORD size, DWORD* needed) -> BOOL {
+            EXPECT_EQ(what, DWORD{OWNER_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION});
+            *needed = GetSecurityDescriptorLength(const_cast<void*>(s_security));
+            if (size < *needed) return FALSE;
+            memcpy(buffer, s_security, *needed);
+            return TRUE;
+        }};
+    ImportPatch<decltype(&SetFileSecurityW)> write{
+        GetModuleHandleW(nullptr), "SetFileSecurityW",
+        [](LPCWSTR path, SECURITY_INFORMATION what, PSECURITY_DESCRIPTOR descriptor) -> BOOL {
+            EXPECT_EQ(what, DWORD{DACL_SECURITY_INFORMATION});
+            s_writtenPath = path;
+            s_written = TextOf(descriptor);
+            SetLastError(s_writeFails ? ERROR_ACCESS_DENIED : ERROR_SUCCESS);
+            return !s_writeFails;
+        }};
+};
+
+// Cause and system error of what the function throws.
+std::pair<int, LONG> ThrownBy(const std::function<void()>& function) {
+    try {
+        function();
+    } catch (CFileException* problem) {
+        const std::pair<int, LONG> thrown(problem->m_cause, problem->m_lOsError);
+        problem->Delete();
+        return thrown;
+    }
+    return {};
+}
+
+// Makes one of the system's calls fail.
+template <class Function>
+struct FailingCall {
+    FailingCall(Function*, const char* name)
+        : patch(GetModuleHandleW(nullptr), name, reinterpret_cast<Function*>(&Fail)) {}
+    static BOOL WINAPI Fail() {
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        return FALSE;
+    }
+    ImportPatch<Function*> patch;
+};
+
+// The mode bits of the file on the machine that Wine runs on, read by that machine's stat.
+std::string HostMode(const std::wstring& path, const ScopedTestDir& dir) {
+    const auto unixName = reinterpret_cast<char*(CDECL*)(LPCWSTR)>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32"), "wine_get_unix_file_name")));
+    const auto named = [&](const std::wstring& file) {
+        char* const name = unixName(file.c_str());
+        const std::wstring text(name, name + strlen(name));
+        HeapFree(GetProcessHeap(), 0, name);
+        return text;
+    };
+    const std::wstring output = dir.Path(L"mode");
+    std::ofstream(CStringA(output.c_str()).GetString());
+    std::wstring command = L"sh -c \"stat -c %a '" + named(path) + L"' > '" + named(output) + L"'\"";
+    STARTUPINFOW start{sizeof(start)};
+    PROCESS_INFORMATION process{};
+    if (!CreateProcessW(L"Z:\\bin\\sh", command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
+                        &process)) {
+        return "no stat";
+    }
+    WaitForSingleObject(process.hProcess, 10000);
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+    std::string mode;
+    for (int tries = 0; tries < 500 && mode.empty(); ++tries) {
+        std::getline(std::ifstream(CStringA(output.c_str()).GetString()), mode);
+        if (mode.empty()) Sleep(10);  // the shell is no process of Wine's, so its end is not always seen
+    }
+    return mode;
+}
+
+}  // namespace
+
+TEST(FileAcl, WhatIsWrittenStandsOnTheVolume) {
+    const ScopedTestDir dir;
+    const std::wstring file = dir.Path(L"file");
+    CloseHandle(CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
+    const std::string before = HostMode(file, dir);
+    EXPECT_EQ(before.back(), '4');
+    CFileAcl acl(file.c_str());
+    ASSERT_TRUE(acl.SupportsAcls() && acl.HasSecurity());
+    EXPECT_TRUE(acl.AddFullAccessEntryToAcl(Sid(kEveryone).get()));
+    EXPECT_EQ(HostMode(file, dir), before);
+    EXPECT_TRUE(acl.Commit());
+    EXPECT_EQ(HostMode(file, dir).back(), '7');
+    EXPECT_TRUE(acl.HasAceForSid(Sid(kEveryone).get()));
+    EXPECT_FALSE(acl.IsOwnedByTrustedInstaller());
+    EXPECT_TRUE(CFileAcl(file.c_str()).HasAceForSid(Sid(kEveryone).get()));
+}
+
+TEST(FileAcl, EntriesAddUpUntilTheyAreWritten) {
+    const GivenSecurity file(L"O:BAD:(A;;FR;;;SY)");
+    CFileAcl acl(L"C:\\file");
+    EXPECT_FALSE(acl.HasAceForSid(Sid(kEveryone).get()));
+    EXPECT_TRUE(acl.AddFullAccessEntryToAcl(Sid(kEveryone).get()));
+    EXPECT_TRUE(acl.AddFullAccessEntryToAcl(Sid(kStranger).get()));
+    EXPECT_EQ(s_written, L"");
+    for (const LPCWSTR sid : {kEveryone, kStranger, L"S-1-5-18"}) EXPECT_TRUE(acl.HasAceForSid(Sid(sid).get()));
+    EXPECT_TRUE(acl.Commit());
+    for (const LPCWSTR entry : {L"(A;OICI;GA;;;WD)", L"(A;OICI;GA;;;S-1-5-21-1-2-3-1001)", L"(A;;FR;;;SY)"}) {
+        EXPECT_NE(s_written.find(entry), std::wstring::npos) << testing::PrintToString(s_written);
+    }
+    EXPECT_TRUE(acl.Commit());
+    EXPECT_TRUE(acl.HasAceForSid(Sid(kStranger).get()));
+}
+
+TEST(FileAcl, OnlyANullListIsWrittenByTheLongPathRule) {
+    const GivenSecurity file(L"O:BAD:(A;;FR;;;SY)");
+    const CString path = L"C:\\" + CString(L'x', 300);
+    CFileAcl acl(path);
+    EXPECT_TRUE(acl.Commit());
+    EXPECT_EQ(s_writtenPath, path.GetString());
+    EXPECT_TRUE(acl.ApplyNullDacl());
+    EXPECT_EQ(s_writtenPath, (L"\\\\?\\" + path).GetString());
+    // The text of an empty list would be the same under Wine, but nobody would have an entry in one.
+    EXPECT_EQ(s_written.substr(0, 6), L"O:BAD:");
+    EXPECT_TRUE(acl.HasAceForSid(Sid(kStranger).get()));
+}
+
+TEST(FileAcl, AFailedWriteCostsCommitTheSecurity) {
+    const GivenSecurity file(L"O:BAD:(A;;FR;;;SY)");
+    CFileAcl acl(L"C:\\file");
+    s_writeFails = true;
+    EXPECT_FALSE(acl.ApplyNullDacl());
+    EXPECT_TRUE(acl.HasSecurity());
+    EXPECT_TRUE(acl.AddFullAccessEntryToAcl(Sid(kEveryone).get()));
+    EXPECT_FALSE(acl.Commit());
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
+    EXPECT_FALSE(acl.HasSecurity());
+    s_writeFails = false;
+    EXPECT_FALSE(acl.Commit() || acl.ApplyNullDacl() || acl.IsOwnedByTrustedInstaller());
+    EXPECT_TRUE(acl.ReadSecurity());
+    EXPECT_FALSE(acl.HasAceForSid(Sid(kEveryone).get()));
+    EXPECT_TRUE(acl.Commit());
+}
+
+TEST(FileAcl, AVolumeWithoutAccessListsIsLeftAlone) {
+    const ImportPatch<decltype(&GetVolumeInformationW)> plainVolume(
+        GetModuleHandleW(nullptr), "GetVolumeInformationW",
+        [](LPCWSTR, LPWSTR, DWORD, DWORD*, DWORD*, DWORD* flags, LPWSTR, DWORD) -> BOOL {
+            *flags = ~DWORD{FILE_PERSISTENT_ACLS};
+            return TRUE;
+        });
+    CFileAcl acl(L"C:\\file");
+    EXPECT_FALSE(acl.SupportsAcls() || acl.HasSecurity() || acl.IsOwnedByTrustedInstaller() || acl.Commit());
+    EXPECT_TRUE(acl.AddFullAccessEntryToAcl(nullptr));
+    EXPECT_TRUE(acl.ApplyNullDacl());
+    EXPECT_TRUE(acl.HasAceForSid(nullptr));
+}
+
+TEST(FileAcl, AsksTheVolumeByItsRoot) {
+    static std::wstring s_root;
+    const ImportPatch<decltype(&GetVolumeInformationW)> volume(
+        GetModuleHandleW(nullptr), "GetVolumeInformationW",
+        [](LPCWSTR root, LPWSTR, DWORD, DWORD*, DWORD*, DWORD*, LPWSTR, DWORD) -> BOOL {
+            s_root = root;
+            return FALSE;
+        });
+    const std::pair<LPCWSTR, LPCWSTR> roots[] = {
+        {L"C:\\a\\b", L"C:\\"},       {L"C:", L"C:"}, {L"abc", L"abc"}, {L"\\\\s\\t\\u\\v", L"\\\\s\\t\\"},
+        {L"\\\\s\\t", L"\\\\s\\t\\"}, {L"abcd", L""}};
+    for (const auto& [path, root] : roots) {
+        s_root.clear();
+        EXPECT_FALSE(CFileAcl(path).SupportsAcls());
+        EXPECT_EQ(s_root, root);
+    }
+}
+
+TEST(FileAcl, FailingCallsShowAndLeaveNothingBehind) {
+    const CString path = L"C:\\no such file";
+    EXPECT_EQ(ThrownBy([] { CFileAcl(L""); }), std::pair(int{CFileException::badPath}, LONG{-1}));
+    EXPECT_EQ(ThrownBy([&] { CFileAcl acl(path); }),
+              std::pair(int{CFileException::genericException}, LONG{ERROR_FILE_NOT_FOUND}));
+
+    const GivenSecurity file(L"O:BAD:(A;;FR;;;SY)");
+    CFileAcl acl(path);
+    {
+        const FailingCall call(&MakeAbsoluteSD, "MakeAbsoluteSD");
+        EXPECT_FALSE(acl.Commit() || acl.ApplyNullDacl());
+    }
+    {
+        const FailingCall call(&MakeSelfRelativeSD, "MakeSelfRelativeSD");
+        EXPECT_FALSE(acl.Commit() || acl.ApplyNullDacl());
+    }
+    EXPECT_EQ(s_written, L"");
+    EXPECT_TRUE(acl.HasSecurity());
+    {
+        const FailingCall call(&GetAclInformation, "GetAclInformation");
+        EXPECT_FALSE(acl.HasAceForSid(Sid(L"S-1-5-18").get()));
+    }
+    const LogCapture log;
+    BYTE noSid[16] = {9};
+    EXPECT_FALSE(acl.AddFullAccessEntryToAcl(noSid));
+    EXPECT_TRUE(log.Contains(LogLevel::Error, L"Unable to set ACL Entry. Error:")) << GetLastError();
+    EXPECT_TRUE(acl.HasAceForSid(Sid(L"S-1-5-18").get()));
+    {
+        const FailingCall call(&GetSecurityDescriptorDacl, "GetSecurityDescriptorDacl");
+        EXPECT_FALSE(acl.ReadSecurity());
+        EXPECT_FALSE(acl.HasSecurity());
+    }
+}
+
+TEST(FileAcl, KnowsTheInstallersFiles) {
+    const GivenSecurity file(L"O:S-1-5-80-956008885-3418522649-1831038044-1853292631-2271478464D:");
+    EXPECT_TRUE(CFileAcl(L"C:\\file").IsOwnedByTrustedInstaller());
+    EXPECT_FALSE(CFileAcl(L"C:\\file").HasAceForSid(Sid(kEveryone).get()));  // an empty list lets nobody in
+}
+
+TEST(FileAcl, ARebuiltDescriptorKeepsEverythingButTheList) {
+    const LocalMemory before = Descriptor(L"O:BAG:SYD:(A;;FR;;;SY)S:(AU;FA;FA;;;WD)");
+    const LocalMemory other = Descriptor(L"D:(A;OICI;FA;;;WD)");
+    BOOL present = FALSE, defaulted = FALSE;
+    PACL dacl = nullptr;
+    ASSERT_TRUE(GetSecurityDescriptorDacl(other.get(), &present, &dacl, &defaulted));
+    std::unique_ptr<BYTE[]> rebuilt;
+    ASSERT_TRUE(CFileAcl::RebuildDescriptor(before.get(), rebuilt, dacl));
+    EXPECT_EQ(TextOf(rebuilt.get()), L"O:BAG:SYD:(A;OICI;FA;;;WD)S:(AU;FA;FA;;;WD)");
+    BYTE noDescriptor[64] = {};
+    EXPECT_FALSE(CFileAcl::RebuildDescriptor(noDescriptor, rebuilt, dacl));
+    EXPECT_EQ(rebuilt, nullptr);
+}
+
+TEST(FileAcl, AnEntryTooShortForItsSidMatchesNobody) {
+    const GivenSecurity file(L"O:BAD:(A;;FR;;;SY)");
+    // The one entry ends the descriptor; its SID says that it has 15 parts.
+    auto* const bytes = static_cast<BYTE*>(file.descriptor.get());
+    BOOL present = FALSE, defaulted = FALSE;
+    PACL dacl = nullptr;
+    GetSecurityDescriptorDacl(bytes, &present, &dacl, &defaulted);
+    ACCESS_ALLOWED_ACE* entry = nullptr;
+    ASSERT_TRUE(GetAce(dacl, 0, reinterpret_cast<void**>(&entry)));
+    *GetSidSubAuthorityCount(&entry->SidStart) = 15;
+    EXPECT_FALSE(CFileAcl(L"C:\\file").HasAceForSid(&entry->SidStart));
+}
