@@ -8,7 +8,6 @@
 
 #include "support/Input.h"
 #include "support/Narrow.h"
-#include "support/Screenshot.h"
 #include "support/WindowText.h"
 
 namespace {
@@ -161,10 +160,6 @@ void Dialog::Drag(POINT from, POINT to, int steps) {
     Release();
 }
 
-void Dialog::Wheel(int notches) {
-    Step("wheel " + std::to_string(notches), [&] { input::Wheel(notches); });
-}
-
 void Dialog::PickFromPopup(HWND combo, int index) {
     COMBOBOXINFO info{};
     info.cbSize = sizeof info;
@@ -258,10 +253,6 @@ void Dialog::WaitUntilClosed() {
     m_steps.push_back("wait until the dialog is closed");
     PollUntil(
         "the end of the modal call", [this] { return m_modalReturned.load(); }, false);
-}
-
-void Dialog::Screenshot(const std::wstring& path) const {
-    OnGuiThread([&] { SaveScreenshot(m_window, path); });
 }
 
 void Dialog::WaitUntilOpen() {

@@ -51,7 +51,6 @@ public:
     void Press();
     void Release();
     void Drag(POINT from, POINT to, int steps = 8);
-    void Wheel(int notches);
     // Clicks an entry of the opened popup of a drop-down list.
     void PickFromPopup(HWND combo, int index);
 
@@ -74,8 +73,6 @@ public:
     void WaitUntilClosed();
     // Runs a function on the dialog's thread, for what can only be asked there (GetKeyState, GetCursor).
     void OnGuiThread(const std::function<void()>& function) const { m_gui.Run(function); }
-    // Writes the dialog as it stands to a PNG file; drop-downs and boxes are windows of their own and are not in it.
-    void Screenshot(const std::wstring& path) const;
 
 private:
     friend class DialogDriver;

@@ -11,7 +11,7 @@ void Send(std::vector<INPUT> inputs) {
     const UINT count = static_cast<UINT>(inputs.size());
     if (SendInput(count, inputs.data(), sizeof(INPUT)) != count) throw std::runtime_error("SendInput was refused");
     // Wine 8 remembers per thread for 50 ms that a key is up, also in the dialog's thread; asking here for each key
-    // ends that (DialogDriver.ModifiersAreSeenByAsyncState).
+    // ends that (ComboListCtrlTest.ClickWithShiftOrCtrlNeitherEditsNorTells).
     for (int key = 1; key < 255; ++key) GetAsyncKeyState(key);
 }
 
@@ -80,12 +80,6 @@ void LeftDown() {
 
 void LeftUp() {
     Send({Mouse(MOUSEEVENTF_LEFTUP)});
-}
-
-void Wheel(int notches) {
-    INPUT event = Mouse(MOUSEEVENTF_WHEEL);
-    event.mi.mouseData = static_cast<DWORD>(notches * WHEEL_DELTA);
-    Send({event});
 }
 
 void KeyDown(WORD virtualKey) {

@@ -11,8 +11,6 @@ namespace input {
 void MoveTo(POINT screen);
 void LeftDown();
 void LeftUp();
-// Turns the wheel; positive is away from the user. It reaches the window under the cursor, whatever has the focus.
-void Wheel(int notches);
 void KeyDown(WORD virtualKey);
 void KeyUp(WORD virtualKey);
 // Types characters that need not be on any keyboard.

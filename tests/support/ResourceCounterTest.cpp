@@ -26,21 +26,4 @@ TEST(ResourceCounter, NamesWhatStaysAliveByKindAndCall) {
     EXPECT_EQ(counter.Report(), "");
 }
 
-TEST(ResourceCounter, WindowsCountUntilTheyAreGoneWhoeverDestroysThem) {
-    ResourceCounter counter({kSelf});
-    const HWND parent = CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, kSelf, nullptr);
-    CreateWindowExW(0, L"STATIC", L"", WS_CHILD, 0, 0, 9, 9, parent, nullptr, kSelf, nullptr);
-    EXPECT_EQ(counter.Created("window"), 2);
-    EXPECT_EQ(counter.Report(), "window: 2 alive by CreateWindowExW\n");
-    SendMessageW(parent, WM_CLOSE, 0, 0);
-    EXPECT_EQ(counter.Report(), "");
-}
-
-TEST(ResourceCounter, SeesNothingAnyMoreWhenItIsGone) {
-    { ResourceCounter counter({kSelf}); }
-    DeleteObject(CreateSolidBrush(RGB(1, 2, 3)));
-    ResourceCounter counter({kSelf});
-    EXPECT_EQ(counter.Created("brush"), 0);
-}
-
 }  // namespace

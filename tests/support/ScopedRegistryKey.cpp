@@ -9,10 +9,10 @@ void Check(LSTATUS status, const char* what) {
     if (status != ERROR_SUCCESS) throw std::runtime_error(std::string(what) + ": error " + std::to_string(status));
 }
 
-HKEY Create(HKEY parent, std::wstring_view path) {
+HKEY Create(HKEY parent, std::wstring_view path, DWORD options) {
     HKEY key = nullptr;
-    Check(RegCreateKeyExW(parent, std::wstring(path).c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr,
-                          &key, nullptr),
+    Check(RegCreateKeyExW(parent, std::wstring(path).c_str(), 0, nullptr, options, KEY_ALL_ACCESS, nullptr, &key,
+                          nullptr),
           "creating a key");
     return key;
 }
@@ -24,7 +24,8 @@ std::wstring UniqueName() {
 
 }  // namespace
 
-ScopedRegistryKey::ScopedRegistryKey(HKEY root) : m_root(root), m_name(UniqueName()), m_key(Create(root, Path())) {}
+ScopedRegistryKey::ScopedRegistryKey(HKEY root, DWORD options)
+    : m_root(root), m_options(options), m_name(UniqueName()), m_key(Create(root, Path(), options)) {}
 
 ScopedRegistryKey::~ScopedRegistryKey() {
     RegCloseKey(m_key);
@@ -32,7 +33,7 @@ ScopedRegistryKey::~ScopedRegistryKey() {
 }
 
 void ScopedRegistryKey::AddKey(std::wstring_view path) {
-    RegCloseKey(Create(m_key, path));
+    RegCloseKey(Create(m_key, path, m_options));
 }
 
 void ScopedRegistryKey::SetText(std::wstring_view path, std::wstring_view name, std::wstring_view text, DWORD type) {
@@ -42,7 +43,7 @@ void ScopedRegistryKey::SetText(std::wstring_view path, std::wstring_view name, 
 
 void ScopedRegistryKey::SetData(std::wstring_view path, std::wstring_view name, DWORD type, const void* data,
                                 size_t bytes) {
-    const HKEY key = path.empty() ? m_key : Create(m_key, path);
+    const HKEY key = path.empty() ? m_key : Create(m_key, path, m_options);
     const LSTATUS status = RegSetValueExW(key, std::wstring(name).c_str(), 0, type, static_cast<const BYTE*>(data),
                                           static_cast<DWORD>(bytes));
     if (key != m_key) RegCloseKey(key);

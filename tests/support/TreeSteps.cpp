@@ -13,21 +13,11 @@ HTREEITEM TreeSteps::ChildWithText(HTREEITEM parent, const std::wstring& text) c
     return child;
 }
 
-HTREEITEM TreeSteps::Find(const Path& path) const {
+HTREEITEM TreeSteps::Item(const Path& path) const {
     HTREEITEM item = nullptr;
     for (const std::wstring& text : path) {
         item = ChildWithText(item, text);
-        if (item == nullptr) return nullptr;
-    }
-    return item;
-}
-
-HTREEITEM TreeSteps::Item(const Path& path) const {
-    const HTREEITEM item = Find(path);
-    if (item == nullptr) {
-        std::wstring name;
-        for (const std::wstring& text : path) name += L"/" + text;
-        m_dialog.Fail("no tree item " + Narrow(name));
+        if (item == nullptr) m_dialog.Fail("no tree item " + Narrow(text));
     }
     return item;
 }
@@ -46,19 +36,8 @@ std::wstring TreeSteps::Text(HTREEITEM item) const {
     }
 }
 
-std::vector<std::wstring> TreeSteps::Children(HTREEITEM item) const {
-    std::vector<std::wstring> texts;
-    HTREEITEM child = item != nullptr ? Next(TVGN_CHILD, item) : Next(TVGN_ROOT, nullptr);
-    for (; child != nullptr; child = Next(TVGN_NEXT, child)) texts.push_back(Text(child));
-    return texts;
-}
-
-HTREEITEM TreeSteps::Selected() const {
-    return Next(TVGN_CARET, nullptr);
-}
-
 std::wstring TreeSteps::SelectedText() const {
-    const HTREEITEM item = Selected();
+    const HTREEITEM item = Next(TVGN_CARET, nullptr);
     return item != nullptr ? Text(item) : std::wstring();
 }
 
@@ -79,10 +58,6 @@ POINT TreeSteps::Centre(HTREEITEM item) const {
     if (area.right > client.right) area.right = client.right;
     MapWindowPoints(m_tree, nullptr, reinterpret_cast<POINT*>(&area), 2);
     return {(area.left + area.right) / 2, (area.top + area.bottom) / 2};
-}
-
-void TreeSteps::Click(HTREEITEM item) {
-    m_dialog.Click(Centre(item));
 }
 
 void TreeSteps::ClickButton(HTREEITEM item) {

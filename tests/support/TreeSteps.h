@@ -16,21 +16,14 @@ public:
 
     TreeSteps(Dialog& dialog, HWND tree) : m_dialog(dialog), m_tree(tree) {}
 
-    HWND Window() const { return m_tree; }
-    // The item of that path, the first of several with one text, or null. Expands nothing.
-    HTREEITEM Find(const Path& path) const;
-    // The same, but a missing item ends the script.
+    // The item of that path, the first of several with one text. Expands nothing; a missing item ends the script.
     HTREEITEM Item(const Path& path) const;
     std::wstring Text(HTREEITEM item) const;
-    // The texts of the children in their order; of the roots for null.
-    std::vector<std::wstring> Children(HTREEITEM item) const;
-    HTREEITEM Selected() const;
     std::wstring SelectedText() const;
     bool IsExpanded(HTREEITEM item) const;
 
     // The middle of the item's text on the screen; the item is scrolled into view first.
     POINT Centre(HTREEITEM item) const;
-    void Click(HTREEITEM item);
     // Clicks the item's button; a tree item without one ends the script.
     void ClickButton(HTREEITEM item);
     // Clicks the buttons of the collapsed items on the way, the last one included, and gives the last item.
