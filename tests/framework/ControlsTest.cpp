@@ -40,115 +40,6 @@ TEST_F(Controls, ListCellsHoldTextsOfAnyLength) {
     EXPECT_EQ(m_list.GetItemText(0, 9), L"");
 }
 
-TEST_F(Controls, ListRowsKeepDataAndState) {
-    m_list.InsertColumn(0, L"First", LVCFMT_CENTER, 61);
-    EXPECT_EQ(m_list.InsertItem(LVIF_TEXT | LVIF_IMAGE, 0, L"one", 0, 0, 0, 0), 0);
-    EXPECT_EQ(m_list.InsertItem(1, L"two"), 1);
-    EXPECT_EQ(m_list.InsertItem(LVIF_TEXT | LVIF_PARAM, 99, L"three", 0, 0, 0, -7), 2);
-    EXPECT_EQ(m_list.GetItemData(2), static_cast<DWORD_PTR>(-7));
-    EXPECT_TRUE(m_list.SetItemData(0, 0x123456789A));
-    EXPECT_EQ(m_list.GetItemData(0), 0x123456789Au);
-    EXPECT_EQ(m_list.GetItemData(3), 0u);
-
-    EXPECT_TRUE(m_list.SetItemState(1, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED));
-    EXPECT_EQ(m_list.GetItemState(1, LVIS_SELECTED), static_cast<UINT>(LVIS_SELECTED));
-    EXPECT_EQ(m_list.GetSelectedCount(), 1u);
-    EXPECT_EQ(m_list.GetNextItem(-1, LVNI_SELECTED), 1);
-    EXPECT_EQ(m_list.GetNextItem(1, LVNI_SELECTED), -1);
-    EXPECT_TRUE(m_list.SetItemState(-1, LVIS_DROPHILITED, LVIS_DROPHILITED));
-    EXPECT_EQ(m_list.GetItemState(2, LVIS_DROPHILITED), static_cast<UINT>(LVIS_DROPHILITED));
-
-    EXPECT_TRUE(m_list.DeleteItem(1));
-    EXPECT_EQ(m_list.GetItemCount(), 2);
-    EXPECT_EQ(m_list.GetItemText(1, 0), L"three");
-    EXPECT_TRUE(m_list.DeleteAllItems());
-    EXPECT_EQ(m_list.GetItemCount(), 0);
-}
-
-TEST_F(Controls, ListGeometry) {
-    m_list.InsertColumn(0, L"First", LVCFMT_LEFT, 60);
-    m_list.InsertColumn(1, L"Second", LVCFMT_LEFT, 300);
-    for (int i = 0; i < 50; ++i) m_list.InsertItem(i, L"row");
-    CHeaderCtrl* const header = m_list.GetHeaderCtrl();
-    ASSERT_NE(header, nullptr);
-    EXPECT_EQ(header->GetItemCount(), 2);
-    EXPECT_EQ(m_list.GetHeaderCtrl(), header);
-    EXPECT_EQ(m_list.GetColumnWidth(1), 300);
-
-    CRect rect;
-    ASSERT_TRUE(m_list.GetItemRect(3, rect, LVIR_BOUNDS));
-    EXPECT_EQ(rect.Width(), 360);
-    UINT flags = 0;
-    EXPECT_EQ(m_list.HitTest(CPoint(10, rect.CenterPoint().y), &flags), 3);
-    EXPECT_NE(flags & LVHT_ONITEM, 0u);
-    EXPECT_EQ(m_list.HitTest(CPoint(10, 10000)), -1);
-
-    EXPECT_TRUE(m_list.Scroll(CSize(25, 0)));
-    CRect scrolled;
-    m_list.GetItemRect(3, scrolled, LVIR_BOUNDS);
-    EXPECT_EQ(scrolled.left, rect.left - 25);
-    EXPECT_TRUE(m_list.EnsureVisible(49, FALSE));
-    m_list.GetItemRect(49, rect, LVIR_BOUNDS);
-    EXPECT_LE(rect.bottom, 200);
-
-    EXPECT_EQ(m_list.SetExtendedStyle(LVS_EX_GRIDLINES | LVS_EX_FULLROWSELECT), 0u);
-    EXPECT_EQ(m_list.GetExtendedStyle(), static_cast<DWORD>(LVS_EX_GRIDLINES | LVS_EX_FULLROWSELECT));
-}
-
-TEST_F(Controls, TreeItemsAndTheirRelatives) {
-    const HTREEITEM root = m_tree.InsertItem(LongText(L'r'));
-    const HTREEITEM first = m_tree.InsertItem(L"first", root, TVI_LAST);
-    const HTREEITEM third = m_tree.InsertItem(L"third", 1, 2, root);
-    const HTREEITEM second = m_tree.InsertItem(L"second", root, first);
-    EXPECT_EQ(m_tree.GetItemText(root), LongText(L'r'));
-    EXPECT_EQ(m_tree.GetItemText(nullptr), L"");
-    EXPECT_EQ(m_tree.GetRootItem(), root);
-    EXPECT_EQ(m_tree.GetChildItem(root), first);
-    EXPECT_EQ(m_tree.GetNextSiblingItem(first), second);
-    EXPECT_EQ(m_tree.GetNextSiblingItem(second), third);
-    EXPECT_EQ(m_tree.GetNextSiblingItem(third), nullptr);
-    EXPECT_EQ(m_tree.GetParentItem(third), root);
-    EXPECT_EQ(m_tree.GetParentItem(root), nullptr);
-
-    EXPECT_TRUE(m_tree.SetItemData(second, 0x123456789A));
-    EXPECT_EQ(m_tree.GetItemData(second), 0x123456789Au);
-    int image = -1;
-    int selected = -1;
-    EXPECT_TRUE(m_tree.GetItemImage(third, image, selected));
-    EXPECT_EQ(image, 1);
-    EXPECT_EQ(selected, 2);
-    EXPECT_TRUE(m_tree.SetItemImage(third, 3, 4));
-    m_tree.GetItemImage(third, image, selected);
-    EXPECT_EQ(selected, 4);
-
-    EXPECT_TRUE(m_tree.Expand(root, TVE_EXPAND));
-    EXPECT_NE(m_tree.GetItemState(root, TVIS_EXPANDED), 0u);
-    EXPECT_TRUE(m_tree.SelectItem(second));
-    EXPECT_NE(m_tree.GetItemState(second, TVIS_SELECTED), 0u);
-    CRect rect;
-    ASSERT_TRUE(m_tree.GetItemRect(second, rect, TRUE));
-    EXPECT_EQ(m_tree.HitTest(rect.CenterPoint()), second);
-    EXPECT_TRUE(m_tree.DeleteItem(first));
-    EXPECT_EQ(m_tree.GetChildItem(root), second);
-    EXPECT_EQ(m_tree.GetCount(), 3u);
-}
-
-TEST_F(Controls, TreeSortsByTheCallersOrder) {
-    for (const DWORD_PTR number : {2, 3, 1}) {
-        CString text;
-        text.Format(L"%u", static_cast<unsigned>(number));
-        m_tree.SetItemData(m_tree.InsertItem(text), number);
-    }
-    TVSORTCB sort{};
-    sort.hParent = TVI_ROOT;
-    sort.lpfnCompare = [](LPARAM first, LPARAM second, LPARAM) { return static_cast<int>(second - first); };
-    EXPECT_TRUE(m_tree.SortChildrenCB(&sort));
-    CString order;
-    for (HTREEITEM item = m_tree.GetRootItem(); item != nullptr; item = m_tree.GetNextSiblingItem(item))
-        order += m_tree.GetItemText(item);
-    EXPECT_EQ(order, L"321");
-}
-
 TEST_F(Controls, TreeDragImagesNeedAnImageList) {
     const HTREEITEM item = m_tree.InsertItem(L"item");
     EXPECT_EQ(std::unique_ptr<CImageList>(m_tree.CreateDragImage(item)), nullptr);
@@ -161,30 +52,6 @@ TEST_F(Controls, TreeDragImagesNeedAnImageList) {
     EXPECT_EQ(before->m_hImageList, images.m_hImageList);
     EXPECT_NE(std::unique_ptr<CImageList>(m_tree.CreateDragImage(item)), nullptr);
     m_tree.SetImageList(nullptr, TVSIL_NORMAL);
-}
-
-TEST_F(Controls, ImageListsTakeIconsAndMaskedBitmapsAndFloatThem) {
-    CImageList images;
-    ASSERT_TRUE(images.Create(16, 16, ILC_COLOR24 | ILC_MASK, 1, 1));
-    EXPECT_EQ(images.Add(::LoadIconW(nullptr, IDI_WARNING)), 0);
-    CClientDC screen(nullptr);
-    CBitmap bitmap;
-    ASSERT_TRUE(bitmap.CreateCompatibleBitmap(&screen, 16, 16));
-    EXPECT_EQ(images.Add(&bitmap, RGB(0, 0, 0)), 1);
-    EXPECT_EQ(images.GetImageCount(), 2);
-    EXPECT_TRUE(images.BeginDrag(0, CPoint(10, 10)));
-    EXPECT_TRUE(CImageList::DragEnter(nullptr, CPoint(50, 50)));
-    POINT at{};
-    EXPECT_NE(::ImageList_GetDragImage(&at, nullptr), nullptr);
-    EXPECT_EQ(CPoint(at), CPoint(50, 50));
-    EXPECT_TRUE(CImageList::DragMove(CPoint(60, 70)));
-    EXPECT_TRUE(CImageList::DragShowNolock(FALSE));
-    ::ImageList_GetDragImage(&at, nullptr);
-    EXPECT_EQ(CPoint(at), CPoint(60, 70));
-    EXPECT_TRUE(CImageList::DragLeave(nullptr));
-    CImageList::EndDrag();
-    EXPECT_TRUE(images.DeleteImageList());
-    EXPECT_FALSE(images.DeleteImageList());
 }
 
 TEST_F(Controls, ComboBoxSelectsByBeginningAndGivesLongTexts) {
@@ -202,25 +69,6 @@ TEST_F(Controls, ComboBoxSelectsByBeginningAndGivesLongTexts) {
     combo.ResetContent();
     EXPECT_EQ(combo.GetCount(), 0);
     EXPECT_EQ(combo.GetCurSel(), CB_ERR);
-}
-
-TEST_F(Controls, EditSelectsAndRefusesInput) {
-    CEdit edit;
-    ASSERT_TRUE(edit.Create(WS_CHILD, CRect(0, 200, 100, 220), &m_parent, 4));
-    edit.SetWindowText(L"abcdef");
-    edit.SetSel(0, -1);
-    int start = -1;
-    int end = -1;
-    edit.GetSel(start, end);
-    EXPECT_EQ(start, 0);
-    EXPECT_EQ(end, 6);
-    EXPECT_TRUE(edit.SetReadOnly());
-    EXPECT_NE(edit.GetStyle() & ES_READONLY, 0u);
-    EXPECT_TRUE(edit.SetReadOnly(FALSE));
-    edit.LimitText(7);
-    edit.SetSel(6, 6);
-    for (int i = 0; i < 3; ++i) edit.SendMessage(WM_CHAR, L'x', 1);
-    EXPECT_EQ(edit.GetWindowTextLength(), 7);
 }
 
 TEST_F(Controls, DrawingObjectsOwnTheirHandles) {

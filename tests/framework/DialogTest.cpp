@@ -94,46 +94,25 @@ protected:
 
 }  // namespace
 
-TEST_F(DialogTest, EndsWithWhatEndDialogWasGivenAndCanBeShownAgain) {
-    CProbeDialog dialog;
-    for (const int result : {7, -5, 0}) {
-        dialog.m_inLoop = [&] {
-            EXPECT_TRUE(dialog.IsWindowVisible());
-            dialog.EndDialog(result);
-            EXPECT_TRUE(::IsWindow(dialog));  // it goes when the handler has returned
-        };
-        EXPECT_EQ(dialog.DoModal(), result);
-        EXPECT_EQ(dialog.m_hWnd, nullptr);
-    }
-}
-
-TEST_F(DialogTest, EndedDuringItsInitialisationItIsNeverSeen) {
-    CProbeDialog dialog;
+TEST_F(DialogTest, EachWayToEndHasItsResult) {
+    EXPECT_EQ(CProbeDialog(9999).DoModal(), -1) << "no template";
+    EXPECT_EQ(CDialogEx(IDD_BAD_INIT).DoModal(), -1) << "a broken initialisation resource";
+    CPlainOwner owner;
+    CProbeDialog dialog(IDD_PROBE, &owner);
     bool wasInLoop = false;
     dialog.m_inLoop = [&] { wasInLoop = true; };
     dialog.m_onInit = [&] { dialog.EndDialog(12); };
-    EXPECT_EQ(dialog.DoModal(), 12);
+    EXPECT_EQ(dialog.DoModal(), 12) << "ended during its initialisation";
     EXPECT_FALSE(wasInLoop);
-}
-
-TEST_F(DialogTest, WithoutATemplateOrWithABrokenInitialisationItAnswersMinusOne) {
-    EXPECT_EQ(CProbeDialog(9999).DoModal(), -1);
-    EXPECT_EQ(CDialogEx(IDD_BAD_INIT).DoModal(), -1);
-}
-
-TEST_F(DialogTest, TheInitialisationResourceFillsTheCombo) {
-    CProbeDialog dialog;
-    std::vector<CString> items;
-    dialog.m_onInit = [&] {
-        CComboBox combo;
-        combo.Attach(::GetDlgItem(dialog, IDC_PROBE_COMBO));
-        for (int i = 0; i < combo.GetCount(); ++i) combo.GetLBText(i, items.emplace_back());
-        EXPECT_TRUE(ThrowsHeapException([&] { combo.GetLBText(2, items[0]); }));
-        combo.Detach();
-        dialog.EndDialog(IDOK);
-    };
-    dialog.DoModal();
-    EXPECT_EQ(items, (std::vector<CString>{L"Branch", L"Key"}));
+    dialog.m_onInit = {};
+    dialog.m_inLoop = [&] { ::DestroyWindow(dialog); };
+    EXPECT_EQ(dialog.DoModal(), -1) << "a window that goes by itself";
+    EXPECT_TRUE(owner.IsWindowEnabled());
+    dialog.m_inLoop = [] { ::PostQuitMessage(33); };
+    EXPECT_EQ(dialog.DoModal(), -1) << "the end of the program";
+    MSG message{};
+    EXPECT_TRUE(::PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE)) << "is left for the outer loop";
+    EXPECT_EQ(message.wParam, 33u);
 }
 
 TEST_F(DialogTest, ValuesGoIntoTheControlsAndOnOkBack) {
@@ -187,19 +166,6 @@ TEST_F(DialogTest, AnExchangeSwallowsTheControlsCommandsAndSetsOnlyWhatIsNew) {
     dialog.DoModal();
 }
 
-TEST_F(DialogTest, AControlThatIsNotThereIsAnError) {
-    CProbeDialog dialog;
-    dialog.m_inLoop = [&] {
-        CDataExchange exchange(&dialog, TRUE);
-        CString text;
-        EXPECT_TRUE(ThrowsHeapException([&] { DDX_Text(&exchange, 4711, text); }));
-        CEdit second;
-        EXPECT_TRUE(ThrowsHeapException([&] { DDX_Control(&exchange, IDC_PROBE_EDIT, second); }));
-        dialog.EndDialog(IDOK);
-    };
-    dialog.DoModal();
-}
-
 TEST_F(DialogTest, TheOwnerIsDisabledMeanwhileAndActiveAfterwards) {
     CPlainOwner owner;
     CWnd child;
@@ -225,52 +191,12 @@ TEST_F(DialogTest, TheOwnerIsDisabledMeanwhileAndActiveAfterwards) {
     EXPECT_EQ(CWnd::GetActiveWindow(), &owner);
 }
 
-TEST_F(DialogTest, AnOwnerThatWasDisabledBeforeStaysDisabled) {
-    CPlainOwner owner;
-    owner.EnableWindow(FALSE);
-    CProbeDialog dialog(IDD_PROBE, &owner);
-    dialog.m_inLoop = [&] { dialog.EndDialog(IDOK); };
-    dialog.DoModal();
-    EXPECT_FALSE(owner.IsWindowEnabled());
-}
-
-TEST_F(DialogTest, WithoutAParentTheActiveWindowIsTheOwner) {
-    CPlainOwner owner;
-    owner.SetFocus();
-    CProbeDialog dialog;
-    dialog.m_inLoop = [&] {
-        EXPECT_EQ(dialog.GetOwner(), &owner);
-        EXPECT_FALSE(owner.IsWindowEnabled());
-        dialog.EndDialog(IDOK);
-    };
-    dialog.DoModal();
-}
-
-TEST_F(DialogTest, ATemplateWithoutAPlaceComesIntoTheMiddleOfItsOwner) {
-    CPlainOwner owner;
-    CRect ownerRect;
-    owner.GetWindowRect(ownerRect);
-    for (const UINT id : {IDD_BARE, IDD_PROBE}) {
-        CProbeDialog dialog(id, &owner);
-        CRect rect;
-        dialog.m_inLoop = [&] {
-            dialog.GetWindowRect(rect);
-            dialog.EndDialog(IDOK);
-        };
-        dialog.DoModal();
-        const bool isCentered = std::abs(rect.CenterPoint().x - ownerRect.CenterPoint().x) <= 1 &&
-                                std::abs(rect.CenterPoint().y - ownerRect.CenterPoint().y) <= 1;
-        EXPECT_EQ(isCentered, id == IDD_BARE);
-    }
-}
-
 TEST_F(DialogTest, WhatAHandlerThrowsLeavesDoModalWhenAllIsTakenDown) {
     const auto throwPointer = [] { AfxThrowInvalidArgException(); };
     CPlainOwner owner;
     for (const int place : {0, 1, 2}) {
         CProbeDialog dialog(IDD_PROBE, &owner);
         (place == 0 ? dialog.m_onInit : place == 1 ? dialog.m_inLoop : dialog.m_onTranslate) = throwPointer;
-        HWND window = nullptr;
         try {
             dialog.DoModal();
             ADD_FAILURE() << place;
@@ -278,93 +204,12 @@ TEST_F(DialogTest, WhatAHandlerThrowsLeavesDoModalWhenAllIsTakenDown) {
             problem->Delete();
         }
         EXPECT_EQ(dialog.m_hWnd, nullptr);
-        EXPECT_FALSE(::IsWindow(window));
         EXPECT_TRUE(owner.IsWindowEnabled());
         EXPECT_EQ(CWnd::GetActiveWindow(), &owner);
     }
     CProbeDialog dialog(IDD_PROBE, &owner);
     dialog.m_inLoop = [] { throw std::runtime_error("standard"); };
     EXPECT_THROW(dialog.DoModal(), std::runtime_error);
-}
-
-TEST_F(DialogTest, OfSeveralExceptionsTheFirstLeaves) {
-    CProbeDialog dialog;
-    dialog.m_inLoop = [&] {
-        static int s_depth = 0;
-        if (s_depth++ == 0) {
-            dialog.SendMessage(kInLoop);  // throws inside: caught at that window's edge
-            EXPECT_TRUE(dialog.IsWindowVisible());
-            AfxThrowNotSupportedException();
-        }
-        AfxThrowInvalidArgException();
-    };
-    try {
-        dialog.DoModal();
-        ADD_FAILURE();
-    } catch (CInvalidArgException* problem) {
-        problem->Delete();
-    }
-}
-
-TEST_F(DialogTest, AnInnerDialogsExceptionPassesThroughTheOuterOne) {
-    CProbeDialog outer;
-    bool innerGone = false;
-    outer.m_inLoop = [&] {
-        CProbeDialog inner(IDD_PROBE, &outer);
-        inner.m_inLoop = [] { AfxThrowInvalidArgException(); };
-        try {
-            inner.DoModal();
-        } catch (CInvalidArgException*) {
-            innerGone = inner.m_hWnd == nullptr && outer.IsWindowEnabled();
-            throw;
-        }
-    };
-    try {
-        outer.DoModal();
-        ADD_FAILURE();
-    } catch (CInvalidArgException* problem) {
-        problem->Delete();
-    }
-    EXPECT_TRUE(innerGone);
-}
-
-TEST_F(DialogTest, AWindowThatGoesByItselfEndsTheLoop) {
-    CPlainOwner owner;
-    CProbeDialog dialog(IDD_PROBE, &owner);
-    dialog.m_inLoop = [&] { ::DestroyWindow(dialog); };
-    EXPECT_EQ(dialog.DoModal(), -1);
-    EXPECT_TRUE(owner.IsWindowEnabled());
-}
-
-TEST_F(DialogTest, TheEndOfTheProgramEndsTheLoopAndIsLeftForTheOuterOne) {
-    CProbeDialog dialog;
-    dialog.m_inLoop = [] { ::PostQuitMessage(33); };
-    EXPECT_EQ(dialog.DoModal(), -1);
-    MSG message{};
-    EXPECT_TRUE(::PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
-    EXPECT_EQ(message.wParam, 33u);
-}
-
-TEST_F(DialogTest, CommandsGoOnToTheOwnerAndToTheApplication) {
-    constexpr UINT kCommand = 0x8001;
-    class CCommandOwner : public CPlainOwner {
-    public:
-        std::vector<UINT> m_commands;
-        BOOL OnCmdMsg(UINT id, int code, void* extra, AFX_CMDHANDLERINFO* info) override {
-            m_commands.push_back(id);
-            return CPlainOwner::OnCmdMsg(id, code, extra, info);
-        }
-    } owner;
-    theWindowTestApp.m_commands.clear();
-    CProbeDialog dialog(IDD_PROBE, &owner);
-    dialog.m_inLoop = [&] {
-        dialog.SendMessage(WM_COMMAND, kCommand);
-        dialog.SendMessage(WM_COMMAND, 0x7FFF);
-        dialog.EndDialog(IDOK);
-    };
-    dialog.DoModal();
-    EXPECT_EQ(owner.m_commands, std::vector<UINT>{kCommand});
-    EXPECT_EQ(theWindowTestApp.m_commands, std::vector<UINT>{kCommand});
 }
 
 namespace {
@@ -423,52 +268,4 @@ TEST_F(DialogTest, KeysAreOfferedToTheFocusWindowThenToTheDialogThenTranslated) 
     const std::vector<std::string> expected = {"edit 13",  "edit 65", "dialog 65", "edit 9",
                                                "dialog 9", "button",  "dialog 27"};
     EXPECT_EQ(dialog.m_log, expected);
-}
-
-TEST_F(DialogTest, ReturnPressesTheDefaultButtonWhicheverThatIs) {
-    CPlainOwner owner;
-    CProbeDialog dialog;
-    INT_PTR result = 0;
-    DialogDriver driver;
-    driver.Run([&] { result = dialog.DoModal(); },
-               [&](Dialog& d) {
-                   EXPECT_EQ(d.FocusId(), IDC_PROBE_EDIT);
-                   d.OnGuiThread([&] {
-                       EXPECT_EQ(LOWORD(dialog.SendMessage(DM_GETDEFID)), IDOK);
-                       dialog.SendMessage(DM_SETDEFID, IDC_PROBE_BUTTON);
-                   });
-                   d.Key(VK_RETURN);
-                   d.OnGuiThread([&] {
-                       EXPECT_EQ(dialog.m_log, std::vector<std::string>{"button"});
-                       dialog.SendMessage(DM_SETDEFID, IDOK);
-                   });
-                   d.Key(VK_RETURN);
-               });
-    EXPECT_EQ(result, IDOK);
-}
-
-TEST_F(DialogTest, TemporaryObjectsEndWhenTheLoopIsIdle) {
-    class CIdleOwner : public CPlainOwner {
-    public:
-        CWnd* m_dialog = nullptr;
-
-    protected:
-        LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
-            if (message == WM_ENTERIDLE && m_dialog != nullptr) std::exchange(m_dialog, nullptr)->PostMessage(kInLoop);
-            return CPlainOwner::WindowProc(message, wParam, lParam);
-        }
-    } owner;
-    CProbeDialog dialog(IDD_PROBE, &owner);
-    const size_t before = CWnd::TemporaryCountForTesting();  // those from outside stay
-    dialog.m_inLoop = [&] {
-        CWnd* const temporary = CWnd::FromHandle(::GetDlgItem(dialog, IDC_PROBE_BUTTON));
-        EXPECT_EQ(temporary->GetDlgCtrlID(), IDC_PROBE_BUTTON);
-        EXPECT_GT(CWnd::TemporaryCountForTesting(), before);
-        owner.m_dialog = &dialog;
-        dialog.m_inLoop = [&] {
-            EXPECT_EQ(CWnd::TemporaryCountForTesting(), before);
-            dialog.EndDialog(IDOK);
-        };
-    };
-    dialog.DoModal();
 }

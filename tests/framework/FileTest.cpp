@@ -4,7 +4,6 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
-#include <memory>
 #include <string>
 
 #include "support/ScopedTestDir.h"
@@ -128,12 +127,4 @@ TEST(File, AClosedOrReadOnlyFileRefuses) {
     EXPECT_EQ(CauseOf([&] { file.Write("x", 1); }), CFileException::invalidFile);
     EXPECT_EQ(CauseOf([&] { static_cast<void>(file.GetLength()); }), CFileException::invalidFile);
     EXPECT_EQ(BytesOf(dir.Path(L"a.txt")), "");
-}
-
-TEST(File, AnotherOpenClosesTheFirst) {
-    const ScopedTestDir dir;
-    CFile file(dir.Path(L"a.txt").c_str(), CFile::modeCreate | CFile::modeWrite | CFile::shareExclusive);
-    ASSERT_TRUE(file.Open(dir.Path(L"b.txt").c_str(), CFile::modeCreate | CFile::modeWrite));
-    EXPECT_TRUE(DeleteFileW(dir.Path(L"a.txt").c_str()));
-    EXPECT_EQ(file.GetFileName(), L"b.txt");
 }

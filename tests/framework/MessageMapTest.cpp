@@ -51,22 +51,6 @@ ON_WM_CLOSE()
 ON_MESSAGE(kOwn, &CRecorder::OnOwn)
 END_MESSAGE_MAP()
 
-// Takes one of the recorder's messages away and passes another on.
-class CDerivedRecorder : public CRecorder {
-protected:
-    afx_msg void OnMouseMove(UINT, CPoint) { Note("derived", {}); }
-    afx_msg void OnLButtonDown(UINT flags, CPoint point) {
-        Note("before", {});
-        CRecorder::OnLButtonDown(flags, point);
-    }
-    DECLARE_MESSAGE_MAP()
-};
-
-BEGIN_MESSAGE_MAP(CDerivedRecorder, CRecorder)
-ON_WM_MOUSEMOVE()
-ON_WM_LBUTTONDOWN()
-END_MESSAGE_MAP()
-
 template <class Window>
 void CreateHidden(Window& window) {
     ASSERT_TRUE(window.CreateEx(0, nullptr, L"", WS_POPUP, CRect(0, 0, 100, 100), nullptr, 0));
@@ -100,52 +84,6 @@ TEST(MessageMap, TakesMessagesApartIntoTheHandlersArguments) {
     }
     EXPECT_EQ(window.SendMessage(kOwn, 10, 13), -3);
     EXPECT_EQ(window.SendMessage(WM_GETDLGCODE), DLGC_WANTALLKEYS);
-}
-
-TEST(MessageMap, AsksTheDerivedClassFirstAndOnlyOnce) {
-    CDerivedRecorder window;
-    CreateHidden(window);
-    window.SendMessage(WM_MOUSEMOVE);
-    window.SendMessage(WM_LBUTTONDOWN, 0, MAKELPARAM(1, 2));
-    window.SendMessage(WM_CLOSE);
-    EXPECT_EQ(window.m_log, (Log{"derived", "before", "down 0 1 2", "close"}));
-}
-
-namespace {
-
-// An edit that swallows digits, with the rest going where it would have gone.
-class CLetterEdit : public CEdit {
-protected:
-    afx_msg void OnChar(UINT character, UINT repeat, UINT flags) {
-        if (character < L'0' || character > L'9') CEdit::OnChar(character, repeat, flags);
-    }
-    // The arguments can be changed on the way, but the default has the message as it came.
-    afx_msg void OnKeyDown(UINT, UINT repeat, UINT flags) { CEdit::OnKeyDown(VK_HOME, repeat, flags); }
-    DECLARE_MESSAGE_MAP()
-};
-
-BEGIN_MESSAGE_MAP(CLetterEdit, CEdit)
-ON_WM_CHAR()
-ON_WM_KEYDOWN()
-END_MESSAGE_MAP()
-
-}  // namespace
-
-TEST(MessageMap, DefaultIsTheControlsOwnProcedureWithTheMessageAsItCame) {
-    CWnd parent;
-    CreateHidden(parent);
-    CLetterEdit edit;
-    ASSERT_TRUE(edit.Create(WS_CHILD, CRect(0, 0, 90, 20), &parent, 5));
-    for (const wchar_t character : std::wstring_view(L"a1b2c")) edit.SendMessage(WM_CHAR, character, 1);
-    CString text;
-    edit.GetWindowText(text);
-    EXPECT_EQ(text, L"abc");
-    edit.SetSel(1, 1);
-    edit.SendMessage(WM_KEYDOWN, VK_END, 1);
-    int start = 0;
-    int end = 0;
-    edit.GetSel(start, end);
-    EXPECT_EQ(start, 3);
 }
 
 namespace {
@@ -249,11 +187,6 @@ TEST_F(Reflection, AWindowWithoutAnObjectAnswersNothing) {
     EXPECT_EQ(Notify(m_parent, kCode, nullptr), 22);
     EXPECT_EQ(Notify(m_parent, kCode, bare, kChildId + 1), 0);
     EXPECT_EQ(s_order, (Log{"parent command", "parent notify", "parent notify"}));
-}
-
-TEST_F(Reflection, ANotificationThatNamesItsReceiverComesToItsReflectedHandler) {
-    EXPECT_EQ(Notify(m_child, kCode, m_child), 21);
-    EXPECT_EQ(s_order, Log{"child notify"});
 }
 
 TEST_F(Reflection, TheParentHasTheColorsFirstAndItsBaseAsksTheChild) {

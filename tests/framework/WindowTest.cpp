@@ -2,11 +2,8 @@
 
 #include <gtest/gtest.h>
 #include <stdexcept>
-#include <string>
 #include <thread>
-#include <vector>
 
-#include "framework/TestModule.h"
 #include "framework/WindowTestApp.h"
 
 namespace {
@@ -69,16 +66,6 @@ TEST(Window, IsBoundFromItsFirstMessageToItsLast) {
     EXPECT_EQ(CWnd::PermanentCountForTesting(), before);
 }
 
-TEST(Window, AnObjectThatGoesTakesItsWindowWithIt) {
-    HWND handle = nullptr;
-    {
-        CWnd window;
-        ASSERT_TRUE(CreateHidden(window));
-        handle = window;
-    }
-    EXPECT_FALSE(::IsWindow(handle));
-}
-
 TEST(Window, ARefusedCreationLeavesNothingBehind) {
     const size_t before = CWnd::PermanentCountForTesting();
     CCounted window;
@@ -95,25 +82,6 @@ TEST(Window, ARefusedCreationLeavesNothingBehind) {
     EXPECT_EQ(CWnd::FromHandlePermanent(next), nullptr);
     ::DestroyWindow(next);
     EXPECT_EQ(CWnd::PermanentCountForTesting(), before);
-}
-
-TEST(Window, AnObjectMayDeleteItselfAtTheEnd) {
-    class CSelfDeleting : public CWnd {
-    public:
-        explicit CSelfDeleting(int& deleted) : m_deleted(deleted) {}
-        ~CSelfDeleting() override { ++m_deleted; }
-
-    protected:
-        void PostNcDestroy() override { delete this; }
-
-    private:
-        int& m_deleted;
-    };
-    int deleted = 0;
-    auto* const window = new CSelfDeleting(deleted);
-    ASSERT_TRUE(CreateHidden(*window));
-    ::DestroyWindow(*window);
-    EXPECT_EQ(deleted, 1);
 }
 
 TEST(Window, SubclassingPutsTheMapBeforeTheOldProcedureAndUnsubclassingTakesItAway) {
@@ -145,20 +113,6 @@ TEST(Window, SubclassingPutsTheMapBeforeTheOldProcedureAndUnsubclassingTakesItAw
     EXPECT_EQ(edit.m_ended, 0);
 }
 
-TEST(Window, AttachOnlyMakesTheObjectFindable) {
-    CWnd parent;
-    ASSERT_TRUE(CreateHidden(parent));
-    const HWND bare = CreateBareEdit(parent);
-    const WNDPROC own = ProcedureOf(bare);
-    CWnd object;
-    ASSERT_TRUE(object.Attach(bare));
-    EXPECT_EQ(parent.GetDlgItem(9), &object);
-    EXPECT_EQ(ProcedureOf(bare), own);
-    EXPECT_EQ(object.Detach(), bare);
-    EXPECT_TRUE(::IsWindow(bare));
-    EXPECT_EQ(CWnd::FromHandlePermanent(bare), nullptr);
-}
-
 TEST(Window, ForAWindowWithoutAnObjectThereIsATemporaryOne) {
     const size_t before = CWnd::PermanentCountForTesting();
     CWnd parent;
@@ -182,59 +136,6 @@ TEST(Window, ObjectsAreFoundOnTheirOwnThreadOnly) {
     ASSERT_TRUE(CreateHidden(window));
     std::thread([&] { EXPECT_EQ(CWnd::FromHandlePermanent(window), nullptr); }).join();
     EXPECT_EQ(CWnd::FromHandlePermanent(window), &window);
-}
-
-TEST(Window, TextsMayBeLong) {
-    CWnd window;
-    ASSERT_TRUE(CreateHidden(window, L"short"));
-    CString text = L"longer than what comes";
-    window.GetWindowText(text);
-    EXPECT_EQ(text, L"short");
-    const CString longText(L'x', 100000);
-    window.SetWindowText(longText);
-    window.GetWindowText(text);
-    EXPECT_EQ(text, longText);
-    window.SetWindowText(L"");
-    window.GetWindowText(text);
-    EXPECT_TRUE(text.IsEmpty());
-}
-
-TEST(Window, HandlersRunInTheModuleStateInWhichTheWindowWasBound) {
-    const TestModule module;
-    CCounted window;
-    module.Call([&] { ASSERT_TRUE(CreateHidden(window)); });
-    window.m_instance = nullptr;
-    window.MoveWindow(0, 0, 30, 30);
-    EXPECT_EQ(window.m_instance, module.Instance());
-    EXPECT_EQ(AfxGetInstanceHandle(), ::GetModuleHandleW(nullptr));
-    window.DestroyWindow();
-}
-
-TEST(Window, ModifyStyleTellsWhetherAnythingChanged) {
-    CWnd window;
-    ASSERT_TRUE(CreateHidden(window));
-    EXPECT_TRUE(window.ModifyStyle(0, WS_TABSTOP));
-    EXPECT_FALSE(window.ModifyStyle(0, WS_TABSTOP));
-    EXPECT_TRUE(window.GetStyle() & WS_TABSTOP);
-    EXPECT_TRUE(window.ModifyStyle(WS_TABSTOP, 0, SWP_FRAMECHANGED));
-    EXPECT_FALSE(window.GetStyle() & WS_TABSTOP);
-}
-
-TEST(Window, RectanglesOfChildrenConvertBetweenScreenAndClient) {
-    CWnd parent;
-    ASSERT_TRUE(CreateHidden(parent));
-    CWnd child;
-    ASSERT_TRUE(child.Create(nullptr, L"", WS_CHILD, CRect(3, 4, 13, 24), &parent, 1));
-    CRect rect;
-    child.GetWindowRect(rect);
-    EXPECT_EQ(rect, CRect(13, 24, 23, 44));
-    parent.ScreenToClient(rect);
-    EXPECT_EQ(rect, CRect(3, 4, 13, 24));
-    parent.ClientToScreen(rect);
-    EXPECT_EQ(rect, CRect(13, 24, 23, 44));
-    CPoint point(0, 0);
-    child.ClientToScreen(&point);
-    EXPECT_EQ(point, CPoint(13, 24));
 }
 
 TEST(Window, WhatAHandlerThrowsOutsideOfADialogIsToldToTheUserAndEndsThere) {

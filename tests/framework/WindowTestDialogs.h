@@ -2,9 +2,7 @@
 #pragma once
 
 #define IDD_PROBE 300
-#define IDD_BARE 301
 #define IDD_BAD_INIT 302
-#define IDD_NESTED 303
 
 #define IDC_PROBE_EDIT 311
 #define IDC_PROBE_COMBO 312

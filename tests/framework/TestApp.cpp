@@ -1,3 +1,0 @@
-#include "framework/TestApp.h"
-
-CTestApp theTestApp;
