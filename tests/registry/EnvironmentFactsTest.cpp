@@ -1,5 +1,4 @@
 // Bitness and file system redirection of a running system, and versions of files.
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -54,13 +53,6 @@ BOOL WINAPI RevertRedirection(PVOID oldValue) {
     return s_redirectionSucceeds;
 }
 
-CString OwnPath() {
-    CString path;
-    GetModuleFileNameW(nullptr, path.GetBufferSetLength(1000), 1000);
-    path.ReleaseBuffer();
-    return path;
-}
-
 }  // namespace
 
 TEST(Bitness, A64BitProcessReadsFalse) {
@@ -70,6 +62,9 @@ TEST(Bitness, A64BitProcessReadsFalse) {
         EXPECT_FALSE(IsOffline64BitOs());
         EXPECT_EQ(AddWow64KeyFlag(KEY_READ), REGSAM{KEY_READ});
         EXPECT_EQ(FindOfflineWindowsDrive(), 0);
+        // The idle answers differ.
+        EXPECT_TRUE(DisableFsRedirection());
+        EXPECT_FALSE(RevertFsRedirection());
     });
 }
 
@@ -97,13 +92,6 @@ TEST(Bitness, AFailedQuestionIsAskedAgain) {
         s_succeeds = TRUE;
         EXPECT_TRUE(IsOffline64BitOs());
         EXPECT_EQ(s_asked, 2);
-    });
-}
-
-TEST(FsRedirection, TheIdleAnswersDiffer) {
-    EXPECT_IN_FRESH_PROCESS([] {
-        EXPECT_TRUE(DisableFsRedirection());
-        EXPECT_FALSE(RevertFsRedirection());
     });
 }
 
@@ -135,76 +123,22 @@ TEST(FsRedirection, EachThreadPairsItsOwnCalls) {
     });
 }
 
-TEST(FileVersion, IsTheFilesOwn) {
-    CString text = L"old";
-    EXPECT_EQ(GetFileVersionText(OwnPath(), text), 0u);
-    EXPECT_EQ(text, L"10.0.22000.65");
-}
-
-TEST(FileVersion, AFailureNamesItsStatusAndLeavesTheText) {
+TEST(FileVersion, IsTheFilesOwnAndAFailureLeavesTheText) {
     const ScopedTestDir dir;
-    const std::wstring plain = dir.Path(L"plain.txt");
-    std::ofstream(std::filesystem::path(plain)) << "no program";
+    std::ofstream(std::filesystem::path(dir.Path(L"plain.txt"))) << "no program";
     std::ofstream(std::filesystem::path(dir.Path(L"cut.exe")), std::ios::binary) << "MZ";
     CString text = L"old";
-    for (const std::wstring& path : {plain, dir.Path(L"cut.exe"), dir.Path(L"missing.dll"), std::wstring()}) {
+    for (const std::wstring& path : {dir.Path(L"plain.txt"), dir.Path(L"cut.exe"), dir.Path(L"no.dll"), std::wstring()})
         EXPECT_NE(GetFileVersionText(path.c_str(), text), 0u) << std::string(path.begin(), path.end());
-    }
     EXPECT_EQ(text, L"old");
-}
-
-TEST(FileVersion, AResourceWithoutItsRecordIsNoVersion) {
-    using Query = decltype(&VerQueryValueW);
-    const Patch<Query> patch(This(), "VerQueryValueW", [](LPCVOID, LPCWSTR, LPVOID* value, PUINT bytes) {
-        *value = nullptr;
-        *bytes = 0;
-        return TRUE;
-    });
-    CString text = L"old";
-    EXPECT_EQ(GetFileVersionText(OwnPath(), text), DWORD{ERROR_INVALID_DATA});
-    EXPECT_EQ(text, L"old");
-}
-
-TEST(ModuleVersion, IsThatOfTheModuleWithTheToolkit) {
-    EXPECT_IN_FRESH_PROCESS([] {
-        EXPECT_EQ(GetModuleVersionText(), L"10.0.22000.65");
-        EXPECT_TRUE(IsVersionOlderThanModule(L"10.0.21999", 4));
-        EXPECT_FALSE(IsVersionOlderThanModule(L"10.0.22000.65", 4));
-        EXPECT_FALSE(IsVersionOlderThanModule(L"10.0", 2));
-    });
-}
-
-TEST(ModuleVersion, FallsBackToTheCurrentModuleState) {
-    EXPECT_IN_FRESH_PROCESS([] {
-        static int s_names = 0;
-        static decltype(&GetModuleFileNameW) s_real = nullptr;
-        const Patch<decltype(&GetModuleFileNameW)> patch(This(), "GetModuleFileNameW",
-                                                         [](HMODULE module, LPWSTR buffer, DWORD size) -> DWORD {
-                                                             EXPECT_EQ(size, 260u);
-                                                             return s_names++ == 0 ? 0 : s_real(module, buffer, size);
-                                                         });
-        s_real = patch.Original();
-        EXPECT_EQ(GetModuleVersionText(), L"10.0.22000.65");
-        GetModuleVersionText();
-        EXPECT_EQ(s_names, 2) << "kept once found";
-    });
-}
-
-TEST(ProductVersion, TextFormsOfTheDecisions) {
-    VersionParts parts{9, 9, 9, 9};
-    ParseVersion(L"8.1", parts);
-    EXPECT_EQ(parts, (VersionParts{8, 1, 0, 0}));
-    EXPECT_TRUE(IsVersionAtLeast(L"8.1.0.5", L"8.1", 4));
-    EXPECT_TRUE(IsVersionOlder(L"8.1", L"8.1.0.5", 4));
-    EXPECT_FALSE(IsVersionOlder(L"8.1", L"8.1.0.5", 3));
-    EXPECT_TRUE(IsKnownProductVersion(CString(L"8.21")));
-    EXPECT_TRUE(IsKnownProductVersion(L"10.5.1.2"));
-    EXPECT_FALSE(IsKnownProductVersion(L"9.0"));
-    EXPECT_FALSE(IsKnownProductVersion(static_cast<LPCWSTR>(nullptr)));
-    EXPECT_TRUE(IsProductVersion7OrLater(L"7"));
-    EXPECT_TRUE(IsProductVersion7OrLater(L"10.1"));
-    EXPECT_FALSE(IsProductVersion7OrLater(L"6.9"));
-    EXPECT_FALSE(IsProductVersion7OrLater(L""));
+    WCHAR self[1000];
+    GetModuleFileNameW(nullptr, self, 1000);
+    EXPECT_EQ(GetFileVersionText(self, text), 0u);
+    EXPECT_EQ(text, L"10.0.22000.65");
+    EXPECT_EQ(GetModuleVersionText(), L"10.0.22000.65") << "of the module with the toolkit";
+    EXPECT_TRUE(IsVersionOlderThanModule(L"10.0.21999", 4));
+    EXPECT_FALSE(IsVersionOlderThanModule(L"10.0.22000.65", 4));
+    EXPECT_FALSE(IsVersionOlderThanModule(L"10.0", 2));
 }
 
 TEST(SystemRoot, IsTheRunningSystems) {

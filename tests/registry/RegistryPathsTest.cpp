@@ -2,7 +2,6 @@
 #include <objidl.h>
 
 #include <gtest/gtest.h>
-#include <string>
 
 #include "registry/HiveRedirection.h"
 #include "registry/RegistryHelper.h"
@@ -132,23 +131,6 @@ TEST_F(RegistryPaths, OpensAValueAsAStream) {
     EXPECT_EQ(read[2], 3);
     CRegistryHelper::SetUserHiveOverride(L"no such user");
     EXPECT_EQ(CRegistryHelper::OpenStream(HKEY_CURRENT_USER, Path(), L"v", STGM_READ), nullptr);
-}
-
-TEST_F(RegistryPaths, SplitsAFullPath) {
-    HKEY hive = HKEY_CURRENT_CONFIG;
-    CString subkey = L"kept";
-    EXPECT_FALSE(CRegistryHelper::SplitRegistryPath(L"HKEY_USERS", hive, subkey));
-    EXPECT_FALSE(CRegistryHelper::SplitRegistryPath(L"", hive, subkey));
-    EXPECT_EQ(hive, HKEY_CURRENT_CONFIG);
-    EXPECT_EQ(subkey, L"kept");
-    EXPECT_TRUE(CRegistryHelper::SplitRegistryPath(L"HKCU\\x", hive, subkey));
-    EXPECT_EQ(hive, HKEY_CURRENT_CONFIG);
-    EXPECT_EQ(subkey, L"x");
-    EXPECT_TRUE(CRegistryHelper::SplitRegistryPath(L"hkey_users\\", hive, subkey));
-    EXPECT_EQ(hive, HKEY_USERS);
-    EXPECT_TRUE(subkey.IsEmpty());
-    EXPECT_TRUE(CRegistryHelper::SplitRegistryPath(L"HKEY_CURRENT_USER\\" + Path(), hive, subkey));
-    EXPECT_TRUE(CRegistryHelper::KeyExists(hive, subkey));
 }
 
 // Every way to fail, many times over: what was opened on the way is closed.

@@ -84,56 +84,53 @@ TEST_F(RegistryValue, TextEndsWithOrWithoutTerminator) {
     EXPECT_TRUE(m_helper.GetStringValue(L"missing").IsEmpty());
 }
 
-TEST_F(RegistryValue, TextOfAnotherTypeIsRefused) {
-    for (const DWORD type : {REG_NONE, REG_BINARY, REG_DWORD, REG_MULTI_SZ, REG_LINK, 0x7777}) {
-        Set(type, BytesOf({L"ab\0\0", 4}));
-        EXPECT_EQ(StatusThrownBy([&] { m_helper.GetStringValue(L"v"); }), 0x70Cu) << type;
-    }
-}
-
-TEST_F(RegistryValue, NumbersAreOfTheirTypeAndNotLarger) {
-    Set(REG_DWORD, {0x78, 0x56, 0x34, 0x12});
-    EXPECT_EQ(m_helper.GetDwordValue(L"v"), 0x12345678u);
-    EXPECT_TRUE(m_helper.GetBoolValue(L"v"));
-    Set(REG_DWORD, {0, 0, 0, 0});
-    EXPECT_FALSE(m_helper.GetBoolValue(L"v"));
-    Set(REG_DWORD, {0x34, 0x12});
-    EXPECT_EQ(m_helper.GetDwordValue(L"v"), 0x1234u);
-    Set(REG_DWORD, {});
-    EXPECT_EQ(m_helper.GetDwordValue(L"v"), 0u);
-
-    struct Case {
+// Each reader takes one type alone and no more bytes than it has room for.
+TEST_F(RegistryValue, NumbersAndTextsOfAnotherTypeOrSizeAreRefused) {
+    const auto dword = [&] { m_helper.GetDwordValue(L"v"); };
+    const auto flag = [&] { m_helper.GetBoolValue(L"v"); };
+    const auto int64 = [&] { m_helper.GetInt64Value(L"v"); };
+    const auto text = [&] { m_helper.GetStringValue(L"v"); };
+    const struct {
         DWORD type;
-        Bytes bytes;
-        DWORD status;
+        size_t bytes;
+        DWORD ofDword, ofInt64, ofText;
+    } cases[] = {
+        {REG_DWORD, 4, 0, 0x70C, 0x70C},
+        {REG_DWORD, 2, 0, 0x70C, 0x70C},
+        {REG_DWORD, 0, 0, 0x70C, 0x70C},
+        {REG_DWORD, 5, ERROR_MORE_DATA, 0x70C, 0x70C},
+        {REG_DWORD, 1 << 20, ERROR_MORE_DATA, 0x70C, 0x70C},
+        {REG_BINARY, 8, 0x70C, 0, 0x70C},
+        {REG_BINARY, 7, 0x70C, 0x70C, 0x70C},
+        {REG_BINARY, 0, 0x70C, 0x70C, 0x70C},
+        {REG_BINARY, 9, 0x70C, ERROR_MORE_DATA, 0x70C},
+        {REG_QWORD, 8, 0x70C, 0x70C, 0x70C},
+        {REG_SZ, 1 << 20, 0x70C, 0x70C, 0},
+        {REG_DWORD_BIG_ENDIAN, 4, 0x70C, 0x70C, 0x70C},
+        {REG_MULTI_SZ, 4, 0x70C, 0x70C, 0x70C},
+        {0x7777, 4, 0x70C, 0x70C, 0x70C},
     };
-    const Case cases[] = {
-        {REG_DWORD, Bytes(5), ERROR_MORE_DATA},  {REG_DWORD, Bytes(1 << 20), ERROR_MORE_DATA},
-        {REG_BINARY, Bytes(4), 0x70C},           {REG_SZ, Bytes(1 << 20), 0x70C},
-        {REG_DWORD_BIG_ENDIAN, Bytes(4), 0x70C},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(std::to_string(c.type) + " of " + std::to_string(c.bytes.size()));
-        Set(c.type, c.bytes);
-        EXPECT_EQ(StatusThrownBy([&] { m_helper.GetDwordValue(L"v"); }), c.status);
-        EXPECT_EQ(StatusThrownBy([&] { m_helper.GetBoolValue(L"v"); }), c.status);
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::to_string(c.type) + " of " + std::to_string(c.bytes));
+        Set(c.type, Bytes(c.bytes));
+        EXPECT_EQ(StatusThrownBy(dword), c.ofDword);
+        EXPECT_EQ(StatusThrownBy(flag), c.ofDword);
+        EXPECT_EQ(StatusThrownBy(int64), c.ofInt64);
+        EXPECT_EQ(StatusThrownBy(text), c.ofText);
     }
-    EXPECT_EQ(StatusThrownBy([&] { m_helper.GetDwordValue(L"missing"); }), 2u);
-    EXPECT_EQ(StatusThrownBy([&] { m_helper.GetBoolValue(L"missing"); }), 2u);
-}
+    RegDeleteValueW(m_key.Key(), L"v");
+    EXPECT_EQ(StatusThrownBy(dword), 2u);
+    EXPECT_EQ(StatusThrownBy(flag), 2u);
+    EXPECT_EQ(StatusThrownBy(int64), 2u);
+    EXPECT_EQ(StatusThrownBy(text), 0u) << "a missing text is an empty one";
+    EXPECT_FALSE(m_helper.ValueExists(L"v"));
 
-TEST_F(RegistryValue, A64BitNumberIsEightBytesOfBinary) {
+    Set(REG_DWORD, {0x34, 0x12});
+    EXPECT_EQ(m_helper.GetDwordValue(L"v"), 0x1234u) << "what the value lacks reads 0";
+    EXPECT_TRUE(m_helper.GetBoolValue(L"v"));
     Set(REG_BINARY, {0x08, 0x07, 0x06, 0x05, 0x04, 0x03, 0x02, 0x81});
     EXPECT_EQ(m_helper.GetInt64Value(L"v"), static_cast<LONGLONG>(0x8102030405060708));
-    for (const size_t size : {0, 1, 7}) {
-        Set(REG_BINARY, Bytes(size));
-        EXPECT_EQ(StatusThrownBy([&] { m_helper.GetInt64Value(L"v"); }), 0x70Cu) << size;
-    }
-    Set(REG_BINARY, Bytes(9));
-    EXPECT_EQ(StatusThrownBy([&] { m_helper.GetInt64Value(L"v"); }), DWORD{ERROR_MORE_DATA});
-    Set(REG_QWORD, Bytes(8));
-    EXPECT_EQ(StatusThrownBy([&] { m_helper.GetInt64Value(L"v"); }), 0x70Cu);
-    EXPECT_EQ(StatusThrownBy([&] { m_helper.GetInt64Value(L"missing"); }), 2u);
+    EXPECT_TRUE(m_helper.ValueExists(L"V"));
 }
 
 TEST_F(RegistryValue, AFailedPlacementLeavesTheCallersAsItWas) {
@@ -180,32 +177,24 @@ TEST_F(RegistryValue, BinaryOfAnySize) {
     EXPECT_EQ(StatusThrownBy([&] { m_helper.GetBinaryValue(L"missing"); }), 2u);
 }
 
-TEST_F(RegistryValue, AValueThatGrowsBetweenSizeAndReadIsAFailure) {
+TEST_F(RegistryValue, AValueThatGrowsUnderTheReaderIsAFailureAndOneThatShrinksIsReadAsItIsThen) {
     const ImportPatch<decltype(&RegQueryValueExW)> patch(GetModuleHandleW(nullptr), "RegQueryValueExW", QueryAndChange);
     s_query = patch.Original();
-    Set(REG_SZ, BytesOf({L"ab\0", 3}));
-    s_nextType = REG_SZ;
-    s_nextBytes = BytesOf(std::wstring(1000, L'x'));
+    const auto changeTo = [&](DWORD type, const Bytes& now, const Bytes& next) {
+        Set(type, now);
+        s_nextType = type;
+        s_nextBytes = next;
+    };
+    const Bytes longText = BytesOf(std::wstring(1000, L'x'));
+    changeTo(REG_SZ, BytesOf({L"ab\0", 3}), longText);
     EXPECT_EQ(StatusThrownBy([&] { m_helper.GetStringValue(L"v"); }), DWORD{ERROR_MORE_DATA});
-    Set(REG_BINARY, Bytes(4));
-    s_nextType = REG_BINARY;
-    s_nextBytes = Bytes(1000);
+    changeTo(REG_SZ, longText, BytesOf(L"ab"));
+    EXPECT_EQ(m_helper.GetStringValue(L"v"), L"ab");
     DWORD size = 77;
+    changeTo(REG_BINARY, Bytes(4), Bytes(1000));
     EXPECT_EQ(StatusThrownBy([&] { m_helper.GetBinaryValue(L"v", &size); }), DWORD{ERROR_MORE_DATA});
     EXPECT_EQ(size, 0u);
-}
-
-TEST_F(RegistryValue, AValueThatShrinksIsReadAsItIsThen) {
-    const ImportPatch<decltype(&RegQueryValueExW)> patch(GetModuleHandleW(nullptr), "RegQueryValueExW", QueryAndChange);
-    s_query = patch.Original();
-    Set(REG_SZ, BytesOf(std::wstring(1000, L'x')));
-    s_nextType = REG_SZ;
-    s_nextBytes = BytesOf(L"ab");
-    EXPECT_EQ(m_helper.GetStringValue(L"v"), L"ab");
-    Set(REG_BINARY, Bytes(1000));
-    s_nextType = REG_BINARY;
-    s_nextBytes = Bytes(3, 9);
-    DWORD size = 0;
+    changeTo(REG_BINARY, Bytes(1000), Bytes(3, 9));
     const auto buffer = m_helper.GetBinaryValue(L"v", &size);
     EXPECT_EQ(size, 3u);
     EXPECT_EQ(buffer[2], 9);
@@ -228,24 +217,6 @@ TEST_F(RegistryValue, WritesTypesAndBytes) {
     EXPECT_EQ(m_helper.SetStringValue(L"text", L"ab"), ERROR_SUCCESS);
     EXPECT_EQ(Raw(L"text", REG_SZ), BytesOf({L"ab\0", 3}));
     EXPECT_EQ(m_helper.SetStringValue(L"text", nullptr), 13);
-}
-
-TEST_F(RegistryValue, WritingToAReadOnlyKeyFails) {
-    CRegistryHelper reader(HKEY_CURRENT_USER, m_key.Path().c_str(), KEY_READ);
-    EXPECT_EQ(StatusThrownBy([&] { reader.SetBoolValue(L"v", true); }), DWORD{ERROR_ACCESS_DENIED});
-    EXPECT_EQ(StatusThrownBy([&] { reader.SetInt64Value(L"v", 1); }), DWORD{ERROR_ACCESS_DENIED});
-    EXPECT_EQ(StatusThrownBy([&] { reader.SetPlacementValue(L"v", {}); }), DWORD{ERROR_ACCESS_DENIED});
-    EXPECT_FALSE(reader.ValueExists(L"v"));
-}
-
-TEST_F(RegistryValue, ExistsWhateverItsType) {
-    Set(0x7777, {});
-    EXPECT_TRUE(m_helper.ValueExists(L"v"));
-    EXPECT_TRUE(m_helper.ValueExists(CString(L"V")));
-    EXPECT_FALSE(m_helper.ValueExists(L""));
-    EXPECT_FALSE(m_helper.ValueExists(L"missing"));
-    CRegistryHelper closed;
-    EXPECT_FALSE(closed.ValueExists(L"v"));
 }
 
 TEST_F(RegistryValue, TheFrameworksTextQueryTrustsNothing) {

@@ -47,19 +47,3 @@ TEST(KnownProductVersion, IsAPrefixFromTheTable) {
         EXPECT_FALSE(BeginsWithKnownProductVersion(unknown)) << testing::PrintToString(std::wstring(unknown));
     }
 }
-
-TEST(SystemVersion, TellsTheReleasesApart) {
-    const SystemVersion windows8{6, 2, 9200, 1};
-    EXPECT_TRUE(windows8.IsAtLeast(6, 2));
-    EXPECT_TRUE(windows8.IsAtLeast(6, 1));
-    EXPECT_FALSE(windows8.IsAtLeast(6, 3));
-    const SystemVersion windows10{10, 0, 21999, 1};
-    EXPECT_TRUE(windows10.IsAtLeast(6, 3));
-    EXPECT_FALSE(windows10.IsWindows11OrLater());
-    EXPECT_TRUE((SystemVersion{10, 0, 22000, 1}.IsWindows11OrLater()));
-    EXPECT_FALSE((SystemVersion{6, 3, 22000, 1}.IsWindows11OrLater()));
-    EXPECT_FALSE((SystemVersion{5, 9, 0, 1}.IsAtLeast(6, 0)));
-    EXPECT_TRUE((SystemVersion{6, 0, 0, 2}.IsServer()));
-    EXPECT_FALSE((SystemVersion{6, 0, 0, 0}.IsServer()));
-    EXPECT_FALSE((SystemVersion{6, 0, 0, 0}.IsWorkstation()));
-}

@@ -85,34 +85,3 @@ TEST(WindowsVersion, TellsEachReleaseOfARunningSystem) {
         });
     }
 }
-
-TEST(WindowsVersion, IsLoggedOnceWithItsScope) {
-    EXPECT_IN_FRESH_PROCESS([] {
-        std::wstring log;
-        Logger().SetSink([&log](LogLevel level, const wchar_t* message) {
-            if (level == LogLevel::Informational) log += L"information: ";
-            log += message;
-            log += L"\n";
-        });
-        const std::wstring version = CWindowsVersion::GetVersionText().GetString();
-        CWindowsVersion::GetVersionText();
-        Logger().SetSink({});
-        const auto scope = log.find(L"CWindowsVersion::Initialize");
-        const auto line = log.find(L"information: OS version: " + version + L"\n");
-        EXPECT_LT(scope, line);
-        EXPECT_NE(line, std::wstring::npos);
-        EXPECT_EQ(log.find(L"OS version", line + 14), std::wstring::npos);
-    });
-}
-
-TEST(WindowsVersion, AnswersForTheSystemItRunsOn) {
-    EXPECT_IN_FRESH_PROCESS([] {
-        OSVERSIONINFOEXW info{};
-        info.dwOSVersionInfoSize = sizeof(info);
-        ASSERT_TRUE(GetVersionExW(reinterpret_cast<OSVERSIONINFOW*>(&info)));
-        CString text;
-        text.Format(L"%u.%u.%u %s", info.dwMajorVersion, info.dwMinorVersion, info.dwBuildNumber, info.szCSDVersion);
-        EXPECT_EQ(CWindowsVersion::GetVersionText(), text);
-        EXPECT_TRUE(CWindowsVersion::IsVistaOrLater());
-    });
-}
