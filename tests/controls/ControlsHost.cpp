@@ -8,7 +8,6 @@ CControlsHost::CControlsHost() : CDialogEx(IDD_REGISTRY_RULES) {}
 void CControlsHost::DoDataExchange(CDataExchange* exchange) {
     CDialogEx::DoDataExchange(exchange);
     DDX_Control(exchange, IDC_RULE_LIST, m_list);
-    DDX_Control(exchange, IDC_REGISTRY_TREE, m_tree);
 }
 
 BOOL CControlsHost::OnInitDialog() {
@@ -24,47 +23,22 @@ BOOL CControlsHost::OnInitDialog() {
         m_list.SetItemText(index, 1, row[1]);
         m_list.SetItemText(index, 2, row[2]);
     }
-    if (m_fillTree) {
-        m_tree.Initialize(true);
-    }
     m_list.SetFocus();
     TakeTold();
     return FALSE;
 }
 
 LRESULT CControlsHost::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message >= RRM_ENABLE_CELL_EDIT && message <= RRM_FILL_COMBO) {
-        ToldMessage told{message, wParam, {}};
-        if (message == RRM_CELL_CHANGED) {
-            told.cell = *reinterpret_cast<const NMLVDISPINFOW*>(lParam);
-        }
-        {
-            const std::lock_guard lock(m_mutex);
-            m_told.push_back(told);
-        }
-        if (message == RRM_FILL_COMBO) {
-            auto& items = *reinterpret_cast<CStringList*>(lParam);
-            if (m_fillCombo) {
-                items.AddTail(L"Branch");
-                items.AddTail(L"Key");
-                items.AddTail(L"Value");
-            }
-            return 1;
-        }
-        return 0;
-    }
-    return CDialogEx::WindowProc(message, wParam, lParam);
-}
-
-std::vector<ToldMessage> CControlsHost::TakeToldMessages() {
+    if (message < RRM_ENABLE_CELL_EDIT || message > RRM_FILL_COMBO)
+        return CDialogEx::WindowProc(message, wParam, lParam);
     const std::lock_guard lock(m_mutex);
-    return std::exchange(m_told, {});
+    m_told.push_back(message);
+    if (message != RRM_FILL_COMBO) return 0;
+    for (const wchar_t* kind : {L"Branch", L"Key", L"Value"}) reinterpret_cast<CStringList*>(lParam)->AddTail(kind);
+    return 1;
 }
 
 std::vector<UINT> CControlsHost::TakeTold() {
-    std::vector<UINT> numbers;
-    for (const ToldMessage& told : TakeToldMessages()) {
-        numbers.push_back(told.message);
-    }
-    return numbers;
+    const std::lock_guard lock(m_mutex);
+    return std::exchange(m_told, {});
 }

@@ -28,11 +28,10 @@ void CCellList::OnEndLabelEdit(NMHDR* header, LRESULT* result) {
     EXPECT_EQ(header->hwndFrom, m_hWnd);
     EXPECT_EQ(header->idFrom, static_cast<UINT_PTR>(IDC_CELLS));
     EXPECT_EQ(info.item.mask, static_cast<UINT>(LVIF_TEXT));
-    lastText = info.item.pszText;
-    EXPECT_EQ(info.item.cchTextMax, static_cast<int>(lastText.size()));
+    const std::wstring text = info.item.pszText;
+    EXPECT_EQ(info.item.cchTextMax, static_cast<int>(text.size()));
     std::ostringstream line;
-    line << "list end " << info.item.iItem << ',' << info.item.iSubItem << " '" << Narrow(lastText.substr(0, 40))
-         << '\'';
+    line << "list end " << info.item.iItem << ',' << info.item.iSubItem << " '" << Narrow(text) << '\'';
     log->push_back(line.str());
     *result = 0;
     if (onEndEdit) onEndEdit();
@@ -40,23 +39,12 @@ void CCellList::OnEndLabelEdit(NMHDR* header, LRESULT* result) {
 
 BOOL CEntryDialog::OnInitDialog() {
     CDialogEx::OnInitDialog();
-    key.SubclassDlgItem(IDC_KEY, this);
-    value.SubclassDlgItem(IDC_VALUE, this);
     list.SubclassDlgItem(IDC_CELLS, this);
     return TRUE;
 }
 
 LRESULT CEntryDialog::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
     RecordPrivateMessage(m_log, "dialog", message, wParam, lParam);
-    if (message == kValidate) {
-        *reinterpret_cast<int*>(lParam) = key.ValidateKey();
-        return 0;
-    }
     if (message == WM_KEYUP) m_log.push_back("dialog keyup " + std::to_string(wParam));
     return CDialogEx::WindowProc(message, wParam, lParam);
-}
-
-LRESULT COwnerWindow::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
-    RecordPrivateMessage(m_log, "owner", message, wParam, lParam);
-    return CWnd::WindowProc(message, wParam, lParam);
 }

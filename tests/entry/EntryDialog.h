@@ -1,4 +1,4 @@
-// A dialog with the strip's two edits and a list for cell editors, and a record of what they tell their parents.
+// A dialog with a list for cell editors, and a record of what they tell their parents.
 #pragma once
 
 #include <afxcmn.h>
@@ -8,9 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "entry/ColorEdit.h"
 #include "entry/EntryDialogIds.h"
-#include "entry/ValueEdit.h"
 
 // One line per private message, end of a cell edit and key-up sent by an edit: "dialog 8101", "list end 2,1 'text'".
 using EventLog = std::vector<std::string>;
@@ -22,7 +20,6 @@ void RecordPrivateMessage(EventLog& log, const char* receiver, UINT message, WPA
 class CCellList : public CListCtrl {
 public:
     EventLog* log = nullptr;
-    std::wstring lastText;            // of the last end of an edit
     std::function<void()> onEndEdit;  // called at each end of an edit
 
 protected:
@@ -33,31 +30,12 @@ protected:
 
 class CEntryDialog : public CDialogEx {
 public:
-    // Runs ValidateKey on the key edit and puts its result where lParam, an int*, points.
-    static constexpr UINT kValidate = WM_APP + 0x700;
+    explicit CEntryDialog(EventLog& log) : CDialogEx(IDD_ENTRY), m_log(log) { list.log = &log; }
 
-    explicit CEntryDialog(EventLog& log, CWnd* parent = nullptr) : CDialogEx(IDD_ENTRY, parent), m_log(log) {
-        list.log = &log;
-    }
-
-    CColorEdit key;
-    CValueEdit value;
     CCellList list;
 
 protected:
     BOOL OnInitDialog() override;
-    LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
-
-private:
-    EventLog& m_log;
-};
-
-// Owns the dialog, two levels up from the strip's edits.
-class COwnerWindow : public CWnd {
-public:
-    explicit COwnerWindow(EventLog& log) : m_log(log) {}
-
-protected:
     LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
 
 private:

@@ -2,7 +2,5 @@
 #pragma once
 
 #define IDD_ENTRY 100
-#define IDC_KEY 101
-#define IDC_VALUE 102
 #define IDC_CELLS 103
 #define IDC_ELSEWHERE 104

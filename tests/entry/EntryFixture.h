@@ -1,4 +1,4 @@
-// Runs the dialog of these tests under an owner that records as well, and opens cell editors in its list.
+// Runs the dialog of these tests, and opens cell editors in its list.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -19,13 +19,7 @@ protected:
 
     // Runs the script against a new dialog. The record starts empty.
     void Run(const std::function<void(Dialog&)>& script) {
-        COwnerWindow owner(m_log);
-        owner.CreateEx(0, nullptr, L"Owner", WS_OVERLAPPEDWINDOW | WS_VISIBLE, CRect(0, 0, 300, 200), nullptr, 0);
-        RunUnder(&owner, script);
-    }
-
-    void RunUnder(CWnd* owner, const std::function<void(Dialog&)>& script) {
-        CEntryDialog dialog(m_log, owner);
+        CEntryDialog dialog(m_log);
         m_dialog = &dialog;
         m_driver.Run([&] { dialog.DoModal(); },
                      [&](Dialog& d) {

@@ -68,33 +68,12 @@ TEST(ExpandHive, ReplacesAnAbbreviationInTheTablesCase) {
     for (const auto& [input, expected] : cases) EXPECT_EQ(ExpandHive(input, ShippedHives()), expected) << input;
 }
 
-TEST(ExpandHive, UndoesAbbreviateHiveForPathsOfAnyLength) {
-    const std::wstring subkey = L"\\" + std::wstring(40000, L'K') + L"\\\u4E2D \U0001F600";
-    for (const Hive& hive : ShippedHives()) {
-        EXPECT_EQ(AbbreviateHive(hive.fullName + subkey, ShippedHives()), hive.abbreviation + subkey);
-        EXPECT_EQ(ExpandHive(hive.abbreviation + subkey, ShippedHives()), hive.fullName + subkey);
-    }
-}
-
-TEST(HiveConversions, TextsThatDidNotLoadMatchNothing) {
-    HiveTable hives = ShippedHives();
-    for (Hive& hive : hives) hive.fullName = hive.abbreviation = L"Undefined string resource requested: 215";
-    EXPECT_EQ(AbbreviateHive(L"HKEY_USERS\\x", hives), L"HKEY_USERS\\x");
-    EXPECT_EQ(NormaliseAbbreviation(L"hku\\x", hives), L"hku\\x");
-    EXPECT_EQ(ExpandHive(L"HKU\\x", hives), L"HKU\\x");
-}
-
 TEST(MakeHivePath, JoinsWithABackslashWhateverTheSubkey) {
     EXPECT_EQ(MakeHivePath(0x80000000, L".txt", ShippedHives()), L"HKCR\\.txt");
     EXPECT_EQ(MakeHivePath(0x80000001, L"", ShippedHives()), L"HKCU\\");
     EXPECT_EQ(MakeHivePath(0x80000002, L"\\a%s\\", ShippedHives()), L"HKLM\\\\a%s\\");
     EXPECT_EQ(MakeHivePath(0x80000003, L"S-1-5-18", ShippedHives()), L"HKU\\S-1-5-18");
     EXPECT_EQ(MakeHivePath(0x80000005, L"System", ShippedHives()), L"HKCC\\System");
-}
-
-TEST(MakeHivePath, ARootWithoutARowGivesTheSubkeyAlone) {
-    EXPECT_EQ(MakeHivePath(0x80000004, L"Global", ShippedHives()), L"Global");  // performance data
-    EXPECT_EQ(MakeHivePath(0, L"x", ShippedHives()), L"x");
 }
 
 }  // namespace

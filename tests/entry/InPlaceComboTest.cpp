@@ -30,141 +30,40 @@ protected:
         d.WaitFor("the combo's end", [&] { return !IsWindow(combo); });
         EXPECT_EQ(Events(), (EventLog{"list end " + std::to_string(row) + ",0 '" + text + "'"}));
     }
-
-    static bool IsDropped(HWND combo) { return SendMessageW(combo, CB_GETDROPPEDSTATE, 0, 0) != 0; }
 };
 
-TEST_F(InPlaceCombo, OffersTheListInItsOrderAndInTheListsFont) {
+TEST_F(InPlaceCombo, KeysAndClicksEndItWithWhatTheyLeave) {
+    const struct {
+        const wchar_t* text;
+        std::vector<WORD> keys;
+        bool clickElsewhere;
+        const char* end;
+    } cases[] = {
+        {L"Branch", {VK_DOWN, VK_ESCAPE}, false, "Branch"},  // the text from the start
+        {L"Branch", {VK_DOWN, VK_RETURN}, false, "Key"},     // the flag of the last edit is gone
+        {L"Branch", {VK_F4, VK_DOWN, VK_DOWN, VK_ESCAPE}, false, "Branch"},
+        {L"Branch", {VK_F4, VK_DOWN, VK_RETURN}, false, "Key"},
+        {L"Branch", {VK_DOWN, VK_TAB}, false, "Key"},
+        {L"Branch", {VK_DOWN}, true, "Key"},
+        // Closing the list ends the edit with the item from before.
+        {L"Key", {VK_F4, VK_DOWN}, true, "Key"},
+        {L"Branch", {VK_F4, VK_TAB}, true, "Branch"},
+    };
     Run([&](Dialog& d) {
-        const HWND combo = OpenCombo(d, 0, L"Key");
-        ASSERT_EQ(SendMessageW(combo, CB_GETCOUNT, 0, 0), 3);
-        EXPECT_EQ(WindowText(combo), L"Key");
-        EXPECT_EQ(SendMessageW(combo, WM_GETFONT, 0, 0), SendMessageW(d.Control(IDC_CELLS), WM_GETFONT, 0, 0));
-        d.Key(VK_UP);
-        d.Key(VK_UP);
-        EXPECT_EQ(WindowText(combo), L"Branch");
-        d.Key(VK_END);
-        EXPECT_EQ(WindowText(combo), L"Value");
-        d.Key(VK_RETURN);
-        ExpectEnd(d, combo, 0, "Value");
-        EXPECT_EQ(d.FocusId(), IDC_CELLS);
-        Close(d);
-    });
-}
-
-TEST_F(InPlaceCombo, EscapeBringsBackTheTextFromTheStart) {
-    Run([&](Dialog& d) {
-        HWND combo = OpenCombo(d, 1, L"Branch");
-        d.Key(VK_DOWN);
-        d.Key(VK_ESCAPE);
-        ExpectEnd(d, combo, 1, "Branch");
-        EXPECT_EQ(d.FocusId(), IDC_CELLS);
-
-        combo = OpenCombo(d, 2, L"", 2);  // by index
-        d.Key(VK_UP);
-        EXPECT_EQ(WindowText(combo), L"Key");
-        d.Key(VK_ESCAPE);
-        ExpectEnd(d, combo, 2, "Value");
-
-        combo = OpenCombo(d, 3, L"Branch");  // the flag of the last edit is gone
-        d.Key(VK_DOWN);
-        d.Key(VK_RETURN);
-        ExpectEnd(d, combo, 3, "Key");
-        Close(d);
-    });
-}
-
-TEST_F(InPlaceCombo, EscapeInTheDroppedListKeepsTheOldText) {
-    Run([&](Dialog& d) {
-        const HWND combo = OpenCombo(d, 0, L"Branch");
-        d.Key(VK_F4);
-        ASSERT_TRUE(IsDropped(combo));
-        d.Key(VK_DOWN);
-        d.Key(VK_DOWN);
-        d.Key(VK_ESCAPE);
-        ExpectEnd(d, combo, 0, "Branch");
-        EXPECT_EQ(d.FocusId(), IDC_CELLS);
-        Close(d);
-    });
-}
-
-TEST_F(InPlaceCombo, ReturnInTheDroppedListTakesTheItem) {
-    Run([&](Dialog& d) {
-        const HWND combo = OpenCombo(d, 0, L"Branch");
-        d.Key(VK_F4);
-        d.Key(VK_DOWN);
-        d.Key(VK_RETURN);
-        ExpectEnd(d, combo, 0, "Key");
-        Close(d);
-    });
-}
-
-TEST_F(InPlaceCombo, AClickOnAnItemTakesItAndEnds) {
-    Run([&](Dialog& d) {
-        const HWND combo = OpenCombo(d, 0, L"Branch");
-        d.Click(combo);
-        d.PickFromPopup(combo, 2);
-        ExpectEnd(d, combo, 0, "Value");
-        EXPECT_EQ(d.FocusId(), IDC_CELLS);
-        Close(d);
-    });
-}
-
-TEST_F(InPlaceCombo, AClickElsewhereEndsWithWhatIsSelected) {
-    Run([&](Dialog& d) {
-        HWND combo = OpenCombo(d, 0, L"Branch");
-        d.Key(VK_DOWN);
-        d.Click(IDC_ELSEWHERE);
-        ExpectEnd(d, combo, 0, "Key");
-        EXPECT_EQ(d.FocusId(), IDC_ELSEWHERE);
-
-        combo = OpenCombo(d, 0, L"Key");
-        d.Key(VK_F4);
-        d.Key(VK_DOWN);
-        d.Click(IDC_ELSEWHERE);  // closes the list, which ends the edit with the item from before
-        ExpectEnd(d, combo, 0, "Key");
-        Close(d);
-    });
-}
-
-TEST_F(InPlaceCombo, TabEndsIt) {
-    Run([&](Dialog& d) {
-        HWND combo = OpenCombo(d, 0, L"Branch");
-        d.Key(VK_DOWN);
-        d.Key(VK_TAB);
-        ExpectEnd(d, combo, 0, "Key");
-
-        combo = OpenCombo(d, 0, L"Branch");
-        d.Key(VK_F4);
-        d.Key(VK_TAB);
-        d.Click(IDC_ELSEWHERE);
-        ExpectEnd(d, combo, 0, "Branch");
-        Close(d);
-    });
-}
-
-// The dialog opens the value's editor when a kind was chosen: the rest of the key that chose it must not end that.
-TEST_F(InPlaceCombo, LeavesTheFocusWithAnEditorThatItsEndOpens) {
-    Run([&](Dialog& d) {
-        for (const bool dropped : {false, true}) {
-            const HWND combo = OpenCombo(d, 0, L"Branch");
-            d.OnGuiThread([&] {
-                m_dialog->list.onEndEdit = [&] {
-                    m_dialog->list.onEndEdit = nullptr;
-                    CInPlaceEdit::GetInstance()->ShowEditCtrl(0, CRect(110, 25, 205, 45), &m_dialog->list, 0, 0, 2, L"",
-                                                              L"(Default)");
-                };
-            });
-            if (dropped) d.Key(VK_F4);
-            d.Key(VK_END);
+        int row = 0;
+        for (const auto& c : cases) {
+            const HWND combo = OpenCombo(d, row, c.text);
+            for (const WORD key : c.keys) d.Key(key);
+            if (c.clickElsewhere) d.Click(IDC_ELSEWHERE);
+            ExpectEnd(d, combo, row++, c.end);
+            const bool backInTheList = c.keys.back() == VK_ESCAPE || c.keys.back() == VK_RETURN;
+            EXPECT_TRUE(!backInTheList || d.FocusId() == IDC_CELLS) << row;
+        }
+        for (const int selection : {3, -2}) {
+            const HWND combo = OpenCombo(d, row, L"Key", selection);
+            EXPECT_EQ(SendMessageW(combo, CB_GETCURSEL, 0, 0), CB_ERR) << "no such entry selects nothing";
             d.Key(VK_RETURN);
-            ExpectEnd(d, combo, 0, "Value");
-            const HWND edit = Dialog::FindBelow(d.Control(IDC_CELLS), L"Edit");
-            ASSERT_NE(edit, nullptr);
-            EXPECT_EQ(d.Focus(), edit);
-            d.Type(L"name");
-            d.Key(VK_RETURN);
-            EXPECT_EQ(Events(), (EventLog{"list end 0,2 'name'", "dialog 8110"}));
+            ExpectEnd(d, combo, row, "");
         }
         Close(d);
     });
@@ -206,18 +105,6 @@ TEST_F(InPlaceCombo, MayBeDeletedByItsOwnEnd) {
         });
         d.Key(VK_RETURN);
         ExpectEnd(d, combo, 0, "Branch");
-        Close(d);
-    });
-}
-
-TEST_F(InPlaceCombo, AHostileSelectionSelectsNothing) {
-    Run([&](Dialog& d) {
-        for (const int selection : {3, 1000, -2}) {
-            const HWND combo = OpenCombo(d, 0, L"Key", selection);
-            EXPECT_EQ(SendMessageW(combo, CB_GETCURSEL, 0, 0), CB_ERR);
-            d.Key(VK_RETURN);
-            ExpectEnd(d, combo, 0, "");
-        }
         Close(d);
     });
 }

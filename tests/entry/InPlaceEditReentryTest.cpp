@@ -56,23 +56,6 @@ TEST_F(InPlaceEdit, AnEndThatIsUnderWayIsNotRepeated) {
     });
 }
 
-TEST_F(InPlaceEdit, DeletingItTakesTheWindowDownWithoutAWord) {
-    Run([&](Dialog& d) {
-        const HWND edit = OpenEdit(d, 0, kKey, L"not a key");
-        d.OnGuiThread([] { CInPlaceEdit::DeleteInstance(); });
-        EXPECT_FALSE(IsWindow(edit));
-        EXPECT_EQ(CInPlaceEdit::IsActive(), 0);
-        EXPECT_EQ(Events(), EventLog{});
-        d.OnGuiThread([] { CInPlaceEdit::DeleteInstance(); });  // none there: nothing to do
-
-        const HWND next = OpenEdit(d, 1, kValue, L"next");
-        d.Key(VK_RETURN);
-        EXPECT_EQ(Events(), (EventLog{"list end 1,2 'next'", "dialog 8110"}));
-        ExpectClosed(d, next);
-        Close(d);
-    });
-}
-
 TEST_F(InPlaceEdit, DeletingItWhileItsBoxIsUpWaitsForTheAnswer) {
     Run([&](Dialog& d) {
         for (const bool byTab : {true, false}) {
