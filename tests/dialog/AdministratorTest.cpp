@@ -61,7 +61,7 @@ TEST_F(Administrator, BuildsTheRulesByMouseAndKeyboard) {
             d.Click(IDC_NEW_TYPE);
             d.PickFromPopup(d.Control(IDC_NEW_TYPE), 0);
             d.Click(IDC_NEW_KEY);
-            d.Type(L"hkcu\\Obsolete");
+            d.Type(L"hkcu\\Obsolete  ");
             d.Key(VK_RETURN);
             EXPECT_EQ(Rows(d), (Texts{L"Branch|HKCU\\Obsolete|", L"Value|HKCU\\Environment|TEMP",
                                       L"Branch|HKLM\\Software\\Tools|", L"Value|" + base + L"\\Editor|Theme",

@@ -2,22 +2,6 @@
 
 #include <gtest/gtest.h>
 
-TEST(DropPlan, AHiveIsRefusedWhereverItFalls) {
-    EXPECT_TRUE(PlanDrop(DraggedItem::Hive, L"HKCU\\", L"HKEY_CURRENT_USER", 0, 3).refused);
-    EXPECT_TRUE(PlanDrop(DraggedItem::Hive, L"HKCU\\", L"HKEY_CURRENT_USER", -1, 0).refused);
-}
-
-TEST(DropPlan, AKeyBecomesABranchBeforeTheRowUnderTheCursorOrBehindTheLast) {
-    const DropPlan onRow = PlanDrop(DraggedItem::Key, L"HKCU\\Software\\Vendor", L"Vendor", 2, 5);
-    EXPECT_FALSE(onRow.refused);
-    EXPECT_EQ(onRow.kind, RuleKind::Branch);
-    EXPECT_EQ(onRow.key, L"HKCU\\Software\\Vendor");
-    EXPECT_EQ(onRow.value, L"");
-    EXPECT_EQ(onRow.row, 2);
-    EXPECT_EQ(PlanDrop(DraggedItem::Key, L"HKCU\\a", L"a", -1, 5).row, 5);
-    EXPECT_EQ(PlanDrop(DraggedItem::Key, L"HKCU\\a", L"a", -1, 0).row, 0);
-}
-
 TEST(DropPlan, AValueLosesItsOwnNameFromThePath) {
     const struct {
         const wchar_t* path;

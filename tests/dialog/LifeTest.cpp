@@ -53,29 +53,15 @@ TEST_F(Life, AChangedListAsksOnEveryWayOutAndNoKeepsTheRows) {
                   0);
         EXPECT_EQ(HostRules(), original);
     }
-}
-
-TEST_F(Life, OkAfterAnUnconfirmedCancelCounts) {
     EXPECT_EQ(Show([&](Dialog& d) {
                   DeleteFirstRow(d);
                   d.Click(IDCANCEL);
                   d.AnswerBox(IDNO);
                   d.Click(IDOK);
               }),
-              1);
+              1)
+        << "OK counts after a cancel that was taken back";
     EXPECT_EQ(HostRules(), Texts{L"Branch|HKEY_CURRENT_USER\\B|0"});
-}
-
-TEST_F(Life, DeletingAndMakingTheSameRuleAgainIsAChange) {
-    EXPECT_EQ(Show([&](Dialog& d) {
-                  DeleteFirstRow(d);
-                  d.Click(IDC_NEW_KEY);
-                  d.Type(L"HKCU\\A");
-                  d.Key(VK_RETURN);
-                  EXPECT_EQ(Rows(d), (Texts{L"Branch|HKCU\\A|", L"Branch|HKCU\\B|"}));
-                  d.Click(IDOK);
-              }),
-              1);
     EXPECT_EQ(ShowAndPress(IDOK), 0) << "the next run begins clean";
 }
 
@@ -119,25 +105,13 @@ TEST_F(Life, ACloseIsDroppedWhileACellHoldsARefusedKey) {
                   EXPECT_EQ(d.Focus(), edit);
                   EXPECT_EQ(Dialog::EditSelection(edit), std::make_pair(6, 8));
                   EXPECT_EQ(CellEdit(d), edit) << "still open with the refused key";
-                  d.Type(L"\\");
-                  d.Key(VK_RETURN);
-                  EXPECT_EQ(Rows(d)[0], L"Branch|HKCU\\a\\b|");
                   d.Key(VK_F4, {VK_MENU});
-                  EXPECT_EQ(d.AnswerBox(IDYES), confirmCancel);
+                  d.AnswerBox(IDCANCEL);
               }),
-              0);
+              0)
+        << "a key that is given up lets the close through";
+    EXPECT_EQ(driver.BoxTexts().size(), 2u) << "no cell was changed, so there is nothing to lose";
     EXPECT_EQ(HostRules(), original);
-}
-
-TEST_F(Life, ACloseGoesThroughWhenTheRefusedKeyIsGivenUp) {
-    EXPECT_EQ(Show([&](Dialog& d) {
-                  OpenCellEdit(d, 0, 1);
-                  d.Type(L"x");
-                  d.Key(VK_F4, {VK_MENU});
-                  EXPECT_EQ(d.AnswerBox(IDCANCEL), unknownHive);
-              }),
-              0);
-    EXPECT_EQ(driver.BoxTexts().size(), 1u) << "no cell was changed, so there is nothing to lose";
 }
 
 TEST_F(Life, ACellHeldAtOkDoesNotHoldTheNextRun) {

@@ -24,19 +24,3 @@ TEST(FoldCase, AgreesWithTheComparisonOverAllCharacters) {
         ASSERT_EQ(equal, folded[i - 1].Compare(folded[i]) == 0) << static_cast<int>(folded[i].GetAt(1));
     }
 }
-
-TEST(LoadedRows, TheLastOfEqualRulesStandsWhereItWasAskedFor) {
-    const CString branch(L"Branch");
-    const CString key(L"Key");
-    LoadedRows rows(5);
-    rows.Add(branch, L"HKCU\\\u00C4pfel", L"", 0);
-    rows.Add(branch, L"HKCU\\b", L"", 1);
-    rows.Add(key, L"HKCU\\\u00E4pfel", L"", 2);
-    rows.Add(branch, L"hkcu\\\u00E4PFEL", L"", 3);
-    rows.Add(branch, L"HKCU\\b", L"n", 0);
-    std::wstring order;
-    for (const LoadedRows::Row* row : rows.InFinalOrder())
-        order +=
-            std::wstring(row->kind->GetString()) + L" " + row->key.GetString() + L" " + row->value.GetString() + L";";
-    EXPECT_EQ(order, L"Branch HKCU\\b n;Branch HKCU\\b ;Key HKCU\\\u00E4pfel ;Branch hkcu\\\u00E4PFEL ;");
-}

@@ -47,19 +47,6 @@ TEST_F(Road, CancelLeavesTheRulesAsTheHostGaveThem) {
     EXPECT_TRUE(driver.BoxTexts().empty());
 }
 
-TEST_F(Road, AnEmptySetOpensAnEmptyList) {
-    EXPECT_EQ(Show([&](Dialog& d) {
-                  EXPECT_TRUE(Rows(d).empty());
-                  EXPECT_EQ(d.FocusId(), IDC_REGISTRY_TREE);
-                  EXPECT_EQ(d.Text(IDC_NEW_KEY), watermark);
-                  EXPECT_EQ(d.Text(IDC_NEW_TYPE), L"Branch");
-                  EXPECT_FALSE(DeleteIsLive(d));
-                  d.Click(IDOK);
-              }),
-              0);
-    EXPECT_TRUE(HostRules().empty());
-}
-
 TEST_F(Road, ControlsOfOneProcessShareTheRules) {
     control.AddKeyRule(L"HKCU\\First", 1, 0);
     {

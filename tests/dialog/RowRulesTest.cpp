@@ -6,14 +6,6 @@ namespace {
 constexpr KindTexts texts{L"Branch", L"Key", L"Value"};
 }
 
-TEST(RowRules, OnlyTheExactTextsAreKinds) {
-    EXPECT_EQ(KindOfCell(L"Branch", texts), RuleKind::Branch);
-    EXPECT_EQ(KindOfCell(L"Key", texts), RuleKind::Key);
-    EXPECT_EQ(KindOfCell(L"Value", texts), RuleKind::Value);
-    for (const wchar_t* other : {L"", L"branch", L"KEY", L"Value ", L"Branc"})
-        EXPECT_EQ(KindOfCell(other, texts), RuleKind::Unknown) << other;
-}
-
 TEST(RowRules, ACellChangeKeepsTypeAndValueInStep) {
     const struct {
         int column;
@@ -37,11 +29,4 @@ TEST(RowRules, ACellChangeKeepsTypeAndValueInStep) {
         EXPECT_EQ(followUp.text, c.text);
         EXPECT_EQ(followUp.edit, c.edit);
     }
-}
-
-TEST(RowRules, TheNextRowTakesOverTheSelectionOrTheLast) {
-    EXPECT_EQ(RowAfterDeletion(0, 3), 0);
-    EXPECT_EQ(RowAfterDeletion(2, 3), 2);
-    EXPECT_EQ(RowAfterDeletion(3, 3), 2) << "the last row was deleted, or none was selected";
-    EXPECT_EQ(RowAfterDeletion(0, 0), -1);
 }

@@ -1,44 +1,13 @@
 // The layout of the strip, and the gap between tree and list moved by the mouse.
-#include <algorithm>
-#include <cstring>
 #include <gtest/gtest.h>
 #include <map>
+#include <set>
 #include <vector>
 
 #include "dialog/RulesDialog.h"
-#include "support/ImportPatch.h"
 #include "support/Input.h"
 
 namespace {
-
-// Gives the dialogs of the framework another font size, in points, as long as the object lives.
-class DialogFontSize {
-public:
-    explicit DialogFontSize(WORD points)
-        : m_patch(LoadedModule(L"framework.dll"), "CreateDialogIndirectParamW", &CreateWithSize) {
-        s_points = points;
-    }
-
-private:
-    static HWND WINAPI CreateWithSize(HINSTANCE instance, LPCDLGTEMPLATEW dialog, HWND parent, DLGPROC procedure,
-                                      LPARAM parameter) {
-        // The size follows the extended template's head (26 bytes), its menu and class, and its title.
-        MEMORY_BASIC_INFORMATION memory{};
-        VirtualQuery(dialog, &memory, sizeof memory);
-        const auto* bytes = reinterpret_cast<const BYTE*>(dialog);
-        const auto* end = static_cast<const BYTE*>(memory.BaseAddress) + memory.RegionSize;
-        std::vector<WORD> copy(static_cast<std::size_t>(std::min<std::ptrdiff_t>(end - bytes, 8192)) / sizeof(WORD));
-        std::memcpy(copy.data(), bytes, copy.size() * sizeof(WORD));
-        std::size_t at = 13 + 2;
-        while (copy.at(at) != 0) ++at;
-        copy.at(at + 1) = s_points;
-        return CreateDialogIndirectParamW(instance, reinterpret_cast<LPCDLGTEMPLATEW>(copy.data()), parent, procedure,
-                                          parameter);
-    }
-
-    static inline WORD s_points = 0;
-    ImportPatch<decltype(&CreateDialogIndirectParamW)> m_patch;
-};
 
 class Splitter : public RulesDialog {
 protected:
@@ -95,47 +64,29 @@ protected:
 }  // namespace
 
 TEST_F(Splitter, TheStripStandsUnderHeadsThatFitTheFont) {
-    for (const WORD size : {WORD{8}, WORD{11}, WORD{14}}) {
-        const DialogFontSize fontSize(size);
-        Show([&](Dialog& d) {
-            SCOPED_TRACE(size);
-            const int fontHeight = FontHeight(d);
-            EXPECT_GT(fontHeight, size) << "pixels";
-            const RECT frame = Place(d, IDC_VALUE_FRAME);
-            const std::pair<int, int> heads[] = {
-                {IDC_TYPE_FRAME, IDC_TYPE_LABEL}, {IDC_KEY_FRAME, IDC_KEY_LABEL}, {IDC_VALUE_FRAME, IDC_VALUE_LABEL}};
-            for (const auto& [frameId, labelId] : heads) {
-                const RECT box = Place(d, frameId);
-                const RECT label = Place(d, labelId);
-                EXPECT_EQ(box.top, frame.top);
-                EXPECT_EQ(box.bottom, frame.bottom);
-                EXPECT_EQ(label.top, Place(d, IDC_VALUE_LABEL).top) << "one line of labels";
-                EXPECT_GE(label.bottom - label.top, fontHeight);
-                // A group box draws its upper line in the middle of its caption's height.
-                const double middleOfLines = (box.top + fontHeight / 2 + box.bottom) / 2.0;
-                EXPECT_NEAR(label.top + fontHeight / 2.0, middleOfLines, 2.0);
-            }
-            const RECT combo = Place(d, IDC_NEW_TYPE);
-            const LONG spacing = combo.top - frame.bottom;
-            EXPECT_GT(spacing, 0);
-            EXPECT_EQ(Place(d, IDC_NEW_KEY).top, combo.top);
-            EXPECT_EQ(Place(d, IDC_NEW_VALUE).top, combo.top);
-            const RECT list = Place(d, IDC_RULE_LIST);
-            EXPECT_EQ(list.top, combo.bottom + spacing);
-            EXPECT_EQ(list.bottom, Place(d, IDC_REGISTRY_TREE).bottom);
-            d.Click(IDCANCEL);
-        });
-    }
-}
-
-TEST_F(Splitter, TheKindBoxStillDropsItsWholeListDown) {
     Show([&](Dialog& d) {
-        d.Click(IDC_NEW_TYPE);
-        for (int index = 2; index >= 0; --index) {
-            d.PickFromPopup(d.Control(IDC_NEW_TYPE), index);
-            EXPECT_EQ(SendMessageW(d.Control(IDC_NEW_TYPE), CB_GETCURSEL, 0, 0), index);
-            if (index > 0) d.Click(IDC_NEW_TYPE);
+        const int fontHeight = FontHeight(d);
+        const RECT frame = Place(d, IDC_VALUE_FRAME);
+        const std::pair<int, int> heads[] = {
+            {IDC_TYPE_FRAME, IDC_TYPE_LABEL}, {IDC_KEY_FRAME, IDC_KEY_LABEL}, {IDC_VALUE_FRAME, IDC_VALUE_LABEL}};
+        for (const auto& [frameId, labelId] : heads) {
+            const RECT box = Place(d, frameId);
+            const RECT label = Place(d, labelId);
+            EXPECT_EQ(box.top, frame.top);
+            EXPECT_EQ(box.bottom, frame.bottom);
+            EXPECT_GE(label.bottom - label.top, fontHeight);
+            // A group box draws its upper line in the middle of its caption's height.
+            const double middleOfLines = (box.top + fontHeight / 2 + box.bottom) / 2.0;
+            EXPECT_NEAR(label.top + fontHeight / 2.0, middleOfLines, 2.0);
         }
+        const RECT combo = Place(d, IDC_NEW_TYPE);
+        const LONG spacing = combo.top - frame.bottom;
+        EXPECT_GT(spacing, 0);
+        EXPECT_EQ(Place(d, IDC_NEW_KEY).top, combo.top);
+        EXPECT_EQ(Place(d, IDC_NEW_VALUE).top, combo.top);
+        const RECT list = Place(d, IDC_RULE_LIST);
+        EXPECT_EQ(list.top, combo.bottom + spacing);
+        EXPECT_EQ(list.bottom, Place(d, IDC_REGISTRY_TREE).bottom);
         d.Click(IDCANCEL);
     });
 }
@@ -146,15 +97,11 @@ TEST_F(Splitter, LeftAndBackGivesTheLayoutOfTheStart) {
         const POINT gap = Gap(d);
         d.Drag(gap, {gap.x - 90, gap.y + 30}, 7);
         const Layout left = AllPlaces(d);
-        for (const auto& [id, r] : before) {
-            std::vector<LONG> expected = r;
-            const bool leftMoves = id == IDC_RULE_LIST || id == IDC_NEW_TYPE || id == IDC_TYPE_LABEL ||
-                                   id == IDC_TYPE_FRAME || id == IDC_NEW_KEY || id == IDC_KEY_LABEL ||
-                                   id == IDC_KEY_FRAME;
-            const bool rightMoves =
-                id == IDC_REGISTRY_TREE || id == IDC_NEW_TYPE || id == IDC_TYPE_LABEL || id == IDC_TYPE_FRAME;
-            if (leftMoves) expected[0] -= 90;
-            if (rightMoves) expected[2] -= 90;
+        const std::set<int> travels{IDC_NEW_TYPE, IDC_TYPE_LABEL, IDC_TYPE_FRAME};
+        const std::set<int> growsLeft{IDC_RULE_LIST, IDC_NEW_KEY, IDC_KEY_LABEL, IDC_KEY_FRAME};
+        for (auto [id, expected] : before) {
+            if (travels.contains(id) || growsLeft.contains(id)) expected[0] -= 90;
+            if (travels.contains(id) || id == IDC_REGISTRY_TREE) expected[2] -= 90;
             EXPECT_EQ(left.at(id), expected) << id;
         }
         // The hit rectangle has travelled with the gap.
@@ -196,9 +143,12 @@ TEST_F(Splitter, BothBoundsHoldItAndNothingStaysClipped) {
 TEST_F(Splitter, APressOutsideTheGapNeitherCapturesNorClips) {
     Show([&](Dialog& d) {
         const Layout before = AllPlaces(d);
-        const RECT tree = Place(d, IDC_REGISTRY_TREE);
-        POINT below{(tree.right + Place(d, IDC_RULE_LIST).left) / 2, tree.bottom};
-        ClientToScreen(d.Window(), &below);
+        d.Move(Gap(d));
+        EXPECT_TRUE(CursorIs(d, IDC_SIZEWE));
+        POINT below{Gap(d).x, Place(d, IDC_REGISTRY_TREE).bottom};
+        POINT origin{};
+        ClientToScreen(d.Window(), &origin);
+        below.y += origin.y;
         d.Move(below);
         EXPECT_TRUE(CursorIs(d, IDC_ARROW));
         d.Press();
@@ -207,19 +157,6 @@ TEST_F(Splitter, APressOutsideTheGapNeitherCapturesNorClips) {
         d.Move({below.x - 30, below.y});
         d.Release();
         EXPECT_EQ(AllPlaces(d), before);
-        d.Click(IDCANCEL);
-    });
-}
-
-TEST_F(Splitter, TheCursorSaysWhereTheGapIs) {
-    Show([&](Dialog& d) {
-        const POINT gap = Gap(d);
-        d.Move(gap);
-        EXPECT_TRUE(CursorIs(d, IDC_SIZEWE));
-        RECT tree{};
-        GetWindowRect(d.Control(IDC_REGISTRY_TREE), &tree);
-        d.Move({gap.x, tree.bottom + 3});
-        EXPECT_TRUE(CursorIs(d, IDC_ARROW));
         d.Click(IDCANCEL);
     });
 }
