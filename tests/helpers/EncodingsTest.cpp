@@ -38,26 +38,6 @@ private:
 
 }  // namespace
 
-TEST(HexToBytes, NeedsWholePairs) {
-    EXPECT_EQ(HexToBytes(L"0"), nullptr);
-    EXPECT_EQ(HexToBytes(L"00f"), nullptr);
-    const auto none = HexToBytes(L"");
-    ASSERT_NE(none, nullptr);
-    EXPECT_EQ(none[0], 0);
-    const auto bytes = HexToBytes(L"00Ff7fzz");
-    ASSERT_NE(bytes, nullptr);
-    EXPECT_EQ(std::memcmp(bytes.get(), "\x00\xff\x7f\x00\x00", 5), 0) << "four bytes and one more";
-}
-
-TEST(BytesToHex, AppendsToTheText) {
-    CString text = L"0x";
-    const BYTE bytes[] = {0x00, 0xa5, 0xff};
-    BytesToHex(bytes, text);
-    EXPECT_EQ(text, L"0x00a5ff");
-    BytesToHex({}, text);
-    EXPECT_EQ(text, L"0x00a5ff");
-}
-
 TEST(WideToUtf8, EncodesWithoutTerminator) {
     EXPECT_EQ(Utf8(L"a\x00E4\x20AC\xD83D\xDE00"), "a\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80");
     EXPECT_EQ(Utf8(L"ab", true), std::string("ab\0\0", 4));
@@ -134,25 +114,6 @@ TEST(WideToAnsi, AnswersTheThreadsCodePage) {
     ASSERT_TRUE(SetThreadLocale(0x0419));
     EXPECT_EQ(WideToAnsi(L"\x0416"), "\xC6");
     SetThreadLocale(before);
-}
-
-TEST(WideToAnsi, AFailedStepGivesAnEmptyText) {
-    using Convert = decltype(&WideCharToMultiByte);
-    static Convert s_real = nullptr;
-    static bool s_failsOnWriting = false;
-    const ImportPatch<Convert> patch(
-        GetModuleHandleW(nullptr), "WideCharToMultiByte",
-        [](UINT page, DWORD flags, LPCWCH text, int length, LPSTR out, int size, LPCCH, LPBOOL) {
-            EXPECT_EQ(page, 3u);
-            EXPECT_EQ(flags, 0x400u);
-            if (!s_failsOnWriting || out) return 0;
-            return s_real(page, flags, text, length, out, size, nullptr, nullptr);
-        });
-    s_real = patch.Original();
-    for (const bool writing : {false, true}) {
-        s_failsOnWriting = writing;
-        EXPECT_TRUE(WideToAnsi(L"text").IsEmpty());
-    }
 }
 
 TEST(Utf8PackedInWide, CarriesTwoBytesInEachCharacter) {

@@ -40,13 +40,4 @@ TEST(MeasureText, IsTheExtentAndAtLeastTheMinimum) {
     EXPECT_EQ(MeasureText(&device.dc, &empty, CSize(3, 0)).cx, 3);
 }
 
-TEST(MeasureText, WithoutContextOrTextIsZero) {
-    FixedDevice device;
-    const CString text = L"text";
-    CDC noDevice;
-    EXPECT_EQ(MeasureText(nullptr, &text, CSize(9, 9)), CSize(0, 0));
-    EXPECT_EQ(MeasureText(&device.dc, nullptr, CSize(9, 9)), CSize(0, 0));
-    EXPECT_EQ(MeasureText(&noDevice, &text, CSize(9, 9)), CSize(9, 9));  // measures nothing
-}
-
 }  // namespace

@@ -12,12 +12,6 @@ TEST(NewGuidText, Is32HexadecimalDigitsAndNew) {
     EXPECT_NE(NewGuidText().Compare(first), 0);
 }
 
-TEST(NewGuidText, IsEmptyWhenThereIsNoGuid) {
-    const ImportPatch<decltype(&CoCreateGuid)> patch(GetModuleHandleW(nullptr), "CoCreateGuid",
-                                                     [](GUID*) -> HRESULT { return E_FAIL; });
-    EXPECT_TRUE(NewGuidText().IsEmpty());
-}
-
 TEST(SystemErrorText, KeepsTheLineBreakAndGivesTheBufferBack) {
     static int s_freed = 0;
     static decltype(&LocalFree) s_free = nullptr;

@@ -1,7 +1,6 @@
 #include "helpers/TextCompare.h"
 
 #include <gtest/gtest.h>
-#include <random>
 
 #include "support/ImportPatch.h"
 #include "support/Narrow.h"
@@ -42,20 +41,6 @@ private:
     ImportPatch<decltype(&CompareStringW)> m_patch;
 };
 
-// Replacing as it is defined: the whole text is rebuilt at each hit.
-int ReplaceByRebuilding(CString& text, const CString& oldText, const CString& newText, int start, bool ignoreCase) {
-    if (oldText.IsEmpty()) return 0;
-    int count = 0;
-    for (int hit; (hit = FindText(text, oldText, start, ignoreCase)) >= 0; ++count) {
-        CString rebuilt;
-        rebuilt.Format(L"%s%s%s", text.Left(hit).GetString(), newText.GetString(),
-                       text.Mid(hit + oldText.GetLength()).GetString());
-        text = rebuilt;
-        start = hit + newText.GetLength();
-    }
-    return count;
-}
-
 }  // namespace
 
 TEST_F(TextCompare, AnswersTheSystemsResultForTheAskedLocale) {
@@ -69,26 +54,6 @@ TEST_F(TextCompare, AnswersTheSystemsResultForTheAskedLocale) {
     ExpectAsked(0x407, 1, 1, 1);
     EXPECT_EQ(CompareInvariantNoCase(L"", L""), CSTR_EQUAL);
     EXPECT_EQ(CompareInvariantNoCase(static_cast<LPCWSTR>(nullptr), L"x"), 0);
-}
-
-TEST_F(TextCompare, StartsWith) {
-    EXPECT_TRUE(StartsWith(L"Software", L"Soft", false));
-    EXPECT_FALSE(StartsWith(L"Software", L"soft", false));
-    EXPECT_EQ(s_question.locale, 0u) << "with case, no language is asked";
-    EXPECT_TRUE(StartsWith(L"Software", L"sOFT", true));
-    ExpectAsked(GetUserDefaultLCID(), 1, 4, 4);
-    EXPECT_FALSE(StartsWith(L"Soft", L"Software", true));
-    EXPECT_TRUE(StartsWith(L"", L"", false));
-    EXPECT_TRUE(StartsWith(L"x", L"", true));
-}
-
-TEST_F(TextCompare, EndsWithCrLf) {
-    EXPECT_TRUE(EndsWithCrLf(L"\r\n"));
-    EXPECT_TRUE(EndsWithCrLf(L"line\r\n"));
-    ExpectAsked(GetUserDefaultLCID(), 1, 2, 2);
-    for (const LPCWSTR text : {L"", L"\n", L"\r", L"line\n", L"line\n\r", L"\r\nline"}) {
-        EXPECT_FALSE(EndsWithCrLf(text)) << testing::PrintToString(text);
-    }
 }
 
 TEST_F(TextCompare, FindsFromTheStartOn) {
@@ -149,25 +114,5 @@ TEST_F(TextCompare, ReplacesWithoutScanningWhatWasPutIn) {
         CString text = c.text;
         EXPECT_EQ(ReplaceText(text, c.oldText, c.newText, c.start, c.ignoreCase), c.count);
         EXPECT_EQ(text, c.result);
-    }
-}
-
-TEST_F(TextCompare, ReplacesAsRebuildingAtEachHitWould) {
-    std::mt19937 random(1);
-    const auto letters = [&random](unsigned longest) {
-        CString text;
-        for (unsigned left = random() % (longest + 1); left > 0; --left) text.AppendChar(L"aAb"[random() % 3]);
-        return text;
-    };
-    for (int i = 0; i < 500; ++i) {
-        CString text = letters(20);
-        const CString oldText = letters(3);
-        const CString newText = letters(4);
-        const int start = static_cast<int>(random() % 5);
-        const bool ignoreCase = random() % 2 == 0;
-        CString rebuilt = text;
-        const int expected = ReplaceByRebuilding(rebuilt, oldText, newText, start, ignoreCase);
-        ASSERT_EQ(ReplaceText(text, oldText, newText, start, ignoreCase), expected);
-        ASSERT_EQ(text, rebuilt);
     }
 }

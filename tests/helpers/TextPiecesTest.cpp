@@ -2,16 +2,6 @@
 #include <string>
 
 #include "helpers/AsciiCase.h"
-#include "helpers/DottedText.h"
-
-TEST(SplitAtDots, KeepsEmptyPieces) {
-    using Pieces = std::vector<std::wstring_view>;
-    EXPECT_EQ(SplitAtDots(L""), (Pieces{L""}));
-    EXPECT_EQ(SplitAtDots(L"12"), (Pieces{L"12"}));
-    EXPECT_EQ(SplitAtDots(L"1.2."), (Pieces{L"1", L"2", L""}));
-    EXPECT_EQ(SplitAtDots(L".."), (Pieces{L"", L"", L""}));
-    EXPECT_EQ(SplitAtDots(L"a..b"), (Pieces{L"a", L"", L"b"}));
-}
 
 TEST(IgnoringAsciiCase, OnlyLatinLettersHaveTwoCases) {
     EXPECT_TRUE(EqualIgnoringAsciiCase(L"Hkey_Users", L"HKEY_USERS"));

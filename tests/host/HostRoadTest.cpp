@@ -44,15 +44,28 @@ protected:
     // Runs the host on the file while the script works its dialog; gives the exit code.
     int Run(const std::function<void(Dialog&)>& script) {
         int exitCode = -1;
+        DialogDriver().Run([&] { exitCode = RunBare({m_path}); }, script);
+        return exitCode;
+    }
+    int RunBare(const std::vector<std::wstring>& arguments) {
+        int exitCode = -1;
         const ScopedTestDir streams;
         {
             const RedirectedStream output(STD_OUTPUT_HANDLE, streams.Path(L"output"));
             const RedirectedStream errors(STD_ERROR_HANDLE, streams.Path(L"errors"));
-            DialogDriver().Run([&] { exitCode = RunHost({m_path}); }, script);
+            exitCode = RunHost(arguments);
         }
         m_output = ReadFileText(streams.Path(L"output")).value_or("");
         m_errors = ReadFileText(streams.Path(L"errors")).value_or("");
         return exitCode;
+    }
+    // A run that is refused before any dialog appears: one line that says why.
+    void ExpectRefused(const std::vector<std::wstring>& arguments, int code, const std::string& part) {
+        EXPECT_EQ(RunBare(arguments), code);
+        EXPECT_EQ(std::count(m_errors.begin(), m_errors.end(), '\n'), 1) << m_errors;
+        EXPECT_TRUE(m_errors.starts_with("RulesHost: ")) << m_errors;
+        EXPECT_NE(m_errors.find(part), std::string::npos) << m_errors;
+        EXPECT_EQ(m_output, "");
     }
 
     static void AddRuleByStrip(Dialog& d, const std::wstring& key) {
@@ -135,6 +148,18 @@ TEST_F(HostRoad, WhatCannotBeSavedGivesCode1AndLeavesTheFileAsItWas) {
               1);
     EXPECT_NE(m_errors.find("surrogate"), std::string::npos) << m_errors;
     EXPECT_EQ(ReadFileText(m_path), Rules);
+}
+
+TEST_F(HostRoad, WrongArgumentsAndFilesAreRefusedInOneLine) {
+    ExpectRefused({L"--save", L"rules.json"}, 1, "");
+    ExpectRefused({L"-x"}, 1, "");
+    ExpectRefused({L"one.json", L"two.json"}, 1, "");
+    ExpectRefused({m_folder.Path()}, 1, "");
+    ExpectRefused({m_folder.Path(L"none\\rules.json")}, 1, "");
+    const std::string text = "{\r\n  \"format\": \"registry-rules\",\r\n  \"version\": 1, \"rules\": [{}]\r\n}";
+    ReplaceFileText(m_path, text);
+    ExpectRefused({m_path}, 2, "Regeln \xE4\xB8\xAD.json: /rules/0: has no member \"type\"\n");
+    EXPECT_EQ(ReadFileText(m_path), text);
 }
 
 }  // namespace

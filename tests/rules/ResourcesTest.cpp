@@ -32,36 +32,4 @@ TEST(Resources, TheVersionIsTheProjects) {
     EXPECT_EQ(numbers, TEXT(PROJECT_VERSION));
 }
 
-TEST(Resources, IconsOfBothSizesAndTheCursorAreThere) {
-    for (const int id : {IDI_BINARY_VALUE, IDI_STRING_VALUE}) {
-        for (const int size : {16, 32}) {
-            SCOPED_TRACE(size);
-            const auto icon = static_cast<HICON>(
-                LoadImageW(Library(), MAKEINTRESOURCEW(id), IMAGE_ICON, size, size, LR_DEFAULTCOLOR));
-            ASSERT_NE(icon, nullptr) << id;
-            ICONINFO info{};
-            BITMAP bitmap{};
-            ASSERT_TRUE(GetIconInfo(icon, &info));
-            GetObjectW(info.hbmColor, sizeof bitmap, &bitmap);
-            EXPECT_EQ(bitmap.bmWidth, size);
-            DeleteObject(info.hbmColor);
-            DeleteObject(info.hbmMask);
-            DestroyIcon(icon);
-        }
-    }
-    EXPECT_NE(LoadCursorW(Library(), MAKEINTRESOURCEW(IDC_CURSOR_GROUP)), nullptr);
-}
-
-TEST(Resources, ThePlaceholderPageCanBeCreated) {
-    const HWND owner = CreateWindowW(L"STATIC", L"", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
-    const HWND page = CreateDialogParamW(
-        Library(), MAKEINTRESOURCEW(IDD_PROPERTY_PAGE), owner, [](HWND, UINT, WPARAM, LPARAM) -> INT_PTR { return 0; },
-        0);
-    ASSERT_NE(page, nullptr);
-    EXPECT_NE(GetWindowLongW(page, GWL_STYLE) & WS_CHILD, 0);
-    EXPECT_EQ(WindowText(GetWindow(page, GW_CHILD)),
-              L"TODO: Place controls to manipulate properties of RegistryRules Control on this dialog.");
-    DestroyWindow(owner);
-}
-
 }  // namespace

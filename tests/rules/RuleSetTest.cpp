@@ -1,7 +1,6 @@
 #include "rules/RuleSet.h"
 
 #include <gtest/gtest.h>
-#include <memory>
 
 #include "rules/Rule.h"
 
@@ -25,27 +24,6 @@ bool RaisesInvalidArgument(const RuleSet<CKeyRule>& set, int index) {
         return true;
     }
     return false;
-}
-
-TEST(Rule, KeepsWhatItWasGivenUnchecked) {
-    const CString text(L'k', 32000);
-    const CKeyRule key(text, -7, -2147483647 - 1);
-    EXPECT_EQ(key.GetKey(), text);
-    EXPECT_EQ(key.IsBranch(), -7);
-    EXPECT_EQ(key.GetPosition(), -2147483647 - 1);
-    const CValueRule value(L"", L"(dEFAULT)", 0);
-    EXPECT_TRUE(value.GetKey().IsEmpty());
-    EXPECT_STREQ(value.GetValue(), L"(dEFAULT)");
-}
-
-TEST(RuleSet, EqualRecordsStandSideBySideInTheOrderOfInsertion) {
-    RuleSet<CKeyRule> set;
-    CKeyRule* rules[] = {new CKeyRule(L"b", 1, 0), new CKeyRule(L"a", 0, 0), new CKeyRule(L"b", 1, 0)};
-    for (CKeyRule* rule : rules) EXPECT_EQ(set.Add(rule), 1);
-    EXPECT_EQ(set.Add(nullptr), 0);
-    ASSERT_EQ(set.Count(), 3);
-    for (const int index : {0, 1, 2, 1, 2, 0, 2}) EXPECT_EQ(set.At(index), rules[index]) << index;
-    set.Clear();
 }
 
 TEST(RuleSet, TheTwoIndicesBehindTheEndRaiseAndThoseAfterThemGiveNull) {
@@ -79,12 +57,6 @@ TEST(RuleSet, ClearDeletesEachRecordOnceAndTheSetServesOn) {
     set.Add(rule);
     EXPECT_EQ(set.At(0), rule);
     set.Clear();
-}
-
-TEST(Rule, DeletingThroughTheBaseRunsTheRealDestructor) {
-    int destroyed = 0;
-    std::unique_ptr<CRule>(new CCountedRule(destroyed)).reset();
-    EXPECT_EQ(destroyed, 1);
 }
 
 }  // namespace

@@ -47,38 +47,20 @@ private:
 
 }  // namespace
 
-TEST(LoggingService, EachFormLogsAtItsLevel) {
-    const LogCapture capture;
-    Logger().LogErrorMessage(L"e %s");
-    Logger().LogErrorMessageFormat(L"e %d", 1);
-    Logger().LogWarningMessage(L"w %s");
-    Logger().LogWarningMessageFormat(L"w %s", L"wide");
-    Logger().LogInformationalMessage(L"i %s");
-    Logger().LogInformationalMessageFormat(L"i %S", "narrow");
-    Logger().LogVerboseMessage(L"v %s");
-    Logger().LogVerboseMessageFormat(L"v %c", L'x');
-    Logger().LogTraceMessage(L"t %s");
-    Logger().LogTraceMessageFormat(L"t %u%%", 5U);
-    EXPECT_EQ(capture.GetLines(), (std::vector<Line>{{LogLevel::Error, L"e %s"},
-                                                     {LogLevel::Error, L"e 1"},
-                                                     {LogLevel::Warning, L"w %s"},
-                                                     {LogLevel::Warning, L"w wide"},
-                                                     {LogLevel::Informational, L"i %s"},
-                                                     {LogLevel::Informational, L"i narrow"},
-                                                     {LogLevel::Verbose, L"v %s"},
-                                                     {LogLevel::Verbose, L"v x"},
-                                                     {LogLevel::Trace, L"t %s"},
-                                                     {LogLevel::Trace, L"t 5%"}}));
-}
-
-TEST(LoggingService, TakesOddTextsAsTheyCome) {
+TEST(LoggingService, TakesTextsAsTheyComeAndFormats) {
     const LogCapture capture;
     const std::wstring path(40000, L'p');
+    Logger().LogWarningMessage(L"w %s");
+    Logger().LogInformationalMessageFormat(L"i %S %u%%", "narrow", 5U);
+    Logger().LogVerboseMessageFormat(L"v %s", L"wide");
     Logger().LogErrorMessage(nullptr);
     Logger().LogErrorMessageFormat(nullptr);
     Logger().LogErrorMessageFormat(L"");
     Logger().LogErrorMessageFormat(L"<%s>", path.c_str());
-    EXPECT_EQ(capture.GetLines(), (std::vector<Line>{{LogLevel::Error, L""},
+    EXPECT_EQ(capture.GetLines(), (std::vector<Line>{{LogLevel::Warning, L"w %s"},
+                                                     {LogLevel::Informational, L"i narrow 5%"},
+                                                     {LogLevel::Verbose, L"v wide"},
+                                                     {LogLevel::Error, L""},
                                                      {LogLevel::Error, L""},
                                                      {LogLevel::Error, L""},
                                                      {LogLevel::Error, L"<" + path + L">"}}));
@@ -136,18 +118,6 @@ TEST(LoggingService, WithoutASinkTheDebuggerHears) {
     Logger().LogWarningMessageFormat(L"File %d", 7);
     EXPECT_EQ(output.Next(), "warning: File 7\n");
     Logger().SetSink(std::move(previous));
-}
-
-TEST(LogCapture, EndsWithItsBlock) {
-    const LogCapture outer;
-    {
-        const LogCapture inner;
-        Logger().LogTraceMessage(L"inside");
-        EXPECT_TRUE(inner.Contains(LogLevel::Trace, L"side"));
-        EXPECT_FALSE(inner.Contains(LogLevel::Error, L"side"));
-    }
-    Logger().LogTraceMessage(L"outside");
-    EXPECT_EQ(outer.GetLines(), (std::vector<Line>{{LogLevel::Trace, L"outside"}}));
 }
 
 TEST(LogMethodEntryExit, TracesEveryWayOut) {
