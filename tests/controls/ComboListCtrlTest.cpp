@@ -175,6 +175,24 @@ TEST_F(ComboListCtrlTest, SystemsOwnLabelEditKeepsOffReadOnlyColumns) {
     });
 }
 
+TEST_F(ComboListCtrlTest, ClickOnANeighbourCellEndsTheEditAndTheNextOneEditsThere) {
+    Run([&](Dialog& d, ListSteps& list) {
+        list.Click(1, 1);
+        list.Click(1, 1);
+        d.Type(L"HKLM\\New");
+        // The old edit's window is still on its way out.
+        list.Click(1, 2);
+        EXPECT_EQ(list.Text(1, 1), L"HKLM\\New");
+        EXPECT_TRUE(NoEditor(list));
+        list.Click(1, 2);
+        ASSERT_NE(Edit(list), nullptr);
+        EXPECT_EQ(WindowText(Edit(list)), L"v");
+        list.Click(1, 0);
+        EXPECT_EQ(Edit(list), nullptr);
+        EXPECT_NE(Combo(list), nullptr);
+    });
+}
+
 TEST_F(ComboListCtrlTest, EditorOfADeletedRowEndsQuietly) {
     Run([&](Dialog& d, ListSteps& list) {
         list.Click(2, 2);

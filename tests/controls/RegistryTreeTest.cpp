@@ -7,11 +7,27 @@
 
 #include "controls/RegistryWatch.h"
 #include "resources/resource.h"
+#include "support/ImportPatch.h"
 #include "support/ScopedRegistryKey.h"
 
 namespace {
 
 using Texts = std::vector<std::wstring>;
+
+// Blocks of the size of an item's record that this program took from the heap and did not give back.
+int g_recordBlocks = 0;
+void* (*g_new)(size_t) = nullptr;
+void (*g_delete)(void*, size_t) = nullptr;
+
+void* CountNew(size_t bytes) {
+    g_recordBlocks += bytes == sizeof(RegTreeItemData);
+    return g_new(bytes);
+}
+
+void CountDelete(void* block, size_t bytes) {
+    g_recordBlocks -= block != nullptr && bytes == sizeof(RegTreeItemData);
+    g_delete(block, bytes);
+}
 
 // A tree in a window that is never shown, over the real registry, in which each test has a key of its own.
 class RegistryTreeTest : public testing::Test {
@@ -256,6 +272,23 @@ TEST_F(RegistryTreeTest, TakesNamesOfAllKinds) {
     }
     EXPECT_NE(Child(parent, L"back\\slash"), nullptr);
     EXPECT_NE(Child(parent, longValue), nullptr);
+}
+
+TEST_F(RegistryTreeTest, FreesTheRecordsOfAllItemsWithItsWindow) {
+    m_key.AddKey(L"one\\two");
+    m_key.SetText(L"one", L"value", L"");
+    m_key.SetText(L"", L"value", L"");
+    const ImportPatch<decltype(&CountNew)> newPatch(GetModuleHandleW(nullptr), "_Znwy", CountNew);
+    g_new = newPatch.Original();
+    const ImportPatch<decltype(&CountDelete)> deletePatch(GetModuleHandleW(nullptr), "_ZdlPvy", CountDelete);
+    g_delete = deletePatch.Original();
+    OpenTree();
+    g_recordBlocks = 0;
+    Tree().Expand(Reach({L"Software", m_key.Name(), L"one"}), TVE_EXPAND);
+    // Keys and values from "Software" down; the registry may hold more beside them.
+    EXPECT_GE(g_recordBlocks, 6);
+    m_tree.DestroyWindow();
+    EXPECT_EQ(g_recordBlocks, 0);
 }
 
 }  // namespace
