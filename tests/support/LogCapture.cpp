@@ -19,6 +19,14 @@ std::vector<LogCapture::Line> LogCapture::GetLines() const {
     return m_lines;
 }
 
+std::vector<std::wstring> LogCapture::Messages(LogLevel level) const {
+    std::vector<std::wstring> messages;
+    for (const Line& line : GetLines()) {
+        if (line.level == level) messages.push_back(line.message);
+    }
+    return messages;
+}
+
 bool LogCapture::Contains(LogLevel level, std::wstring_view part) const {
     const std::lock_guard lock(m_mutex);
     return std::any_of(m_lines.begin(), m_lines.end(), [&](const Line& line) {

@@ -22,6 +22,8 @@ public:
 
     // In the order of logging.
     std::vector<Line> GetLines() const;
+    // Those of one level.
+    std::vector<std::wstring> Messages(LogLevel level) const;
     // Whether a message of that level contains `part`.
     bool Contains(LogLevel level, std::wstring_view part) const;
 
