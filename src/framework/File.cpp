@@ -63,7 +63,7 @@ CFile::~CFile() {
 }
 
 BOOL CFile::Open(LPCWSTR fileName, UINT openFlags, CFileException* problem) {
-    Close();
+    CFile::Close();
     SECURITY_ATTRIBUTES security{sizeof(security), nullptr, (openFlags & modeNoInherit) == 0};
     const DWORD access = AccessOf(openFlags);
     const DWORD share = ShareOf(openFlags);
