@@ -49,7 +49,8 @@ public:
             {"connect", &End::Connect}, {"exists", &End::Exists}, {"space", &End::Space},
             {"open", &End::Open},       {"write", &End::Write},   {"read", &End::Read},
             {"seek", &End::Seek},       {"close", &End::Close},   {"finish", &End::Finish},
-            {"end", &End::EndSession},  {"bare", &End::Bare},     {"text", &End::Text}};
+            {"end", &End::EndSession},  {"bare", &End::Bare},     {"text", &End::Text},
+            {"quiet", &End::Quiet}};
         const auto verb = kVerbs.find(words[0]);
         return verb != kVerbs.end() ? (this->*verb->second)(words) : "no such verb";
     }
@@ -81,6 +82,11 @@ private:
     }
     std::string Alternate(const Words& words) {
         m_session.SetAlternateDirectory(Wide(words[1]));
+        return "ok";
+    }
+    // From now on without an owner window.
+    std::string Quiet(const Words&) {
+        m_session.SetOwnerWindow(nullptr);
         return "ok";
     }
     // With "greet" by handshake. Answers the result and the device's text, which tells where to connect to.
