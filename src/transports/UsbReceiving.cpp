@@ -12,11 +12,11 @@ UINT WinUsbSession::ReadThread(LPVOID session) {
         if (const DWORD error = self->m_sendError; error != 0) {
             // A caller that waits for a reply waits on: the peer's answer was not what failed.
             PostMessageW(self->m_ownerWindow, kUsbStatusMessage, kUsbLinkFailed, 0);
-            self->m_linkIsOver = true;
+            self->m_readIsOver = true;
             return error;
         }
         if (after == After::End) {
-            self->m_linkIsOver = true;
+            self->m_readIsOver = true;
             return 0;
         }
     }
@@ -69,7 +69,7 @@ WinUsbSession::After WinUsbSession::ReceiveReply(UsbDecoder& decoder) {
         m_transferSize = 0;
     }
     const bool isLast = command == UsbCmdFinishReply;
-    if (isLast) m_linkIsOver = true;  // before the caller can go on and ask for more
+    if (isLast) m_readIsOver = true;  // before the caller can go on and ask for more
     m_awaitedReply = 0;
     SetEvent(s_fileEvent);
     return isLast ? After::End : After::GoOn;

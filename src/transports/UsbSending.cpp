@@ -21,7 +21,7 @@ UINT WinUsbSession::SendThread(LPVOID session) {
         self->SendCommand(self->TakeCommand());
         if (self->m_sendError == 0) continue;
         PostMessageW(self->m_ownerWindow, kUsbStatusMessage, kUsbLinkFailed, 0);
-        self->m_linkIsOver = true;
+        self->m_sendIsOver = true;
         SetEvent(s_fileEvent);
         return 0;
     }

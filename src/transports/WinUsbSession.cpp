@@ -8,6 +8,7 @@
 namespace {
 
 constexpr DWORD kThreadsEndMilliseconds = 100;
+constexpr DWORD kOwnEndMilliseconds = 5000;
 
 HANDLE AsHandle(UINT64 value) {
     return reinterpret_cast<HANDLE>(value);
@@ -45,7 +46,7 @@ DWORD WinUsbSession::Connect(const CString& devicePath, bool handshake) {
     if (!handshake) return 0;
     const CSingleLock lock(&s_operationLock, TRUE);
     if (Request(SendConnect, UsbCmdConnectReply)) return 0;
-    TerminateThread(m_readThread->m_hThread, 0);
+    EndThread(*m_readThread, m_readIsOver);
     return ERROR_PIPE_NOT_CONNECTED;
 }
 
@@ -160,11 +161,11 @@ void WinUsbSession::CloseSession() {
     Logger().LogTraceMessage(L"[WinUsbSession::CloseSession] Closing");
     const std::unique_ptr<CWinThread> sendThread(m_sendThread);
     if (m_sendThread != nullptr) {
-        TerminateThread(m_sendThread->m_hThread, 0);
+        EndThread(*m_sendThread, m_sendIsOver);
         m_sendThread = nullptr;
     }
     if (m_readThread != nullptr) {
-        TerminateThread(m_readThread->m_hThread, 0);
+        EndThread(*m_readThread, m_readIsOver);
         // The send thread's member again: what shows that a session is over is that member, and the read thread's stays
         // set, so that its object lives as long as the session.
         m_sendThread = nullptr;
@@ -174,8 +175,14 @@ void WinUsbSession::CloseSession() {
     m_device.Close();
 }
 
+void WinUsbSession::EndThread(const CWinThread& thread, bool endsByItself) {
+    // One that is on its way out may hold the loader's lock, and ended there would keep it: the process could not exit.
+    if (endsByItself) WaitForSingleObject(thread.m_hThread, kOwnEndMilliseconds);
+    TerminateThread(thread.m_hThread, 0);
+}
+
 bool WinUsbSession::BeginRequest() {
-    if (m_sendThread == nullptr || m_linkIsOver) return false;
+    if (m_sendThread == nullptr || m_sendIsOver || m_readIsOver) return false;
     ResetEvent(s_fileEvent);
     return true;
 }

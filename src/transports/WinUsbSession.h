@@ -93,6 +93,8 @@ private:
     using Bytes = std::span<const BYTE>;
     static constexpr DWORD kReplyArriving = ~DWORD{0};
 
+    static void EndThread(const CWinThread& thread, bool endsByItself);
+
     // Requests (WinUsbSession.cpp). False when no answer can come or none came.
     bool BeginRequest();
     bool AwaitReply(Command command, DWORD reply);
@@ -163,5 +165,6 @@ private:
     // The code of the reply that a caller waits for, kReplyArriving while it is read, 0 for none. Only what somebody
     // waits for may touch the members above and the caller's buffer.
     std::atomic<DWORD> m_awaitedReply = 0;
-    std::atomic<bool> m_linkIsOver = false;  // one of the threads has ended
+    std::atomic<bool> m_sendIsOver = false;  // the thread needs nothing any more and ends by itself
+    std::atomic<bool> m_readIsOver = false;
 };
