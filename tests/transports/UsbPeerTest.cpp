@@ -42,9 +42,11 @@ TEST_F(UsbPeer, WhatDoesNotFitIsTakenOffTheStreamAndAnsweredAsAFailure) {
         {"41120000 0a020000" + longName, "42120000 00000000", "Command:0x00001241 has a name of 522 bytes"},
         {"41120000 01000000 61", "42120000 00000000", "Command:0x00001241 has a name of 1 bytes"},
         {"37120000 0400000000000000 10000000", "38120000 00000000", "no open file with handle 0000000000000004"},
-        {"39120000 0400000000000000 05000000 3312000034", "3a120000 00000000", "no open file with handle"},
-        {"3b120000 0400000000000000 0100000000000000 00000000", "3c120000 0000000000000000", "no open file"},
-        {"3d120000 0400000000000000", "3e120000", "no open file with handle"},
+        {"39120000 0500000000000000 05000000 3312000034", "3a120000 00000000",
+         "no open file with handle 0000000000000005"},
+        {"3b120000 0600000000000000 0100000000000000 00000000", "3c120000 0000000000000000",
+         "no open file with handle 0000000000000006"},
+        {"3d120000 0700000000000000", "3e120000", "no open file with handle 0000000000000007"},
         // Of the longest name, 260 characters, the file is not made, but the name is read.
         {"35120000 08020000" + longName.substr(4), "36120000 ffffffffffffffff", "Failed to open file"},
         {"37120000 ffffffffffffffff 00000000", "38120000 00000000", "trace: "},  // known since the failed opening
