@@ -101,7 +101,9 @@ TEST(UsbDecoder, ReadsAStreamInPiecesOfAnySizeTailsKeptOrSkipped) {
                 ASSERT_EQ(tail.size(), expected.size()) << c.head;
                 keep ? decoder.KeepTail(tail) : decoder.SkipTail();
                 stream.Fill(decoder);
-                if (keep) EXPECT_EQ(tail, expected);
+                if (keep) {
+                    EXPECT_EQ(tail, expected);
+                }
             }
             EXPECT_EQ(stream.Left(), 0U);
         }
