@@ -35,8 +35,8 @@ public:
 
 private:
     struct AnchoredControl {
-        RECT m_rcOriginal;  // in the parent's client coordinates
-        HWND m_hWnd;
+        RECT m_rcOriginal{};  // in the parent's client coordinates
+        HWND m_hWnd = nullptr;
         std::uint32_t m_nHorizontalFlags = 0;
         std::uint32_t m_nVerticalFlags = 0;
     };

@@ -69,10 +69,9 @@ bool CComboListCtrl::HasCell(int row, int column) const {
 }
 
 std::vector<int> CComboListCtrl::ColumnWidths() const {
-    std::vector<int> widths;
-    const int columns = ColumnCount();
-    for (int column = 0; column < columns; ++column) {
-        widths.push_back(GetColumnWidth(column));
+    std::vector<int> widths(static_cast<size_t>(std::max(ColumnCount(), 0)));
+    for (size_t column = 0; column < widths.size(); ++column) {
+        widths[column] = GetColumnWidth(static_cast<int>(column));
     }
     return widths;
 }

@@ -33,6 +33,7 @@ constexpr std::array<const wchar_t*, kUserPathCount> kNames = {
 };
 
 constexpr const wchar_t* Name(UserPath path) {
+    // cppcheck-suppress CastIntegerToAddressAtReturn ; the array's elements are texts
     return kNames[static_cast<std::size_t>(path)];
 }
 
