@@ -1,5 +1,6 @@
 #include "controls/ComboListCtrl.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "controls/CellGeometry.h"
