@@ -31,7 +31,7 @@ private:
 };
 
 // The rules in the order of the file. Throws RulesFileError, whose text is one line.
-std::vector<HostRule> ParseRules(std::string_view json);
+std::vector<HostRule> ParseRules(std::string_view text);
 
 // The text of a file that ParseRules reads back to the same rules. Texts must be valid UTF-8.
 std::string FormatRules(const std::vector<HostRule>& rules);

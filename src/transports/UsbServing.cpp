@@ -199,7 +199,5 @@ void WinUsbSession::ReportProgress(LPCWSTR format, LPCWSTR name) const {
     if (m_ownerWindow == nullptr) return;
     CString text;
     text.Format(format, name);
-    // The window frees the text.
-    SendMessageW(m_ownerWindow, kUsbProgressMessage, 1,
-                 reinterpret_cast<LPARAM>(_wcsdup(text)));  // NOLINT(clang-analyzer-unix.Malloc)
-}
+    SendMessageW(m_ownerWindow, kUsbProgressMessage, 1, reinterpret_cast<LPARAM>(_wcsdup(text)));
+}  // NOLINT(clang-analyzer-unix.Malloc): the window frees the text
