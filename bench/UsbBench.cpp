@@ -40,15 +40,16 @@ std::string PortOf(const std::string& answer) {
 
 class BareSide {
 public:
-    BareSide(const std::wstring& device, DWORD chunks) : m_link(device), m_chunks(chunks) {}
+    BareSide(const std::wstring& device, DWORD chunks)
+        : m_link(device), m_chunks(chunks), m_data(chunks * size_t{kUsbChunkBytes}) {}
 
     void Write() {
         m_link.Seek(0, 0);
-        for (DWORD i = 0; i < m_chunks; ++i) m_link.Write(m_buffer, 0, kUsbChunkBytes);
+        for (size_t i = 0; i < m_chunks; ++i) m_link.Write(&m_data[i * kUsbChunkBytes], 0, kUsbChunkBytes);
     }
     void Read() {
         m_link.Seek(0, 0);
-        for (DWORD i = 0; i < m_chunks; ++i) m_link.Read(m_buffer.data(), 0, kUsbChunkBytes);
+        for (DWORD i = 0; i < m_chunks; ++i) m_link.Read(m_data.data(), 0, kUsbChunkBytes);
     }
     void Ask() {
         for (int i = 0; i < kSmallRequests; ++i) Require(m_link.Seek(0, i) == i, "the bare seek failed");
@@ -57,13 +58,12 @@ public:
 private:
     BareLink m_link;
     DWORD m_chunks;
-    std::vector<BYTE> m_buffer = std::vector<BYTE>(kUsbChunkBytes + 64);
+    std::vector<BYTE> m_data;
 };
 
 class SessionSide {
 public:
-    SessionSide(const std::wstring& device, DWORD chunks)
-        : m_chunks(chunks), m_buffer(chunks * size_t{kUsbChunkBytes}) {
+    SessionSide(const std::wstring& device, DWORD chunks) : m_chunks(chunks), m_data(chunks * size_t{kUsbChunkBytes}) {
         Require(m_session.Connect(device.c_str(), true) == 0, "the session does not connect");
         m_file = m_session.OpenDataFile(L"session.bin");
         Require(m_file != INVALID_HANDLE_VALUE, "the session opens no file");
@@ -71,12 +71,12 @@ public:
 
     void Write() {
         m_session.SeekData(m_file, 0, FILE_BEGIN);
-        m_session.WriteData(m_file, m_buffer.data(), static_cast<DWORD>(m_buffer.size()));
+        m_session.WriteData(m_file, m_data.data(), static_cast<DWORD>(m_data.size()));
     }
     void Read() {
         m_session.SeekData(m_file, 0, FILE_BEGIN);
         for (DWORD i = 0; i < m_chunks; ++i) {
-            Require(m_session.ReadData(m_file, m_buffer.data(), kUsbChunkBytes) == kUsbChunkBytes, "a read is short");
+            Require(m_session.ReadData(m_file, m_data.data(), kUsbChunkBytes) == kUsbChunkBytes, "a read is short");
         }
     }
     void Ask() {
@@ -92,7 +92,7 @@ public:
 
 private:
     DWORD m_chunks;
-    std::vector<BYTE> m_buffer;
+    std::vector<BYTE> m_data;
     WinUsbSession m_session;
     HANDLE m_file = INVALID_HANDLE_VALUE;
 };

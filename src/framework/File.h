@@ -37,7 +37,7 @@ public:
         osSequentialScan = 0x80000
     };
     enum SeekPosition { begin, current, end };
-    enum BufferCommand { bufferRead };  // for files in memory
+    enum BufferCommand { bufferRead, bufferWrite, bufferCommit };  // for files in memory
 
     static const HANDLE hFileNull;  // what m_hFile is while nothing is open
 

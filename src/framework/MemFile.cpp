@@ -17,7 +17,21 @@ BYTE* CMemFile::Detach() {
 }
 
 UINT CMemFile::GetBufferPtr(UINT command, UINT count, void** start, void** stop) {
-    if (command != bufferRead) AfxThrowNotSupportedException();
+    switch (command) {
+        case bufferRead:
+            break;
+        case bufferWrite:
+            GrowFile(End(count));
+            *start = m_lpBuffer + m_nPosition;
+            *stop = static_cast<BYTE*>(*start) + count;
+            return count;
+        case bufferCommit:
+            m_nPosition = End(count);
+            m_nFileSize = std::max(m_nFileSize, m_nPosition);
+            return 0;
+        default:
+            AfxThrowNotSupportedException();
+    }
     const UINT available = Available(count);
     *start = m_lpBuffer + (available != 0 ? m_nPosition : 0);
     *stop = static_cast<BYTE*>(*start) + available;
@@ -34,8 +48,7 @@ UINT CMemFile::Read(void* buffer, UINT count) {
 
 void CMemFile::Write(const void* buffer, UINT count) {
     if (count == 0) return;
-    const SIZE_T needed = m_nPosition + count;
-    if (needed < m_nPosition) AfxThrowMemoryException();
+    const SIZE_T needed = End(count);
     GrowFile(needed);
     if (m_nPosition > m_nFileSize) std::memset(m_lpBuffer + m_nFileSize, 0, m_nPosition - m_nFileSize);
     std::memcpy(m_lpBuffer + m_nPosition, buffer, count);
@@ -53,6 +66,13 @@ ULONGLONG CMemFile::Seek(LONGLONG offset, UINT from) {
     return m_nPosition;
 }
 
+void CMemFile::SetLength(ULONGLONG length) {
+    GrowFile(length);
+    if (length > m_nFileSize) std::memset(m_lpBuffer + m_nFileSize, 0, length - m_nFileSize);
+    m_nFileSize = length;
+    m_nPosition = std::min<SIZE_T>(m_nPosition, length);
+}
+
 void CMemFile::Close() {
     std::free(Detach());
     m_nGrowBytes = 0;
@@ -61,6 +81,11 @@ void CMemFile::Close() {
 UINT CMemFile::Available(UINT count) const {
     if (m_nPosition >= m_nFileSize) return 0;
     return static_cast<UINT>(std::min<SIZE_T>(count, m_nFileSize - m_nPosition));
+}
+
+SIZE_T CMemFile::End(UINT count) const {
+    if (m_nPosition + count < m_nPosition) AfxThrowMemoryException();
+    return m_nPosition + count;
 }
 
 void CMemFile::GrowFile(SIZE_T bytes) {

@@ -26,6 +26,8 @@ public:
     BYTE* Detach();
     // With bufferRead: the bytes from the position on, at most `count` and at most up to the end, as [*start, *stop);
     // the position moves behind them. Returns how many. They stay where they are until the next write.
+    // With bufferWrite: room for `count` bytes at the position, which must not lie behind the end. What is put there
+    // belongs to the file when bufferCommit says how many bytes it is; `start` and `stop` are not used then.
     virtual UINT GetBufferPtr(UINT command, UINT count, void** start, void** stop);
 
     UINT Read(void* buffer, UINT count) override;
@@ -33,6 +35,8 @@ public:
     ULONGLONG Seek(LONGLONG offset, UINT from) override;
     ULONGLONG GetPosition() const override { return m_nPosition; }
     ULONGLONG GetLength() const override { return m_nFileSize; }
+    // The bytes of a longer file are lost, its memory is kept; a shorter one is filled with zeros.
+    void SetLength(ULONGLONG length);
     void Flush() override {}
     // Frees the buffer; the file cannot grow afterwards.
     void Close() override;
@@ -47,5 +51,7 @@ protected:
 private:
     // What can be read from the position on.
     UINT Available(UINT count) const;
+    // The position after `count` more bytes.
+    SIZE_T End(UINT count) const;
     void GrowFile(SIZE_T bytes);
 };

@@ -4,8 +4,6 @@
 
 namespace {
 
-constexpr UINT kMessageGrowBytes = 1024;
-
 // As the wire has it: UTF-16, little-endian, no terminator.
 std::span<const BYTE> BytesOf(const CString& text) {
     return {reinterpret_cast<const BYTE*>(text.GetString()), static_cast<size_t>(text.GetLength()) * sizeof(WCHAR)};
@@ -72,8 +70,16 @@ void WinUsbSession::SendCommand(Command command) {
     }
 }
 
+WinUsbSession::MessageFile WinUsbSession::NewMessageFile() {
+    ReusableFile* const spare = m_spareFile.exchange(nullptr);
+    return {spare != nullptr ? spare : new ReusableFile, [this](ReusableFile* file) {
+                file->SetLength(0);
+                delete (file->IsLarge() ? file : m_spareFile.exchange(file));
+            }};
+}
+
 void WinUsbSession::BuildAndSend(const UsbMessage& message, Bytes tail) {
-    auto file = std::make_shared<CMemFile>(kMessageGrowBytes);
+    const MessageFile file = NewMessageFile();
     try {
         const auto head = EncodeUsbMessage(message);
         file->Write(head.data(), static_cast<UINT>(head.size()));
@@ -83,8 +89,12 @@ void WinUsbSession::BuildAndSend(const UsbMessage& message, Bytes tail) {
         m_sendError = ERROR_NOT_ENOUGH_MEMORY;
         return;
     }
-    m_lastMessage = file;
-    SendDataToWinUsb(file);
+    SendAsLast(file);
+}
+
+void WinUsbSession::SendAsLast(const MessageFile& message) {
+    m_lastMessage = message;
+    SendDataToWinUsb(message);
 }
 
 bool WinUsbSession::SendDataToWinUsb(const MessageFile& message) {

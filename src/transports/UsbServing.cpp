@@ -1,6 +1,5 @@
 #include <shlwapi.h>
 
-#include <new>
 #include <sys/stat.h>
 
 #include "files/LongPathFile.h"
@@ -22,8 +21,16 @@ CString Joined(const CString& directory, LPCWSTR name) {
     return joined;
 }
 
-std::unique_ptr<BYTE[]> Allocate(size_t bytes) {
-    return std::unique_ptr<BYTE[]>(new (std::nothrow) BYTE[bytes]);
+// At the file's end; null without memory for them.
+BYTE* RoomFor(DWORD bytes, CMemFile& file) {
+    void* start = nullptr;
+    void* stop = nullptr;
+    try {
+        file.GetBufferPtr(CFile::bufferWrite, bytes, &start, &stop);
+    } catch (CMemoryException* problem) {
+        problem->Delete();
+    }
+    return static_cast<BYTE*>(start);
 }
 
 }  // namespace
@@ -103,27 +110,36 @@ void WinUsbSession::ReceiveOpenFileSend(UsbDecoder& decoder) {
 
 void WinUsbSession::ServeRead(const UsbMessage& message) {
     const WCHAR* const name = NameOfOpenFile(message.handle);
+    if (name == nullptr || !CanTransfer(message)) return BuildAndSend({.command = UsbCmdReadFileReply});
+    ReportProgress(L"Reading from '%s'...", name);
+    // The data are read to where they are sent from, and the count in front of them is known only then.
+    const MessageFile file = NewMessageFile();
+    const auto writeHead = [&file](DWORD count) {
+        const auto head = EncodeUsbMessage({.command = UsbCmdReadFileReply, .count = count});
+        file->SeekToBegin();
+        file->Write(head.data(), static_cast<UINT>(head.size()));
+    };
+    writeHead(0);
     DWORD count = 0;
-    std::unique_ptr<BYTE[]> data;
-    if (name != nullptr && CanTransfer(message)) data = Allocate(message.count);
-    if (data != nullptr) {
-        ReportProgress(L"Reading from '%s'...", name);
-        if (!ReadFile(AsHandle(message.handle), data.get(), message.count, &count, nullptr)) count = 0;
+    BYTE* const data = RoomFor(message.count, *file);
+    if (data != nullptr && ReadFile(AsHandle(message.handle), data, message.count, &count, nullptr)) {
+        file->GetBufferPtr(CFile::bufferCommit, count, nullptr, nullptr);
+        writeHead(count);
     }
-    BuildAndSend({.command = UsbCmdReadFileReply, .count = count}, {data.get(), count});
+    SendAsLast(file);
 }
 
 void WinUsbSession::ServeWrite(UsbDecoder& decoder) {
     const UsbMessage& message = decoder.Message();
     const WCHAR* const name = NameOfOpenFile(message.handle);
     DWORD count = 0;
-    std::unique_ptr<BYTE[]> data;
     if (name != nullptr) ReportProgress(L"Writing to '%s'...", name);
-    if (name != nullptr && message.count != 0 && CanTransfer(message)) data = Allocate(message.count);
-    if (data != nullptr) {
-        decoder.KeepTail({data.get(), message.count});
+    const bool isTaken = name != nullptr && message.count != 0 && CanTransfer(message);
+    const MessageFile file = NewMessageFile();
+    if (BYTE* const data = isTaken ? RoomFor(message.count, *file) : nullptr) {
+        decoder.KeepTail({data, message.count});
         ReadMissing(decoder);
-        if (!WriteFile(AsHandle(message.handle), data.get(), message.count, &count, nullptr)) count = 0;
+        if (!WriteFile(AsHandle(message.handle), data, message.count, &count, nullptr)) count = 0;
     } else {
         SkipTail(decoder);
     }

@@ -34,6 +34,8 @@ WinUsbSession::~WinUsbSession() {
         m_openFileNames.GetNextAssoc(place, handle, name);
         delete[] static_cast<WCHAR*>(name);
     }
+    m_lastMessage = MessageFile();
+    delete m_spareFile;
 }
 
 DWORD WinUsbSession::Connect(const CString& devicePath, bool handshake) {

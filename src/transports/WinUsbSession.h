@@ -89,7 +89,12 @@ private:
         SendCloseFile,
         SendFinish
     };
-    using MessageFile = std::shared_ptr<CMemFile>;
+    class ReusableFile : public CMemFile {
+    public:
+        // Of more than a peer that is this class asks for.
+        bool IsLarge() const { return m_nBufferSize > kUsbChunkBytes + 2 * m_nGrowBytes; }
+    };
+    using MessageFile = std::shared_ptr<ReusableFile>;
     using Bytes = std::span<const BYTE>;
     static constexpr DWORD kReplyArriving = ~DWORD{0};
 
@@ -104,7 +109,9 @@ private:
     static UINT __cdecl SendThread(LPVOID session);
     Command TakeCommand();
     void SendCommand(Command command);
+    MessageFile NewMessageFile();
     void BuildAndSend(const UsbMessage& message, Bytes tail = {});
+    void SendAsLast(const MessageFile& message);
     bool SendDataToWinUsb(const MessageFile& message);
 
     // Receiving (UsbReceiving.cpp)
@@ -154,6 +161,9 @@ private:
     UINT64 m_freeSpace = 0;
     DWORD m_seekMethod = 0;
     INT64 m_seekPosition = 0;
+    // Memory that is new to the process costs more than what it is filled with, so a file that nobody needs any more
+    // waits here for the next message. Without a lock: a thread that is ended must not leave one behind.
+    std::atomic<ReusableFile*> m_spareFile = nullptr;
     // Written by both threads without a lock, so that a reply can take a request's place. Shared, so that whoever is
     // still sending the one before keeps it.
     std::atomic<MessageFile> m_lastMessage;

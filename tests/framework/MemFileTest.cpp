@@ -1,6 +1,7 @@
 #include <afx.h>
 
 #include <cstdlib>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
@@ -35,6 +36,30 @@ TEST(MemFile, BufferPointerCoversWhatIsThere) {
     EXPECT_EQ(file.GetBufferPtr(CFile::bufferRead, 10, &start, &end), 4U);
     EXPECT_EQ(std::string(static_cast<char*>(start), static_cast<char*>(end)), "ello");
     EXPECT_EQ(file.GetPosition(), 5U);
+}
+
+TEST(MemFile, IsFilledInPlaceAndUsedAgain) {
+    CMemFile file;
+    void* start = nullptr;
+    void* end = nullptr;
+    file.Write("head", 4);
+    EXPECT_EQ(file.GetBufferPtr(CFile::bufferWrite, 2000, &start, &end), 2000U);
+    EXPECT_EQ(static_cast<char*>(end) - static_cast<char*>(start), 2000);
+    std::memcpy(start, "tail", 4);
+    EXPECT_EQ(file.GetLength(), 4U);
+    file.GetBufferPtr(CFile::bufferCommit, 3, nullptr, nullptr);
+    EXPECT_EQ(file.GetLength() + file.GetPosition(), 14U);
+    file.SeekToBegin();
+    file.GetBufferPtr(CFile::bufferRead, 100, &start, &end);
+    EXPECT_EQ(std::string(static_cast<char*>(start), static_cast<char*>(end)), "headtai");
+
+    const void* const memory = start;
+    file.SetLength(0);
+    EXPECT_EQ(file.GetLength() + file.GetPosition(), 0U);
+    file.SetLength(2);
+    EXPECT_EQ(file.GetBufferPtr(CFile::bufferRead, 100, &start, &end), 2U);
+    EXPECT_EQ(start, memory);
+    EXPECT_EQ(std::string(static_cast<char*>(start), static_cast<char*>(end)), std::string(2, '\0'));
 }
 
 TEST(MemFile, RefusesWhatItCannotDo) {

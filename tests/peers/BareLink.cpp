@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 
 namespace {
 
@@ -27,10 +28,12 @@ BareLink::BareLink(const std::wstring& file)
     CloseHandle(device);
 }
 
-void BareLink::Write(std::vector<BYTE>& buffer, UINT64 handle, DWORD bytes) {
+void BareLink::Write(const void* data, UINT64 handle, DWORD bytes) {
     const auto head = EncodeUsbMessage({.command = UsbCmdWriteFile, .handle = handle, .count = bytes});
-    std::copy(head.begin(), head.end(), buffer.begin());
-    Send(std::span(buffer).first(head.size() + bytes));
+    m_message.resize(head.size() + bytes);
+    std::copy(head.begin(), head.end(), m_message.begin());
+    std::memcpy(m_message.data() + head.size(), data, bytes);
+    Send(m_message);
     Require(Field<DWORD>() == UsbCmdWriteFileReply && Field<DWORD>() == bytes);
 }
 

@@ -17,8 +17,8 @@ public:
     BareLink(const BareLink&) = delete;
     BareLink& operator=(const BareLink&) = delete;
 
-    // Asking. The data follows the message's fields in the transfer; room for both must be in the buffer.
-    void Write(std::vector<BYTE>& buffer, UINT64 handle, DWORD bytes);
+    // Asking. A message is one transfer, so the caller's data are put behind the message's fields first.
+    void Write(const void* data, UINT64 handle, DWORD bytes);
     void Read(void* data, UINT64 handle, DWORD bytes);
     INT64 Seek(UINT64 handle, INT64 position);
 
@@ -38,4 +38,5 @@ private:
     decltype(&WinUsb_ReadPipe) m_read;
     decltype(&WinUsb_WritePipe) m_write;
     WINUSB_INTERFACE_HANDLE m_handle = nullptr;
+    std::vector<BYTE> m_message;
 };
