@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Builds the release kind, runs every bench program and prints its ratios to bare calls in one table.
+# Builds the release kind, runs every bench program and prints its ratios to bare calls in one table, with the limit
+# that each is meant to keep and a mark at those that do not.
 #   ./bench.sh [AREA...]   only these areas
 set -uo pipefail
 cd "$(dirname "$0")" || exit 1
@@ -33,17 +34,18 @@ for program in "${programs[@]}"; do
     [ "$area" != usb ] || run=(scripts/two-machines "$program" build/windows-release/bin/usb_end.exe)
     output=$(WINE_RUN_TIMEOUT=1200 "${run[@]}")
     code=$?
-    lines=$(sed -nE 's/\r//; /^.+: ratio [0-9.]+ \(ours .+, bare .+\)$/p' <<<"$output")
+    lines=$(sed -nE 's/\r//; /^.+: ratio [0-9.-]+, limit [0-9.-]+ \(ours .+, bare .+\)$/p' <<<"$output")
     if [ $code -ne 0 ] || [ -z "$lines" ]; then
         printf '%s\n' "$output"
         echo "FAILED: $area (exit code $code)"
         failed=1
     else
-        sed -E "s/^(.+): ratio ([0-9.]+) \(ours (.+), bare (.+)\)\$/$area|\1|\2|\3|\4/" <<<"$lines" >>"$rows"
+        sed -E "s/^(.+): ratio (.+), limit (.+) \(ours (.+), bare (.+)\)\$/$area|\1|\2|\3|\4|\5/" <<<"$lines" >>"$rows"
     fi
 done
 echo
-{ echo "area|work|ratio|ours|bare"; cat "$rows"; } |
-    awk -F '|' '{ printf "%-12s  %-48s  %6s  %14s  %14s\n", $1, $2, $3, $4, $5 }'
+{ echo "area|work|ratio|limit|ours|bare"; cat "$rows"; } |
+    awk -F '|' '{ over = $4 + 0 > 0 && $3 + 0 > $4 + 0 ? "  over" : ""
+                  printf "%-12s  %-48s  %6s  %6s  %14s  %14s%s\n", $1, $2, $3, $4, $5, $6, over }'
 rm -f "$rows"
 exit $failed

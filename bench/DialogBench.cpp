@@ -123,14 +123,14 @@ int wmain() {
     Ratios ratios;
     for (const int count : {2500, 5000, 10000, 20000})
         ratios.Compare(
-            "opening with " + std::to_string(count) + " rules", [=] { return OpenWith(count); },
+            "opening with " + std::to_string(count) + " rules", 1.3, [=] { return OpenWith(count); },
             [=] { return OpenBareWith(count); });
     const std::vector<int> sizes{2500, 5000, 10000, 20000};
-    ratios.Grow("opening", sizes, OpenWith);
+    ratios.Grow("opening", kLinear, sizes, OpenWith);
     // The list view itself does not grow linearly under Wine: its two arrays of rows move every ten rows, into memory
     // not touched before, and the page faults of that are most of the time. What we add to it is shown apart.
-    ratios.Grow("opening with bare calls", sizes, OpenBareWith);
-    ratios.Grow("opening beyond the bare calls", sizes,
+    ratios.Grow("opening with bare calls", kNoLimit, sizes, OpenBareWith);
+    ratios.Grow("opening beyond the bare calls", kLinear, sizes,
                 [](int count) { return OpenWith(count) - OpenBareWith(count); });
     ratios.Print();
     UnhookWindowsHookEx(hook);

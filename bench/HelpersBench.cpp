@@ -62,18 +62,18 @@ int wmain() {
     const CString ourHex(hex.c_str(), static_cast<int>(hex.size()));
 
     Ratios ratios;
-    ratios.Compare("BytesToHex, 16 MB", Timed([&] {
+    ratios.Compare("BytesToHex, 16 MB", 3, Timed([&] {
                        CString text;
                        BytesToHex(bytes, text);
                        Require(text.GetAt(text.GetLength() - 1) == hex.back());
                    }),
                    Timed([&] { Require(HexBare(bytes).back() == hex.back()); }));
-    ratios.Compare("HexToBytes, 16 MB", Timed([&] {
+    ratios.Compare("HexToBytes, 16 MB", 3, Timed([&] {
                        const auto result = HexToBytes(ourHex);
                        Require(std::memcmp(result.get(), bytes.data(), kBytes) == 0);
                    }),
                    Timed([&] { Require(BytesBare(hex) == bytes); }));
-    ratios.Grow("ReplaceText, one hit in 100 characters", {250000, 500000, 1000000}, SecondsToReplace);
+    ratios.Grow("ReplaceText, one hit in 100 characters", kLinear, {250000, 500000, 1000000}, SecondsToReplace);
     ratios.Print();
     return 0;
 }

@@ -65,13 +65,14 @@ extern "C" int wmain() {
     for (const int rules : {10000, 20000, 40000}) {
         const std::string count = std::to_string(rules);
         ratios.Compare(
-            "reading " + count + " key rules", [=] { return ReadKeyRules(rules); }, [=] { return ReadBare(rules); });
+            "reading " + count + " key rules", kNoLimit, [=] { return ReadKeyRules(rules); },
+            [=] { return ReadBare(rules); });
         ratios.Compare(
-            "reading " + count + " value rules", [=] { return ReadValueRules(rules); },
+            "reading " + count + " value rules", kNoLimit, [=] { return ReadValueRules(rules); },
             [=] { return ReadBare(rules); });
     }
-    ratios.Grow("reading key rules", {10000, 20000, 40000}, ReadKeyRules);
-    ratios.Grow("reading value rules", {10000, 20000, 40000}, ReadValueRules);
+    ratios.Grow("reading key rules", kLinear, {10000, 20000, 40000}, ReadKeyRules);
+    ratios.Grow("reading value rules", kLinear, {10000, 20000, 40000}, ReadValueRules);
     ratios.Print();
     return 0;
 }

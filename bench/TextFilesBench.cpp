@@ -83,11 +83,11 @@ int wmain(int argc, wchar_t** argv) {
     for (const int megabytes : sizes) MakeFile(pathOf(megabytes), megabytes);
 
     Ratios ratios;
-    ratios.Compare("ReadTextLines, short lines", Timed([&] { ReadOurs(pathOf(all), LinesIn(all)); }),
+    ratios.Compare("ReadTextLines, short lines", 1, Timed([&] { ReadOurs(pathOf(all), LinesIn(all)); }),
                    Timed([&] { ReadBare(pathOf(all), LinesIn(all)); }), 5);
-    ratios.Grow("ReadTextLines, MB", sizes,
+    ratios.Grow("ReadTextLines, MB", kLinear, sizes,
                 [&](int megabytes) { return SecondsOf([&] { ReadOurs(pathOf(megabytes), LinesIn(megabytes)); }); });
-    ratios.Compare("WriteString, short lines", Timed([&] { WriteOurs(s_folder / L"ours", lines); }),
+    ratios.Compare("WriteString, short lines", 1.3, Timed([&] { WriteOurs(s_folder / L"ours", lines); }),
                    Timed([&] { WriteBare(s_folder / L"bare", lines); }), 5);
     std::filesystem::remove_all(s_folder);
     ratios.Print();

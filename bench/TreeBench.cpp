@@ -136,9 +136,9 @@ extern "C" int wmain() {
     }
     Ratios ratios;
     ratios.Compare(
-        "expanding 20000 subkeys and 1000 values", [] { return ExpandOurs(20000); }, [] { return ExpandBare(20000); },
-        5);
-    ratios.Grow("expanding", sizes, ExpandOurs);
+        "expanding 20000 subkeys and 1000 values", 1.3, [] { return ExpandOurs(20000); },
+        [] { return ExpandBare(20000); }, 5);
+    ratios.Grow("expanding", kLinear, sizes, ExpandOurs);
     RegDeleteTreeW(HKEY_CURRENT_USER, kBenchKey);
     ratios.Print();
     return 0;

@@ -121,14 +121,14 @@ int wmain(int argc, wchar_t** argv) {
     SessionSide session(DeviceFile(L"usb-bench", PortOf(other.Do({"connect", "wait"}))), chunks);
     const std::string megabytes = std::to_string(chunks) + " MB";
     Ratios ratios;
-    ratios.Compare("writing " + megabytes, Timed([&] { session.Write(); }), Timed([&] { bare.Write(); }), 5);
-    ratios.Compare("reading " + megabytes, Timed([&] { session.Read(); }), Timed([&] { bare.Read(); }), 5);
-    ratios.Compare("200 small requests", Timed([&] { session.Ask(); }), Timed([&] { bare.Ask(); }));
+    ratios.Compare("writing " + megabytes, 1 / 0.9, Timed([&] { session.Write(); }), Timed([&] { bare.Write(); }), 5);
+    ratios.Compare("reading " + megabytes, 1 / 0.9, Timed([&] { session.Read(); }), Timed([&] { bare.Read(); }), 5);
+    ratios.Compare("200 small requests", 1.5, Timed([&] { session.Ask(); }), Timed([&] { bare.Ask(); }));
     const double askBeside = secondsAlone([&] { bare.Ask(); });
     const double writeBeside = secondsAlone([&] { bare.Write(); });
     session.End();
     const auto print = [](const std::string& name, double beside, double alone) {
-        std::printf("%s: ratio %.2f (ours %.2f, bare %.2f)\n", name.c_str(), beside / alone, beside * 1000,
+        std::printf("%s: ratio %.2f, limit - (ours %.2f, bare %.2f)\n", name.c_str(), beside / alone, beside * 1000,
                     alone * 1000);
     };
     print("the bare loop beside the send threads, writing", writeBeside, writeAlone);

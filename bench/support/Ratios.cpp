@@ -37,19 +37,20 @@ double SecondsOf(const std::function<void()>& function) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-double Ratios::Compare(const std::string& name, const Work& ours, const Work& bare, int runs) {
+double Ratios::Compare(const std::string& name, double limit, const Work& ours, const Work& bare, int runs) {
     const std::vector<double> medians = MediansInTurns({ours, bare}, runs);
-    Note(name, medians[0], medians[1]);
+    Note(name, limit, medians[0], medians[1]);
     return medians[0] / medians[1];
 }
 
-void Ratios::Grow(const std::string& name, const std::vector<int>& sizes, const std::function<double(int)>& work,
-                  int runs) {
+void Ratios::Grow(const std::string& name, double limit, const std::vector<int>& sizes,
+                  const std::function<double(int)>& work, int runs) {
     std::vector<Work> works;
     for (const int size : sizes) works.push_back([&work, size] { return work(size); });
     const std::vector<double> medians = MediansInTurns(works, runs);
     for (size_t i = 1; i < sizes.size(); ++i) {
-        Note(name + " " + std::to_string(sizes[i]) + "/" + std::to_string(sizes[i - 1]), medians[i], medians[i - 1]);
+        Note(name + " " + std::to_string(sizes[i]) + "/" + std::to_string(sizes[i - 1]), limit, medians[i],
+             medians[i - 1]);
     }
 }
 
@@ -58,9 +59,11 @@ void Ratios::Print() const {
     std::fflush(stdout);
 }
 
-void Ratios::Note(const std::string& name, double ours, double bare) {
-    char numbers[96];
-    std::snprintf(numbers, sizeof numbers, ": ratio %.2f (ours %.3f ms, bare %.3f ms)", ours / bare, ours * 1000,
-                  bare * 1000);
+void Ratios::Note(const std::string& name, double limit, double ours, double bare) {
+    char most[16] = "-";
+    if (limit != kNoLimit) std::snprintf(most, sizeof most, "%.2f", limit);
+    char numbers[112];
+    std::snprintf(numbers, sizeof numbers, ": ratio %.2f, limit %s (ours %.3f ms, bare %.3f ms)", ours / bare, most,
+                  ours * 1000, bare * 1000);
     m_lines.push_back(name + numbers);
 }
