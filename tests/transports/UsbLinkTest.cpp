@@ -131,6 +131,10 @@ TEST_F(UsbLink, ADamagedCodeCostsOneResend) {
     hub.Plan(1, {LinkHub::Corrupt, 0});
     EXPECT_EQ(a.Do({"exists", "there"}), "1");
     EXPECT_EQ(ToHex(hub.Seen(0)).substr(2 * (4 + 2 * question.size())), ToHex(question + FromHex("50120000")));
+    // One that lacks a byte is a damaged one.
+    hub.Plan(0, {LinkHub::Drop, 0});
+    EXPECT_EQ(a.Do({"exists", "there"}), "1");
+    EXPECT_TRUE(b.Await("warning: [WinUsbSession::ReadThread] Not expecting command:0a000012"));
     // Sent twice: the second answer is one that nobody asked for.
     hub.Plan(0, {LinkHub::Duplicate, 0, question.size()});
     EXPECT_EQ(a.Do({"exists", "there"}), "1");

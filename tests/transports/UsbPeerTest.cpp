@@ -107,46 +107,95 @@ TEST_F(UsbPeer, RepliesThatPromiseTooMuchCountAsNothing) {
     EXPECT_TRUE(end.Await("warning: [WinUsbSession::WriteData] Write Incomplete! 1 of 2 bytes written!"));
 }
 
-// The link is cut before a request, and each fails in its own way; the owner learns of it once.
-TEST(UsbCut, BeforeARequest) {
-    const struct {
-        Words request;
-        std::string answer;
-    } cases[] = {
-        {{"exists", "a"}, "0"},
-        {{"open", "a"}, kNone},
-        {{"write", "4", "3", "0"}, "cause 31 error -1 1"},
-        {{"read", "4", "3", "3"}, "0 " + std::to_string(HashOf({}))},
-        {{"finish", "0"}, "ok"},
-    };
-    for (const auto& c : cases) {
-        RawPeer peer;
-        End end = Machines().Take("A");
+// One session and a cable that the test cuts. The ends are of both machines in turn: one starts while the other works.
+struct CutCable {
+    explicit CutCable(size_t turn) : end(Machines().Take(turn % 2 == 0 ? "A" : "B")) {
         end.Do({"device", peer.DeviceText()});
+        end.Do({"base", folder.Path("")});
         end.Do({"connect", "wait"});
         peer.Accept();
+    }
+    void Cut() {
         peer.Cut();
         EXPECT_TRUE(end.Await("warning: [WinUsbDevice::ReceiveData] Read Pipe Error:0x0000001f"));
-        EXPECT_EQ(end.Do(c.request), c.answer) << c.request[0];
-        EXPECT_TRUE(end.Await("error: [WinUsbSession::SendDataToWinUsb] Send Error:31"));
-        EXPECT_TRUE(end.Await("status: 322"));
+    }
+
+    SharedFolder folder;
+    RawPeer peer;
+    End end;
+};
+
+struct CutCase {
+    Words request;
+    std::string sent;  // the request as it crosses
+    std::string answer;
+    std::string cutReply;  // what comes back of a reply whose rest does not
+};
+
+const CutCase kCutCases[] = {
+    {{"exists", "a"}, "41120000 02000000 6100", "0", "42120000 01"},
+    {{"space"}, "45120000", "0", "46120000 01000000"},
+    {{"open", "a"}, "35120000 02000000 6100", kNone, "36120000 04000000"},
+    {{"write", "4", "3", "65"}, "39120000 0400000000000000 03000000 41607f", "cause 31 error -1 1", "3a1200"},
+    {{"read", "4", "3", "3"},
+     "37120000 0400000000000000 03000000",
+     "0 " + std::to_string(HashOf({})),
+     "38120000 03000000 31"},
+    {{"seek", "4", "1", "0"}, "3b120000 0400000000000000 0100000000000000 00000000", "0", "3c120000 01000000000000"},
+    {{"close", "4"}, "3d120000 0400000000000000", "ok", "3e"},
+    {{"finish", "0"}, "47120000 00000000", "ok", ""},
+};
+
+// The link is cut before a request, and each fails in its own way; the owner learns of it once.
+TEST(UsbCut, BeforeARequest) {
+    for (size_t turn = 0; turn < std::size(kCutCases); ++turn) {
+        const auto& c = kCutCases[turn];
+        CutCable cable(turn);
+        cable.Cut();
+        EXPECT_EQ(cable.end.Do(c.request), c.answer) << c.request[0];
+        EXPECT_TRUE(cable.end.Await("error: [WinUsbSession::SendDataToWinUsb] Send Error:31"));
+        EXPECT_TRUE(cable.end.Await("status: 322"));
         // The link is over: nothing is sent, nobody waited for.
-        EXPECT_EQ(end.Do({"space"}) + end.Do({"seek", "4", "1", "0"}) + end.Do({"close", "4"}), "00ok");
-        EXPECT_EQ(end.Watch({"events"}), "status: 322");
-        EXPECT_EQ(end.Do({"end"}), "ok");
+        for (const auto& later : kCutCases) EXPECT_EQ(cable.end.Do(later.request), later.answer) << later.request[0];
+        EXPECT_EQ(cable.end.Watch({"events"}), "status: 322");
+        EXPECT_EQ(cable.end.Do({"end"}), "ok");
     }
 }
 
-// Between a request and its answer, or within the answer: the caller waits without a limit, and reads are tried again.
-TEST_F(UsbPeer, CutBeforeAnAnswerIsComplete) {
-    end.Begin({"read", "4", "3", "3"});
-    peer.Expect("37120000 0400000000000000 03000000");
-    peer.Send("38120000 03000000 31");
-    peer.Cut();
-    for (const char* retries : {"Read Pipe Error", "Read Pipe Error:0x0000001f | warning: [WinUsbDevice"}) {
-        EXPECT_TRUE(end.Await(retries));
+// Between a request and its answer, or within the answer: the caller waits without a limit, reads are tried again, and
+// the owner hears nothing.
+TEST(UsbCut, BeforeAnAnswerIsComplete) {
+    for (size_t turn = 0; turn < std::size(kCutCases); ++turn) {
+        const auto& c = kCutCases[turn];
+        CutCable cable(turn);
+        cable.end.Begin(c.request);
+        cable.peer.Expect(c.sent);
+        cable.peer.Send(c.cutReply);
+        cable.Cut();
+        EXPECT_TRUE(cable.end.Await("Read Pipe Error:0x0000001f | warning: [WinUsbDevice")) << c.request[0];
+        EXPECT_EQ(cable.end.Answer(0), "no answer") << c.request[0];
+        EXPECT_EQ(cable.end.Watch({"events"}), "");
     }
-    EXPECT_EQ(end.Answer(0), "no answer");
+}
+
+// What is not whole is not served.
+TEST(UsbCut, WithinARequest) {
+    for (size_t turn = 0; turn < std::size(kCutCases); ++turn) {
+        const auto& c = kCutCases[turn];
+        CutCable cable(turn);
+        cable.peer.Send("35120000 02000000 6600");
+        cable.peer.Expect("36120000");
+        const std::string handle = cable.peer.Receive(8);
+        std::string request = c.sent;
+        if (const size_t at = request.find("0400000000000000"); at != std::string::npos)
+            request.replace(at, 16, handle);
+        cable.peer.Send(request.substr(0, request.size() - 2));
+        cable.Cut();
+        EXPECT_EQ(cable.end.Watch({"events"}),
+                  std::string("text: Opening 'f'...") + (c.request[0] == "write" ? " | text: Writing to 'f'..." : ""));
+        EXPECT_EQ(cable.folder.BytesOf("f"), "");
+        EXPECT_FALSE(std::filesystem::exists(cable.folder.Path("a")));
+    }
 }
 
 // Within an answer, which is more than the cable holds: the owner learns of it, and the session serves no more.
