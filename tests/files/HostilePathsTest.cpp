@@ -1,3 +1,5 @@
+#include "files/HostilePaths.h"
+
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
@@ -9,37 +11,7 @@
 // Nothing is read beyond a text's end, and every answer is made of the text's own pieces: what a sanitizer would find
 // elsewhere, this test gives it to find.
 TEST(HostilePaths, EveryOperationStaysWithinTheText) {
-    const std::wstring paths[] = {L"",
-                                  L"a",
-                                  L"\\",
-                                  L"/",
-                                  L":",
-                                  L".",
-                                  L"C:",
-                                  L"\\\\",
-                                  L"\\\\\\",
-                                  L"\\/\\/",
-                                  L"//s/t\\u",
-                                  L"CON",
-                                  L"NUL.",
-                                  L"\\\\.\\COM1",
-                                  L"\\\\?",
-                                  L"\\\\?\\",
-                                  L"\\\\?\\C",
-                                  L"\\\\?\\C:",
-                                  L"\\\\?\\C:\\",
-                                  L"\\\\?\\UNC",
-                                  L"\\\\?\\UNC\\",
-                                  L"\\\\?\\unc\\s",
-                                  L"\\\\?\\\\\\?\\",
-                                  L"\xd800",
-                                  L"\xdc00\\\xd800.\xd800",
-                                  std::wstring(3, L'\0'),
-                                  std::wstring(40000, L'\\'),
-                                  std::wstring(40000, L'.'),
-                                  L"C:\\" + std::wstring(40000, L'x'),
-                                  L"\\\\" + std::wstring(40000, L's') + L"\\t",
-                                  L"\\\\?\\UNC\\" + std::wstring(40000, L':')};
+    const auto& paths = HostilePaths();
     for (const std::wstring& given : paths) {
         const auto end = std::make_unique<wchar_t[]>(given.size());  // no terminator to lean on
         given.copy(end.get(), given.size());

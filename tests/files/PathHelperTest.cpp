@@ -9,60 +9,13 @@
 #include <string>
 #include <vector>
 
+#include "files/HostilePaths.h"
 #include "support/ImportPatch.h"
 #include "support/ScopedPreinstallation.h"
 #include "support/ScopedRegistryKey.h"
 #include "support/ScopedTestDir.h"
 
 namespace {
-
-const std::vector<std::wstring>& HostilePaths() {
-    static const std::vector<std::wstring> s_paths = {L"",
-                                                      L"a",
-                                                      L"\\",
-                                                      L"/",
-                                                      L".",
-                                                      L":",
-                                                      L"C",
-                                                      L"C:",
-                                                      L"c:\\",
-                                                      L"C:/",
-                                                      L"1:\\",
-                                                      L"\x00c4:\\",
-                                                      L"\\\\",
-                                                      L"\\\\\\",
-                                                      L"\\\\\\\\",
-                                                      L"//s/t",
-                                                      L"\\/s\\t",
-                                                      L"\\\\s",
-                                                      L"\\\\s\\",
-                                                      L"\\\\s\\t",
-                                                      L"\\\\s\\t\\",
-                                                      L"\\\\s/t\\u",
-                                                      L"CON",
-                                                      L"NUL.txt",
-                                                      L"\\\\.\\COM1",
-                                                      L"\\\\?",
-                                                      L"\\\\?\\",
-                                                      L"\\\\?\\C",
-                                                      L"\\\\?\\C:",
-                                                      L"\\\\?\\C:\\",
-                                                      L"\\\\?\\UNC",
-                                                      L"\\\\?\\UNC\\",
-                                                      L"\\\\?\\UNC\\s\\t\\u",
-                                                      L"\\\\?\\unc\\s",
-                                                      L"\\\\?\\\\\\?\\C:",
-                                                      L"\xd800",
-                                                      L"C:\\\xdc00\\\xd83d.\xde00",
-                                                      L"a b.c d",
-                                                      L"..\\..\\.",
-                                                      L"C:a:b",
-                                                      std::wstring(40000, L'x'),
-                                                      L"C:\\" + std::wstring(40000, L'\\'),
-                                                      L"\\\\" + std::wstring(40000, L's') + L"\\t",
-                                                      L"\\\\?\\" + std::wstring(40000, L'.')};
-    return s_paths;
-}
 
 int s_allocations = 0;
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "files/FileAcl.h"
-#include "files/FileBytes.h"
+#include "support/FileBytes.h"
 #include "files/Junctions.h"
 #include "files/PathHelper.h"
 #include "support/ImportPatch.h"

@@ -4,7 +4,7 @@
 #include <regex>
 #include <vector>
 
-#include "files/FileBytes.h"
+#include "support/FileBytes.h"
 #include "files/Utf8TextFile.h"
 #include "support/ImportPatch.h"
 #include "support/Narrow.h"

@@ -3,7 +3,7 @@
 #include <atlbase.h>
 #include <gtest/gtest.h>
 
-#include "files/FileBytes.h"
+#include "support/FileBytes.h"
 #include "support/ImportPatch.h"
 #include "support/LogCapture.h"
 #include "support/ScopedTestDir.h"

@@ -3,33 +3,10 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <string>
 
+#include "support/FileBytes.h"
 #include "support/ScopedTestDir.h"
-
-namespace {
-
-// What stands in a file, read without the class under test.
-std::string BytesOf(const std::wstring& path) {
-    std::ifstream stream(std::filesystem::path(path), std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-// The cause of the CFileException that `work` throws; -1 if it throws none.
-template <typename Work>
-int CauseOf(Work work) {
-    try {
-        work();
-    } catch (CFileException* problem) {
-        const int cause = problem->m_cause;
-        problem->Delete();
-        return cause;
-    }
-    return -1;
-}
-
-}  // namespace
 
 TEST(File, WritesReadsAndSeeks) {
     const ScopedTestDir dir;

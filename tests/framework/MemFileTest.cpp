@@ -6,6 +6,8 @@
 #include <memory>
 #include <string>
 
+#include "support/FileBytes.h"
+
 TEST(MemFile, GrowsByStepsAndHandsItsBufferOver) {
     CMemFile file(8);
     file.Write("0123456789", 10);
@@ -65,13 +67,7 @@ TEST(MemFile, IsFilledInPlaceAndUsedAgain) {
 TEST(MemFile, RefusesWhatItCannotDo) {
     CMemFile file;
     file.Write("hello", 5);
-    try {
-        file.Seek(-6, CFile::end);
-        ADD_FAILURE();
-    } catch (CFileException* problem) {
-        EXPECT_EQ(problem->m_cause, CFileException::badSeek);
-        problem->Delete();
-    }
+    EXPECT_EQ(CauseOf([&] { file.Seek(-6, CFile::end); }), CFileException::badSeek);
     EXPECT_EQ(file.GetPosition(), 5U);
     file.Close();
     EXPECT_EQ(file.GetLength(), 0U);
