@@ -8,9 +8,10 @@
 #include <vector>
 
 #include "files/FileAcl.h"
-#include "support/FileBytes.h"
 #include "files/Junctions.h"
 #include "files/PathHelper.h"
+#include "support/FileBytes.h"
+#include "support/FreshProcess.h"
 #include "support/ImportPatch.h"
 #include "support/LogCapture.h"
 #include "support/Narrow.h"
@@ -120,6 +121,52 @@ TEST_F(ProfileCopy, JunctionsStayJunctionsAndAreNeverEntered) {
     CreateDirectoryW((InTarget(L"outside") + L"\\full").c_str(), nullptr);
     EXPECT_FALSE(Copy());
     EXPECT_EQ(Error(), "Undefined string resource requested: 25");
+}
+
+TEST_F(ProfileCopy, SystemJunctionsStaySoAboveWindowsVistaOnly) {
+    for (const DWORD minor : {0U, 1U}) {
+        EXPECT_IN_FRESH_PROCESS([&] {
+            static DWORD s_minor;
+            s_minor = minor;
+            const ImportPatch<decltype(&GetVersionExW)> version(GetModuleHandleW(nullptr), "GetVersionExW",
+                                                                [](LPOSVERSIONINFOW info) {
+                                                                    info->dwMajorVersion = 6;
+                                                                    info->dwMinorVersion = s_minor;
+                                                                    return TRUE;
+                                                                });
+            const ReparseVolume volume;
+            ASSERT_TRUE(CreateJunction(InSource(L"link").c_str(), m_dir.Path().c_str()));
+            MarkJunctionSystem(InSource(L"link").c_str());
+            HideJunction(InSource(L"link").c_str());
+            ASSERT_TRUE(Copy()) << Error();
+            EXPECT_EQ(IsJunctionSystem(InTarget(L"link").c_str()), minor != 0) << minor;
+            EXPECT_TRUE(IsJunctionHidden(InTarget(L"link").c_str())) << minor;
+        });
+    }
+}
+
+// The words come behind those of an earlier problem.
+TEST_F(ProfileCopy, ATargetThatCannotBeWrittenKeepsWhatWasDone) {
+    MakeFile(L"1", "1");
+    CreateDirectoryW(InSource(L"2").c_str(), nullptr);
+    MakeFile(L"2\\full", "x");
+    MakeFile(L"2\\never", "x");
+    const ImportPatch<decltype(&CopyFileW)> patch(
+        GetModuleHandleW(nullptr), "CopyFileW", [](LPCWSTR source, LPCWSTR target, BOOL failIfExists) {
+            if (std::wstring_view(source).find(L"\\2\\") == std::wstring_view::npos) {
+                return SystemFunction(&CopyFileW, L"kernel32.dll", "CopyFileW")(source, target, failIfExists);
+            }
+            SetLastError(ERROR_DISK_FULL);
+            return FALSE;
+        });
+    m_error = L"Earlier. ";
+    EXPECT_FALSE(Copy());
+    EXPECT_EQ(Error(), "Earlier. Undefined string resource requested: 271");
+    EXPECT_TRUE(m_log.Contains(LogLevel::Error, L"The file '" + InSource(L"2\\full") + L"' could not be copied to '" +
+                                                    InTarget(L"2\\full") + L"'. Possible error code: 0x70"));
+    EXPECT_TRUE(CPathHelper::DirectoryExists(InTarget(L"2").c_str()));
+    EXPECT_TRUE(UserHasAccess(InTarget(L"2")));
+    EXPECT_EQ(m_creator.sources.back(), InSource(L"2\\full")) << "the rest is not tried";
 }
 
 TEST_F(ProfileCopy, TheFirstFailureEndsItAndSaysWhy) {

@@ -4,8 +4,8 @@
 #include <regex>
 #include <vector>
 
-#include "support/FileBytes.h"
 #include "files/Utf8TextFile.h"
+#include "support/FileBytes.h"
 #include "support/ImportPatch.h"
 #include "support/Narrow.h"
 #include "support/ScopedTestDir.h"
@@ -65,8 +65,11 @@ TEST(Utf8TextFile, TheMarkStandsInNewAndEmptyFilesOnly) {
     file.WriteByteOrderMark();
     file.WriteString(L"\x20AC");
     file.WriteUtf8(L"\x00E4\r\n");
+    file.WriteString(CString(L'\x20AC', 1000));
     file.Close();
-    EXPECT_EQ(BytesOf(path), WithMark("\xE2\x82\xAC\xC3\xA4\r\n"));
+    std::string expected = WithMark("\xE2\x82\xAC\xC3\xA4\r\n");
+    for (int i = 0; i < 1000; ++i) expected += "\xE2\x82\xAC";
+    EXPECT_EQ(BytesOf(path), expected);
 }
 
 TEST(Utf8TextFile, TheMarkIsThreeBytes) {
@@ -161,6 +164,35 @@ TEST(TextFiles, LineEndsAcrossBlocksCountOnce) {
             ASSERT_EQ(Read(path, true), (Lines{first + end, "b" + end, "c"})) << length;
         }
     }
+}
+
+// A hundred megabytes: the lines have all lengths from 150 to 250 bytes, so their ends fall anywhere in the blocks.
+TEST(TextFiles, ReadsAHundredMegabytesLineByLine) {
+    constexpr size_t kBytes = 100 << 20;
+    const auto lengthOf = [](size_t i) { return 150 + i * 7 % 101; };
+    const auto letterOf = [](size_t i) { return static_cast<char>('a' + i % 26); };
+    const ScopedTestDir dir;
+    const std::wstring path = dir.Path(L"a.txt");
+    size_t count = 0;
+    {
+        std::ofstream stream(std::filesystem::path(path), std::ios::binary);
+        for (size_t bytes = 0; bytes < kBytes; bytes += lengthOf(count++)) {
+            std::string line(lengthOf(count), letterOf(count));
+            line.replace(0, 2, "\xC3\xA4").replace(line.size() - 2, 2, "\r\n");
+            stream.write(line.data(), static_cast<std::streamsize>(line.size()));
+        }
+    }
+    CStringList list(1000);
+    ReadTextLines(path.c_str(), list, false);
+    ASSERT_EQ(static_cast<size_t>(list.GetCount()), count);
+    size_t i = 0;
+    for (POSITION place = list.GetHeadPosition(); place != nullptr; ++i) {
+        const CString& line = list.GetNext(place);
+        const auto letter = static_cast<WCHAR>(letterOf(i));
+        ASSERT_EQ(static_cast<size_t>(line.GetLength()), lengthOf(i) - 3) << i;
+        ASSERT_TRUE(line[0] == L'\x00E4' && line[1] == letter && line[line.GetLength() - 1] == letter) << i;
+    }
+    EXPECT_EQ(i, count);
 }
 
 TEST(TextFiles, AppendsOneLineWithOneEnd) {

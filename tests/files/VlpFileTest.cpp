@@ -88,6 +88,8 @@ TEST(VlpFile, EveryFlagReachesTheSystem) {
     }
 }
 
+// The transaction is a stand-in, because Wine has none: its CreateTransaction answers a handle that stands for nothing,
+// and kernel32 lacks CreateFileTransactedW. So what is seen here is how the file is opened, not that it is rolled back.
 TEST(VlpFile, ATransactionObjectDecidesHowToOpen) {
     const ScopedTestDir dir;
     const std::wstring path = dir.Path(L"a.txt");

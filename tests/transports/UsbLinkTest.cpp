@@ -7,6 +7,8 @@
 
 namespace {
 
+constexpr size_t kChunkBytes = 1 << 20;
+
 std::string Pattern(size_t size, unsigned seed) {
     std::string data(size, '\0');
     FillPattern(std::span(reinterpret_cast<unsigned char*>(data.data()), size), seed);
@@ -141,6 +143,18 @@ TEST_F(UsbLink, ADamagedCodeCostsOneResend) {
     EXPECT_TRUE(a.Await("error: [WinUsbSession::ReadThread] Nobody asked for reply:0x00001242"));
     for (int end : {0, 1}) hub.Split(end, 1, 1);
     EXPECT_EQ(a.Do({"exists", "there"}), "1");
+}
+
+// The cable ends within the second chunk: what came whole was written, and both ends go on looking for the rest.
+TEST_F(UsbLink, ACutWithinAChunkLeavesTheChunksBefore) {
+    Connect();
+    const std::string file = a.Do({"open", "cut.bin"});
+    hub.Plan(0, {LinkHub::Cut, 2 * 16 + kChunkBytes + 1000});
+    a.Begin({"write", file, std::to_string(2 * kChunkBytes), "3"});
+    EXPECT_TRUE(b.Await("warning: [WinUsbDevice::ReceiveData] Read Pipe Error:0x0000001f"));
+    EXPECT_TRUE(a.Await("warning: [WinUsbDevice::ReceiveData] Read Pipe Error:0x0000001f"));
+    EXPECT_TRUE(folder.BytesOf("b\\cut.bin") == Pattern(2 * kChunkBytes, 3).substr(0, kChunkBytes));
+    EXPECT_EQ(b.Watch({"events"}).find("status"), std::string::npos);
 }
 
 // The exchange that docs/usb-link.md shows.
