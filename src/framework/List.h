@@ -11,6 +11,7 @@
 #pragma once
 
 #include <list>
+#include <memory_resource>
 #include <utility>
 
 #include "framework/CString.h"
@@ -32,6 +33,7 @@ public:
     void RemoveAt(POSITION place) { Take(At(place)); }
     void RemoveAll() {
         m_nodes.clear();
+        m_blocks.release();
         m_cursor = nullptr;
     }
 
@@ -68,7 +70,7 @@ public:
 private:
     struct Node {
         TYPE element;
-        typename std::list<Node>::iterator self{};
+        typename std::pmr::list<Node>::iterator self{};
     };
 
     static POSITION Place(const Node& node) { return reinterpret_cast<POSITION>(const_cast<Node*>(&node)); }
@@ -80,7 +82,7 @@ private:
         const auto next = std::next(node.self);
         return next == m_nodes.end() ? nullptr : Place(*next);
     }
-    POSITION Link(typename std::list<Node>::iterator before, ARG_TYPE element) {
+    POSITION Link(typename std::pmr::list<Node>::iterator before, ARG_TYPE element) {
         if (before != m_nodes.end()) m_cursor = nullptr;
         const auto node = m_nodes.insert(before, Node{TYPE(element)});
         node->self = node;
@@ -93,7 +95,9 @@ private:
         return element;
     }
 
-    std::list<Node> m_nodes;
+    // Nodes come from blocks: a long list would else be mostly the system's work, which takes long for small pieces.
+    std::pmr::unsynchronized_pool_resource m_blocks;
+    std::pmr::list<Node> m_nodes{&m_blocks};
     // Where the last FindIndex ended, so that reading by index from first to last is not a walk from the head each
     // time.
     mutable POSITION m_cursor = nullptr;
