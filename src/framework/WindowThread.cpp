@@ -6,11 +6,41 @@
 #include <algorithm>
 #include <utility>
 
+namespace {
+
+thread_local afx::WindowThread* t_state = nullptr;
+
+void NTAPI EndState(void* state) {
+    delete static_cast<afx::WindowThread*>(state);
+    t_state = nullptr;
+}
+
+// Ends each thread's state with its thread, and all of them with this module.
+class StateSlot {
+public:
+    ~StateSlot() {
+        if (m_index != FLS_OUT_OF_INDEXES) FlsFree(m_index);
+    }
+    bool Keep(afx::WindowThread* state) const { return FlsSetValue(m_index, state) != FALSE; }
+
+private:
+    const DWORD m_index = FlsAlloc(EndState);
+};
+
+}  // namespace
+
 namespace afx {
 
 WindowThread& ThisThread() {
-    thread_local WindowThread state;
-    return state;
+    if (t_state == nullptr) {
+        // Not a thread_local object: at the end of a thread the toolchain's runtime gives back the memory of those before
+        // it runs their destructors.
+        static const StateSlot slot;
+        auto state = std::make_unique<WindowThread>();
+        if (!slot.Keep(state.get())) AfxThrowMemoryException();
+        t_state = state.release();
+    }
+    return *t_state;
 }
 
 void WindowThread::TrimTemporaries(size_t count) {
