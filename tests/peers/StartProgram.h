@@ -1,0 +1,18 @@
+// Starts programs of the other side.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+// The process, which the caller closes; null when the program does not start.
+inline HANDLE StartProgram(std::wstring command) {
+    STARTUPINFOW startup{};
+    startup.cb = sizeof(startup);
+    PROCESS_INFORMATION process{};
+    if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process)) {
+        return nullptr;
+    }
+    CloseHandle(process.hThread);
+    return process.hProcess;
+}
