@@ -28,7 +28,7 @@ void StartEnds(const std::wstring& portFile) {
     std::wstring program(MAX_PATH, L'\0');
     program.resize(GetModuleFileNameW(nullptr, program.data(), MAX_PATH));
     program.replace(program.rfind(L'\\') + 1, std::wstring::npos, L"usb_end.exe");
-    const HANDLE process = StartProgram(L"\"" + program + L"\" \"" + portFile + L"\" A");
+    const HANDLE process = StartProgram(program, L"\"" + portFile + L"\" A");
     if (process == nullptr) throw std::runtime_error("usb_end.exe does not start");
     CloseHandle(process);
 }

@@ -60,7 +60,6 @@ public:
         return WorkSilently(words) ? "ok" : "no such verb";
     }
     std::string Watch(const Words& words) {
-        if (words[0] == "log") return m_witness.Log();
         if (words[0] == "events") return m_witness.Events();
         if (words[0] == "await") return m_witness.Await(words[1]) ? "yes" : "no: " + m_witness.Log();
         if (words[0] == "status") {
@@ -210,7 +209,7 @@ int BeOnce(const wchar_t* portFile, const std::string& name) {
 
 // The exit code of a process of this program that is one end.
 DWORD RunOnce(const std::wstring& program, const wchar_t* portFile, const wchar_t* name) {
-    const HANDLE process = StartProgram(L"\"" + program + L"\" \"" + portFile + L"\" " + name + L" once");
+    const HANDLE process = StartProgram(program, std::wstring(L"\"") + portFile + L"\" " + name + L" once");
     if (process == nullptr) return 1;
     WaitForSingleObject(process, INFINITE);
     DWORD exitCode = 0;
