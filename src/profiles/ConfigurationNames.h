@@ -36,7 +36,7 @@ inline constexpr wchar_t kConfigurationFile[] = L"ConfigurationFile";
 inline constexpr wchar_t kLogFilePackageDirectory[] = L"LogFilePackageDirectory";
 inline constexpr wchar_t kPersonalityNaming[] = L"PersonalityNaming";
 
-// Below kRoamingProfilePaths\\SID: where a user's profile is used from, and its local copy.
+// Below kRoamingProfilePaths\SID: where a user's profile is used from, and its local copy.
 inline constexpr wchar_t kRoaming[] = L"Roaming";
 inline constexpr wchar_t kLocal[] = L"Local";
 

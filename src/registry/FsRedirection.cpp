@@ -19,7 +19,6 @@ bool DisableFsRedirection() {
 }
 
 // The idle answer differs from that of DisableFsRedirection on purpose: here it says that nothing was put back.
-// revert".
 bool RevertFsRedirection() {
     return HasRedirection() && Wow64RevertWow64FsRedirection(t_oldValue);
 }

@@ -2,9 +2,7 @@
 
 #include <iterator>
 
-#include "registry/HiveRedirection.h"
 #include "registry/OfflineEnvironment.h"
-#include "registry/RegistryException.h"
 #include "registry/RegistryHelper.h"
 
 namespace {
@@ -14,11 +12,7 @@ constexpr LPCWSTR kHostName = L"Hostname";
 
 // False, and `text` as it was, when there is no such value.
 bool ReadNetworkName(LPCWSTR valueName, CString& text) {
-    CString path = L"SYSTEM\\CurrentControlSet\\Services\\Tcpip\\Parameters";
-    RedirectToOfflineHive(path, KEY_READ, 0);
-    CRegistryHelper key;
-    const LONG status = key.Open(HKEY_LOCAL_MACHINE, path, KEY_READ);
-    if (status != ERROR_SUCCESS) throw new CRegistryException(static_cast<DWORD>(status));
+    const CRegistryHelper key(HKEY_LOCAL_MACHINE, L"SYSTEM\\CurrentControlSet\\Services\\Tcpip\\Parameters", KEY_READ);
     if (!key.ValueExists(valueName)) return false;
     text = key.GetStringValue(valueName).MakeUpper();
     return true;

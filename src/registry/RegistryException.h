@@ -36,5 +36,5 @@ private:
 // Throws unless the status is ERROR_SUCCESS.
 void CheckRegistryStatus(LONG status);
 
-// "[0x2] text", with the status and the system's text cut to 259 characters; empty when there is no text.
+// "[0x2] text", with the status and the system's text; empty when it has none, or one of more than 259 characters.
 CString FormatRegistryError(const CRegistryException& problem);

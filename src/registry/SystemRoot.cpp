@@ -1,7 +1,5 @@
 #include "registry/SystemRoot.h"
 
-#include "registry/HiveRedirection.h"
-#include "registry/RegistryException.h"
 #include "registry/RegistryHelper.h"
 
 namespace {
@@ -22,9 +20,7 @@ CString GetSystemRootPath() {
 }
 
 void OpenVersionKey(CRegistryHelper& key) {
-    CString path = L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion";
-    RedirectToOfflineHive(path, KEY_READ, 0);
-    CheckRegistryStatus(key.Open(HKEY_LOCAL_MACHINE, path, KEY_READ));
+    key.OpenOrCreate(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion", KEY_READ, 0);
 }
 
 CString JoinPath(const CString& folder, LPCWSTR file) {

@@ -78,18 +78,22 @@ WinUsbSession::MessageFile WinUsbSession::NewMessageFile() {
             }};
 }
 
-void WinUsbSession::BuildAndSend(const UsbMessage& message, Bytes tail) {
-    const MessageFile file = NewMessageFile();
+bool WinUsbSession::WriteMessage(CMemFile& file, const UsbMessage& message, Bytes tail) {
     try {
         const auto head = EncodeUsbMessage(message);
-        file->Write(head.data(), static_cast<UINT>(head.size()));
-        file->Write(tail.data(), static_cast<UINT>(tail.size()));
+        file.Write(head.data(), static_cast<UINT>(head.size()));
+        file.Write(tail.data(), static_cast<UINT>(tail.size()));
+        return true;
     } catch (CMemoryException* problem) {
         problem->Delete();
         m_sendError = ERROR_NOT_ENOUGH_MEMORY;
-        return;
+        return false;
     }
-    SendAsLast(file);
+}
+
+void WinUsbSession::BuildAndSend(const UsbMessage& message, Bytes tail) {
+    const MessageFile file = NewMessageFile();
+    if (WriteMessage(*file, message, tail)) SendAsLast(file);
 }
 
 void WinUsbSession::SendAsLast(const MessageFile& message) {

@@ -114,17 +114,13 @@ void WinUsbSession::ServeRead(const UsbMessage& message) {
     ReportProgress(L"Reading from '%s'...", name);
     // The data are read to where they are sent from, and the count in front of them is known only then.
     const MessageFile file = NewMessageFile();
-    const auto writeHead = [&file](DWORD count) {
-        const auto head = EncodeUsbMessage({.command = UsbCmdReadFileReply, .count = count});
-        file->SeekToBegin();
-        file->Write(head.data(), static_cast<UINT>(head.size()));
-    };
-    writeHead(0);
+    if (!WriteMessage(*file, {.command = UsbCmdReadFileReply})) return;
     DWORD count = 0;
     BYTE* const data = RoomFor(message.count, *file);
     if (data != nullptr && ReadFile(AsHandle(message.handle), data, message.count, &count, nullptr)) {
         file->GetBufferPtr(CFile::bufferCommit, count, nullptr, nullptr);
-        writeHead(count);
+        file->SeekToBegin();
+        WriteMessage(*file, {.command = UsbCmdReadFileReply, .count = count});
     }
     SendAsLast(file);
 }

@@ -42,8 +42,8 @@ HRESULT WinUsbDevice::Open(const CString& devicePath) {
     if (m_fileHandle == INVALID_HANDLE_VALUE) return HRESULT_FROM_WIN32(GetLastError());
     if (!m_initialize(m_fileHandle, &m_interfaceHandle)) {
         const DWORD error = GetLastError();
-        // The number stays in the member: a Close after this fails on it, which does no harm and is not reported.
-        CloseHandle(m_fileHandle);
+        // The number must not stay in the member: by the time of a Close it may be that of another file.
+        CloseHandle(std::exchange(m_fileHandle, INVALID_HANDLE_VALUE));
         return HRESULT_FROM_WIN32(error);
     }
     ULONG speedBytes = sizeof(m_deviceSpeed);

@@ -43,8 +43,9 @@ DWORD WinUsbSession::Connect(const CString& devicePath, bool handshake) {
     Logger().LogTraceMessageFormat(L"Device:'%s'", devicePath.GetString());
     if (const HRESULT result = m_device.Open(devicePath); result != 0) return static_cast<DWORD>(result);
     m_sendThread = AfxBeginThread(SendThread, this);
-    m_readThread = AfxBeginThread(ReadThread, this);
-    if (m_sendThread == nullptr || m_readThread == nullptr) return ERROR_NOT_ENOUGH_MEMORY;
+    // Not without the send thread, by which the destructor knows of a session to be closed.
+    if (m_sendThread != nullptr) m_readThread = AfxBeginThread(ReadThread, this);
+    if (m_readThread == nullptr) return ERROR_NOT_ENOUGH_MEMORY;
     if (!handshake) return 0;
     const CSingleLock lock(&s_operationLock, TRUE);
     if (Request(SendConnect, UsbCmdConnectReply)) return 0;

@@ -110,6 +110,8 @@ private:
     Command TakeCommand();
     void SendCommand(Command command);
     MessageFile NewMessageFile();
+    // At the file's position. False without memory for it, which ends the session as a message that is not sent does.
+    bool WriteMessage(CMemFile& file, const UsbMessage& message, Bytes tail = {});
     void BuildAndSend(const UsbMessage& message, Bytes tail = {});
     void SendAsLast(const MessageFile& message);
     bool SendDataToWinUsb(const MessageFile& message);

@@ -39,7 +39,6 @@ public:
     void Split(int end, size_t bytes, DWORD milliseconds);
     // All that an end has sent, as it sent it; of more than a MiB the start.
     std::string Seen(int end) const;
-    void CutNow();
 
 private:
     struct Direction {
@@ -53,6 +52,7 @@ private:
     };
 
     void Connect();
+    void CutNow();
     void Pump(int end);
     // What becomes of bytes; false if the link ends behind them.
     bool Spoil(Direction& direction, const std::string& bytes, std::string& result) const;

@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <stdexcept>
 
+#include "peers/StartProgram.h"
+
 namespace {
 
 std::wstring Variable(const wchar_t* name) {
@@ -26,16 +28,9 @@ void StartEnds(const std::wstring& portFile) {
     std::wstring program(MAX_PATH, L'\0');
     program.resize(GetModuleFileNameW(nullptr, program.data(), MAX_PATH));
     program.replace(program.rfind(L'\\') + 1, std::wstring::npos, L"usb_end.exe");
-    std::wstring command = L"\"" + program + L"\" \"" + portFile + L"\" A";
-    STARTUPINFOW startup{};
-    startup.cb = sizeof(startup);
-    PROCESS_INFORMATION process{};
-    if (!CreateProcessW(program.c_str(), command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                        &process)) {
-        throw std::runtime_error("usb_end.exe does not start");
-    }
-    CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
+    const HANDLE process = StartProgram(program, L"\"" + portFile + L"\" A");
+    if (process == nullptr) throw std::runtime_error("usb_end.exe does not start");
+    CloseHandle(process);
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 //     EXPECT_EQ(a.Do({"connect", "greet"}), "0");
 #pragma once
 
+#include <cstdio>
 #include <deque>
 #include <map>
 #include <mutex>
@@ -30,13 +31,17 @@ public:
     std::string Answer(DWORD milliseconds = kEndMilliseconds) {
         return m_work.ReceiveLine(milliseconds).value_or("no answer");
     }
-    // At once, whatever the end is doing: "log", "events", "status", or "await" with what is to come up in the first
-    // two.
+    // At once, whatever the end is doing: "events", "status", or "await" with what is to come up in its events or log.
     std::string Watch(const Words& words) {
         m_watch.SendLine(Line(words));
         return m_watch.ReceiveLine(kEndMilliseconds).value_or("no answer");
     }
-    bool Await(const std::string& text) { return Watch({"await", text}) == "yes"; }
+    // False, with the log on the standard output, if it does not come up.
+    bool Await(const std::string& text) {
+        const std::string answer = Watch({"await", text});
+        if (answer != "yes") std::printf("%s\n", answer.c_str());
+        return answer == "yes";
+    }
 
 private:
     static std::string Line(const Words& words);

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <functional>
-#include <map>
 #include <thread>
 
 #include "files/Utf8TextFile.h"
@@ -16,6 +15,7 @@
 #include "peers/EndWitness.h"
 #include "peers/EndWords.h"
 #include "peers/LinkSocket.h"
+#include "peers/StartProgram.h"
 #include "support/Narrow.h"
 #include "transports/WinUsbSession.h"
 
@@ -44,18 +44,22 @@ public:
     explicit End(EndWitness& witness) : m_witness(witness) { m_session.SetOwnerWindow(witness.Window()); }
 
     std::string Work(const Words& words) {
-        static const std::map<std::string, std::string (End::*)(const Words&)> kVerbs = {
-            {"device", &End::Device},   {"base", &End::Base},     {"alternate", &End::Alternate},
-            {"connect", &End::Connect}, {"exists", &End::Exists}, {"space", &End::Space},
-            {"open", &End::Open},       {"write", &End::Write},   {"read", &End::Read},
-            {"seek", &End::Seek},       {"close", &End::Close},   {"finish", &End::Finish},
-            {"end", &End::EndSession},  {"bare", &End::Bare},     {"text", &End::Text},
-            {"quiet", &End::Quiet}};
-        const auto verb = kVerbs.find(words[0]);
-        return verb != kVerbs.end() ? (this->*verb->second)(words) : "no such verb";
+        const std::string& verb = words[0];
+        if (verb == "device") return Device(words[1]);
+        if (verb == "connect") return Connect(words[1] == "greet");
+        if (verb == "exists") return Number(m_session.DoesDirectoryExist(Wide(words[1])));
+        if (verb == "space") return Number(m_session.DriveFreeSpace());
+        if (verb == "open") return Number(reinterpret_cast<UINT64>(m_session.OpenDataFile(Wide(words[1]))));
+        if (verb == "write") return Write(HandleOf(words[1]), Small(words[2]), Small(words[3]));
+        if (verb == "read") return Read(HandleOf(words[1]), Small(words[2]), Small(words[3]));
+        if (verb == "seek") {
+            return std::to_string(m_session.SeekData(HandleOf(words[1]), std::stoll(words[2]), Small(words[3])));
+        }
+        if (verb == "text") return Text(words[1], words.size() > 2);
+        if (verb == "bare") return Bare(words[1]);
+        return WorkSilently(words) ? "ok" : "no such verb";
     }
     std::string Watch(const Words& words) {
-        if (words[0] == "log") return m_witness.Log();
         if (words[0] == "events") return m_witness.Events();
         if (words[0] == "await") return m_witness.Await(words[1]) ? "yes" : "no: " + m_witness.Log();
         if (words[0] == "status") {
@@ -67,44 +71,44 @@ public:
     }
 
 private:
-    // The text of the device file, and the file's text afterwards.
-    std::string Device(const Words& words) {
+    // What has no answer of its own.
+    bool WorkSilently(const Words& words) {
+        const std::string& verb = words[0];
+        if (verb == "base") {
+            m_session.SetBaseDirectory(Wide(words[1]));
+        } else if (verb == "alternate") {
+            m_session.SetAlternateDirectory(Wide(words[1]));
+        } else if (verb == "quiet") {  // from now on without an owner window
+            m_session.SetOwnerWindow(nullptr);
+        } else if (verb == "close") {
+            m_session.CloseFile(HandleOf(words[1]));
+        } else if (verb == "finish") {
+            m_session.Finish(Small(words[1]));
+        } else if (verb == "end") {
+            m_session.CloseSession();
+        } else {
+            return false;
+        }
+        return true;
+    }
+    // Makes the device file with that text.
+    std::string Device(const std::string& text) {
         WCHAR folder[MAX_PATH];
         GetTempPathW(MAX_PATH, folder);
         m_device.Format(L"%susb-device-%u", folder, GetCurrentProcessId());
-        CFile(m_device, CFile::modeCreate | CFile::modeWrite)
-            .Write(words[1].data(), static_cast<UINT>(words[1].size()));
+        CFile(m_device, CFile::modeCreate | CFile::modeWrite).Write(text.data(), static_cast<UINT>(text.size()));
         return "ok";
     }
-    std::string Base(const Words& words) {
-        m_session.SetBaseDirectory(Wide(words[1]));
-        return "ok";
-    }
-    std::string Alternate(const Words& words) {
-        m_session.SetAlternateDirectory(Wide(words[1]));
-        return "ok";
-    }
-    // From now on without an owner window.
-    std::string Quiet(const Words&) {
-        m_session.SetOwnerWindow(nullptr);
-        return "ok";
-    }
-    // With "greet" by handshake. Answers the result and the device's text, which tells where to connect to.
-    std::string Connect(const Words& words) {
-        const DWORD result = m_session.Connect(m_device, words[1] == "greet");
+    // Answers the result and the device's text, which tells where to connect to.
+    std::string Connect(bool greets) {
+        const DWORD result = m_session.Connect(m_device, greets);
         return Number(result) + " " + TextOf(m_device);
     }
-    std::string Exists(const Words& words) { return Number(m_session.DoesDirectoryExist(Wide(words[1]))); }
-    std::string Space(const Words&) { return Number(m_session.DriveFreeSpace()); }
-    std::string Open(const Words& words) {
-        return Number(reinterpret_cast<UINT64>(m_session.OpenDataFile(Wide(words[1]))));
-    }
-    // write HANDLE SIZE SEED
-    std::string Write(const Words& words) {
-        std::vector<BYTE> data(Small(words[2]));
-        FillPattern(data, Small(words[3]));
+    std::string Write(HANDLE file, DWORD size, DWORD seed) {
+        std::vector<BYTE> data(size);
+        FillPattern(data, seed);
         try {
-            m_session.WriteData(HandleOf(words[1]), data.data(), static_cast<DWORD>(data.size()));
+            m_session.WriteData(file, data.data(), size);
         } catch (CFileException* problem) {
             const std::string answer = "cause " + Number(static_cast<UINT64>(problem->m_cause)) + " error " +
                                        std::to_string(problem->m_lOsError) + " " +
@@ -114,41 +118,29 @@ private:
         }
         return "ok";
     }
-    // read HANDLE SIZE STEP: in reads of STEP bytes; answers what they count together, and the hash of the bytes that
-    // each leaves at the start of the buffer.
-    std::string Read(const Words& words) {
-        const DWORD size = Small(words[2]);
-        const DWORD step = std::max<DWORD>(Small(words[3]), 1);
+    // In reads of `step` bytes; answers what they count together, and the hash of the bytes that each leaves at the
+    // start of the buffer.
+    std::string Read(HANDLE file, DWORD size, DWORD step) {
+        step = std::max<DWORD>(step, 1);
         std::vector<BYTE> data(std::min(size, step));
         UINT64 total = 0;
         UINT64 hash = HashOf({});
         for (DWORD done = 0; done < size; done += step) {
             const DWORD wanted = std::min(step, size - done);
-            const DWORD got = m_session.ReadData(HandleOf(words[1]), data.data(), wanted);
+            const DWORD got = m_session.ReadData(file, data.data(), wanted);
             hash = HashOf(std::span(data).first(std::min<size_t>(got, kUsbChunkBytes)), hash);
             total += got;
             if (got != wanted) break;
         }
         return Number(total) + " " + Number(hash);
     }
-    std::string Seek(const Words& words) {
-        return std::to_string(m_session.SeekData(HandleOf(words[1]), std::stoll(words[2]), Small(words[3])));
-    }
-    std::string Close(const Words& words) {
-        m_session.CloseFile(HandleOf(words[1]));
-        return "ok";
-    }
-    std::string Finish(const Words& words) {
-        m_session.Finish(Small(words[1]));
-        return "ok";
-    }
-    // text NAME [buffered]: a text file object over the session; answers the position behind the text, what it reads
-    // from the text's start, the position behind that, and the length or why there is none.
-    std::string Text(const Words& words) {
+    // A text file object over the session; answers the position behind the text, what it reads from the text's start,
+    // the position behind that, and the length or why there is none.
+    std::string Text(const std::string& name, bool isBuffered) {
         CUtf8TextFile file;
         file.SetSession(&m_session);
-        file.SetUseMemoryBuffer(words.size() > 2);
-        if (!file.Open(Wide(words[1]), CFile::modeCreate | CFile::modeReadWrite)) return "not open";
+        file.SetUseMemoryBuffer(isBuffered);
+        if (!file.Open(Wide(name), CFile::modeCreate | CFile::modeReadWrite)) return "not open";
         file.WriteString(L"one\r\n");
         std::string answer = Number(file.GetPosition()) + " ";
         file.Seek(kByteOrderMarkBytes, CFile::begin);
@@ -162,20 +154,15 @@ private:
         }
         return answer;
     }
-    std::string EndSession(const Words&) {
-        m_session.CloseSession();
-        return "ok";
-    }
-
     // Serves a bare link beside the session, on a file of its own. Answers the device's text.
-    std::string Bare(const Words& words) {
+    std::string Bare(const std::string& name) {
         const CString session = m_device;
-        Device({"", "listen"});
+        Device("listen");
         const CString device = m_device + L"-bare";
         MoveFileExW(m_device, device, MOVEFILE_REPLACE_EXISTING);
         m_device = session;
         auto* const link = new BareLink(device.GetString());
-        const HANDLE file = CreateFileW(Wide(words[1]), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+        const HANDLE file = CreateFileW(Wide(name), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr,
                                         CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
         std::thread([=] { link->Serve(file); }).detach();
         return TextOf(device);
@@ -222,19 +209,12 @@ int BeOnce(const wchar_t* portFile, const std::string& name) {
 
 // The exit code of a process of this program that is one end.
 DWORD RunOnce(const std::wstring& program, const wchar_t* portFile, const wchar_t* name) {
-    std::wstring command = L"\"" + program + L"\" \"" + portFile + L"\" " + name + L" once";
-    STARTUPINFOW startup{};
-    startup.cb = sizeof(startup);
-    PROCESS_INFORMATION process{};
-    if (!CreateProcessW(program.c_str(), command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                        &process)) {
-        return 1;
-    }
-    WaitForSingleObject(process.hProcess, INFINITE);
+    const HANDLE process = StartProgram(program, std::wstring(L"\"") + portFile + L"\" " + name + L" once");
+    if (process == nullptr) return 1;
+    WaitForSingleObject(process, INFINITE);
     DWORD exitCode = 0;
-    GetExitCodeProcess(process.hProcess, &exitCode);
-    CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
+    GetExitCodeProcess(process, &exitCode);
+    CloseHandle(process);
     return exitCode;
 }
 

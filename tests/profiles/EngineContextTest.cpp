@@ -9,39 +9,38 @@
 
 #include "crypto/Encryptor.h"
 #include "support/LogCapture.h"
+#include "support/Narrow.h"
 
 namespace {
 
 // How often the user of each mark was deleted.
 std::map<int, int> s_deleted;
 
+enum class Hive { None, Loaded, ToBeLoaded };
+
 struct TestUser : CBvUserProfileBase {
-    TestUser(int itsMark, LPCWSTR domain, LPCWSTR name, LPCWSTR path) : mark(itsMark) {
+    TestUser(int itsMark, LPCWSTR domain, LPCWSTR name, LPCWSTR path, Hive itsHive = Hive::Loaded,
+             LONGLONG precedence = 0)
+        : mark(itsMark), hive(itsHive) {
         m_domain = domain;
         m_userName = name;
         m_profilePath = path;
+        m_precedence = precedence;
     }
     ~TestUser() noexcept(false) override {
         ++s_deleted[mark];
         if (throws) throws();
     }
-    bool HasProfileHive() override { return hasHive; }
-    bool RequiresHiveLoad() override { return requiresLoad; }
+    bool HasProfileHive() override { return hive != Hive::None; }
+    bool RequiresHiveLoad() override { return hive == Hive::ToBeLoaded; }
 
     int mark;
-    bool hasHive = true;
-    bool requiresLoad = false;
+    Hive hive;
     void (*throws)() = nullptr;
 };
 
-using Marks = std::vector<int>;
-
-Marks MarksOf(const CEngineContext& context) {
-    Marks marks;
-    for (INT_PTR i = 0; i < context.m_users.GetCount(); ++i) {
-        marks.push_back(static_cast<TestUser*>(context.m_users.GetAt(i))->mark);
-    }
-    return marks;
+std::string MarkOf(const CBvUserProfileBase* user) {
+    return std::to_string(static_cast<const TestUser*>(user)->mark);
 }
 
 class UserList : public testing::Test {
@@ -49,102 +48,53 @@ protected:
     UserList() { s_deleted.clear(); }
     ~UserList() override { m_context.ClearUserList(); }
 
+    // The list holds 1 = CORP/Ann with precedence 5 and 2 = CORP/Bob; 3 is CORP/Ann again. Tells the message, the list,
+    // and who is deleted or whose subordinate. In the end everybody is deleted.
+    std::string AddAgain(Hive existing, Hive added, LPCWSTR path, LONGLONG precedence) {
+        s_deleted.clear();
+        const LogCapture log;
+        auto* const ann = new TestUser(1, L"CORP", L"Ann", L"C:\\a", existing, 5);
+        auto* const again = new TestUser(3, L"corp", L"ANN", path, added, precedence);
+        m_context.AddUserToUserList(ann);
+        m_context.AddUserToUserList(new TestUser(2, L"CORP", L"Bob", L"C:\\a"));
+        m_context.AddUserToUserList(again);
+        EXPECT_EQ(log.GetLines()[1].message, L"Adding user:Ann domain:CORP profile path C:\\a");
+        std::string told;
+        for (const std::wstring& message : log.Messages(LogLevel::Informational)) told += Narrow(message) + " |";
+        for (INT_PTR i = 0; i < m_context.m_users.GetCount(); ++i) told += " " + MarkOf(m_context.m_users.GetAt(i));
+        std::vector<CBvUserProfileBase*> subordinates;
+        for (const auto& [mark, user] : {std::pair(1, ann), {3, again}}) {
+            if (s_deleted.contains(mark)) {
+                told += ", " + std::to_string(mark) + " deleted";
+            } else if (user->m_subordinate != nullptr) {
+                told += ", " + MarkOf(user->m_subordinate) + " below " + MarkOf(user);
+                subordinates.push_back(user->m_subordinate);
+            }
+        }
+        m_context.ClearUserList();
+        for (const CBvUserProfileBase* each : subordinates) delete each;  // they are the host's
+        EXPECT_EQ(s_deleted, (std::map<int, int>{{1, 1}, {2, 1}, {3, 1}}));
+        return told;
+    }
+
     CEngineContext m_context;
 };
 
 }  // namespace
 
-// The list holds 1 = CORP\Ann with precedence 5 and 2 = CORP\Bob; 3 is CORP\Ann again. All combinations of hives are
-// the decision's own test.
+// All combinations of hives are the decision's own test.
 TEST_F(UserList, ADuplicateStaysGoesOrBecomesSubordinate) {
-    const struct {
-        bool existingRequiresLoad, hasHive, requiresLoad;
-        LPCWSTR path;
-        LONGLONG precedence;
-        Marks list;
-        std::map<int, int> deleted;
-        int subordinateOf1, subordinateOf3;
-        LPCWSTR message;
-    } cases[] = {
-        {false,
-         true,
-         true,
-         L"C:\\b",
-         9,
-         {1, 2},
-         {{3, 1}},
-         0,
-         0,
-         L"Skipping duplicate profile that requires hive to be loaded: corp\\ANN"},
-        {true,
-         false,
-         false,
-         L"C:\\a",
-         1,
-         {2, 3},
-         {{1, 1}},
-         0,
-         0,
-         L"Replacing duplicate profile with one that doesn't require hive to be loaded: corp\\ANN"},
-        {false,
-         true,
-         false,
-         L"c:\\A",
-         9,
-         {1, 2},
-         {{3, 1}},
-         0,
-         0,
-         L"Skipping duplicate profile 'corp\\ANN' with duplicate profile path: 'c:\\A'"},
-        {true,
-         true,
-         true,
-         L"C:\\b",
-         6,
-         {2, 3},
-         {},
-         0,
-         1,
-         L"Making existing profile subordinate to new profile 'corp\\ANN'"},
-        {true,
-         true,
-         false,
-         L"C:\\b",
-         5,
-         {1, 2},
-         {},
-         3,
-         0,
-         L"Making new profile subordinate to existing duplicate 'corp\\ANN'"},
-    };
-    for (const auto& each : cases) {
-        s_deleted.clear();
-        const LogCapture log;
-        auto* ann = new TestUser(1, L"CORP", L"Ann", L"C:\\a");
-        ann->requiresLoad = each.existingRequiresLoad;
-        ann->m_precedence = 5;
-        m_context.AddUserToUserList(ann);
-        m_context.AddUserToUserList(new TestUser(2, L"CORP", L"Bob", L"C:\\a"));
-        auto* again = new TestUser(3, L"corp", L"ANN", each.path);
-        again->hasHive = each.hasHive;
-        again->requiresLoad = each.requiresLoad;
-        again->m_precedence = each.precedence;
-        m_context.AddUserToUserList(again);
-
-        EXPECT_EQ(log.GetLines()[1].message, L"Adding user:Ann domain:CORP profile path C:\\a");
-        EXPECT_EQ(log.Messages(LogLevel::Informational), std::vector<std::wstring>{each.message});
-        EXPECT_EQ(MarksOf(m_context), each.list);
-        EXPECT_EQ(s_deleted, each.deleted);
-        CBvUserProfileBase* const below1 = each.deleted.contains(1) ? nullptr : ann->m_subordinate;
-        CBvUserProfileBase* const below3 = each.deleted.contains(3) ? nullptr : again->m_subordinate;
-        EXPECT_EQ(below1, each.subordinateOf1 == 0 ? nullptr : again);
-        EXPECT_EQ(below3, each.subordinateOf3 == 0 ? nullptr : ann);
-        // Subordinates are the host's.
-        m_context.ClearUserList();
-        delete below1;
-        delete below3;
-        EXPECT_EQ(s_deleted, (std::map<int, int>{{1, 1}, {2, 1}, {3, 1}}));
-    }
+    EXPECT_EQ(AddAgain(Hive::Loaded, Hive::ToBeLoaded, L"C:\\b", 9),
+              "Skipping duplicate profile that requires hive to be loaded: corp\\ANN | 1 2, 3 deleted");
+    EXPECT_EQ(
+        AddAgain(Hive::ToBeLoaded, Hive::None, L"C:\\a", 1),
+        "Replacing duplicate profile with one that doesn't require hive to be loaded: corp\\ANN | 2 3, 1 deleted");
+    EXPECT_EQ(AddAgain(Hive::Loaded, Hive::Loaded, L"c:\\A", 9),
+              "Skipping duplicate profile 'corp\\ANN' with duplicate profile path: 'c:\\A' | 1 2, 3 deleted");
+    EXPECT_EQ(AddAgain(Hive::ToBeLoaded, Hive::ToBeLoaded, L"C:\\b", 6),
+              "Making existing profile subordinate to new profile 'corp\\ANN' | 2 3, 1 below 3");
+    EXPECT_EQ(AddAgain(Hive::ToBeLoaded, Hive::Loaded, L"C:\\b", 5),
+              "Making new profile subordinate to existing duplicate 'corp\\ANN' | 1 2, 3 below 1");
 }
 
 TEST_F(UserList, DomainAndNameTogetherMakeADuplicate) {

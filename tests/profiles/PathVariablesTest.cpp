@@ -24,11 +24,11 @@ private:
 };
 
 int s_calls = 0;
-decltype(&ExpandEnvironmentStringsW) s_expand = nullptr;
 
 DWORD WINAPI CountedExpansion(LPCWSTR text, LPWSTR buffer, DWORD chars) {
     ++s_calls;
-    return s_expand(text, buffer, chars);
+    return SystemFunction(&ExpandEnvironmentStringsW, L"kernel32.dll", "ExpandEnvironmentStringsW")(text, buffer,
+                                                                                                    chars);
 }
 
 }  // namespace
@@ -54,9 +54,8 @@ TEST(ExpandPath, OnABootImageTheTargetsRootComesFirst) {
         HiveBuilder software;
         software.SetText(L"Microsoft\\Windows NT\\CurrentVersion", L"SystemRoot", L"Q:\\Target");
         machine.Mount(L"OS_SOFTWARE", machine.Install(L'D', L"SOFTWARE", software));
-        const ImportPatch<decltype(s_expand)> patch(GetModuleHandleW(nullptr), "ExpandEnvironmentStringsW",
-                                                    CountedExpansion);
-        s_expand = patch.Original();
+        const ImportPatch<decltype(&CountedExpansion)> patch(GetModuleHandleW(nullptr), "ExpandEnvironmentStringsW",
+                                                             CountedExpansion);
         EXPECT_EQ(ExpandPath(L"%SystemRoot%\\x"), L"Q:\\Target\\x");
         EXPECT_EQ(ExpandPath(L"%SYSTEMDRIVE%\\x"), L"Q:\\x");
         EXPECT_EQ(ExpandPath(L"C:\\plain"), L"C:\\plain");

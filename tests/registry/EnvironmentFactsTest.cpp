@@ -3,6 +3,7 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <string>
+#include <thread>
 
 #include "registry/FileVersion.h"
 #include "registry/FsRedirection.h"
@@ -68,28 +69,19 @@ TEST(Bitness, A64BitProcessReadsFalse) {
     });
 }
 
-TEST(Bitness, A32BitProcessOnA64BitSystemReadsTrue) {
+TEST(Bitness, A32BitProcessOnA64BitSystemReadsTrueOnceItIsKnown) {
     EXPECT_IN_FRESH_PROCESS([] {
         const Patch<decltype(&IsWow64Process)> wow64(This(), "IsWow64Process", AnswerWow64);
         const Patch<decltype(&GetSystemWow64DirectoryW)> directory(This(), "GetSystemWow64DirectoryW",
                                                                    AnswerWow64Directory);
         s_isWow64 = TRUE;
-        EXPECT_TRUE(IsOffline64BitOs());
-        EXPECT_EQ(AddWow64KeyFlag(KEY_READ), REGSAM{KEY_READ | 0x100});
-        EXPECT_EQ(GetWow64DirectoryText(), L"C:\\Windows\\SysWOW64");
-        s_isWow64 = FALSE;
-        EXPECT_TRUE(IsOffline64BitOs());
-        EXPECT_EQ(s_asked, 1) << "asked once";
-    });
-}
-
-TEST(Bitness, AFailedQuestionIsAskedAgain) {
-    EXPECT_IN_FRESH_PROCESS([] {
-        const Patch<decltype(&IsWow64Process)> wow64(This(), "IsWow64Process", AnswerWow64);
-        s_isWow64 = TRUE;
         s_succeeds = FALSE;
         EXPECT_FALSE(IsOffline64BitOs());
         s_succeeds = TRUE;
+        EXPECT_TRUE(IsOffline64BitOs()) << "a question that failed is asked again";
+        EXPECT_EQ(AddWow64KeyFlag(KEY_READ), REGSAM{KEY_READ | 0x100});
+        EXPECT_EQ(GetWow64DirectoryText(), L"C:\\Windows\\SysWOW64");
+        s_isWow64 = FALSE;
         EXPECT_TRUE(IsOffline64BitOs());
         EXPECT_EQ(s_asked, 2);
     });
@@ -104,17 +96,11 @@ TEST(FsRedirection, EachThreadPairsItsOwnCalls) {
                                                                      RevertRedirection);
         s_isWow64 = TRUE;
         EXPECT_TRUE(DisableFsRedirection());
-        const HANDLE thread = CreateThread(
-            nullptr, 0,
-            [](void*) -> DWORD {
-                DisableFsRedirection();
-                RevertFsRedirection();
-                EXPECT_EQ(s_reverted, reinterpret_cast<PVOID>(101));
-                return 0;
-            },
-            nullptr, 0, nullptr);
-        WaitForSingleObject(thread, INFINITE);
-        CloseHandle(thread);
+        std::thread([] {
+            DisableFsRedirection();
+            RevertFsRedirection();
+            EXPECT_EQ(s_reverted, reinterpret_cast<PVOID>(101));
+        }).join();
         EXPECT_TRUE(RevertFsRedirection());
         EXPECT_EQ(s_reverted, reinterpret_cast<PVOID>(100));
         s_redirectionSucceeds = FALSE;
@@ -139,6 +125,18 @@ TEST(FileVersion, IsTheFilesOwnAndAFailureLeavesTheText) {
     EXPECT_TRUE(IsVersionOlderThanModule(L"10.0.21999", 4));
     EXPECT_FALSE(IsVersionOlderThanModule(L"10.0.22000.65", 4));
     EXPECT_FALSE(IsVersionOlderThanModule(L"10.0", 2));
+}
+
+TEST(ProductVersion, IsComparedAsText) {
+    EXPECT_TRUE(IsVersionAtLeast(L"8.1.0.5", L"8.1", 4));
+    EXPECT_FALSE(IsVersionAtLeast(L"8.1", L"8.1.0.5", 4));
+    EXPECT_TRUE(IsProductVersion7OrLater(L"7"));
+    EXPECT_FALSE(IsProductVersion7OrLater(L"6.9"));
+    EXPECT_TRUE(IsKnownProductVersion(CString(L"10.5.1.2")) && IsKnownProductVersion(L"8.21"));
+    EXPECT_FALSE(IsKnownProductVersion(L"18.0"));
+    VersionParts parts{};
+    ParseVersion(L"1.2.x.4", parts);
+    EXPECT_EQ(parts, (VersionParts{1, 2, 0, 4}));
 }
 
 TEST(SystemRoot, IsTheRunningSystems) {

@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
@@ -23,9 +22,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr wchar_t kConfig[] = L"D:\\Windows\\System32\\config";
 constexpr wchar_t kDefaultUserHive[] = L"D:\\Users\\Default\\NTUSER.DAT";
 constexpr wchar_t kVersionKey[] = L"Microsoft\\Windows NT\\CurrentVersion";
+
+std::wstring InConfig(const wchar_t* file) {
+    return std::wstring(L"D:\\Windows\\System32\\config\\") + file;
+}
 
 // A boot image that keeps its temporary files on drive E, as a real one keeps them on X, and an installed system of 64
 // bits on drive D with which nothing is wrong.
@@ -67,7 +69,7 @@ public:
     // The hives of SOFTWARE and the default user.
     static void MakeReadOnly(bool isReadOnly) {
         const DWORD attributes = isReadOnly ? FILE_ATTRIBUTE_READONLY : FILE_ATTRIBUTE_NORMAL;
-        SetFileAttributesW((std::wstring(kConfig) + L"\\SOFTWARE").c_str(), attributes);
+        SetFileAttributesW(InConfig(L"SOFTWARE").c_str(), attributes);
         SetFileAttributesW(kDefaultUserHive, attributes);
     }
 
@@ -88,18 +90,10 @@ private:
 };
 
 // Wine's copy leaves the attributes of an existing target as they are; the system's gives it those of the source.
-class CopyingOfAttributes {
-public:
-    CopyingOfAttributes() : m_patch(GetModuleHandleW(nullptr), "CopyFileW", Copy) { s_real = m_patch.Original(); }
-
-private:
-    static BOOL WINAPI Copy(LPCWSTR source, LPCWSTR target, BOOL failIfExists) {
-        return s_real(source, target, failIfExists) && SetFileAttributesW(target, GetFileAttributesW(source));
-    }
-
-    static inline decltype(&CopyFileW) s_real = nullptr;
-    ImportPatch<decltype(&CopyFileW)> m_patch;
-};
+BOOL WINAPI CopyWithAttributes(LPCWSTR source, LPCWSTR target, BOOL failIfExists) {
+    return SystemFunction(&CopyFileW, L"kernel32.dll", "CopyFileW")(source, target, failIfExists) &&
+           SetFileAttributesW(target, GetFileAttributesW(source));
+}
 
 CString ValueBelow(HKEY hive, LPCWSTR path) {
     return CRegistryHelper(hive, path, KEY_READ).GetStringValue(L"v");
@@ -107,13 +101,41 @@ CString ValueBelow(HKEY hive, LPCWSTR path) {
 
 using Texts = std::vector<std::wstring>;
 
+// A machine is well until one thing is broken; mounting then gives the status and the errors, and mounting once more
+// the next status.
+void ExpectFailure(const char* name, void (*breakIt)(), DWORD status, DWORD nextStatus, const Texts& errors) {
+    SCOPED_TRACE(name);
+    EXPECT_IN_FRESH_PROCESS([&] {
+        const BootedMachine machine;
+        const ImportPatch<decltype(&CopyFileW)> copying(GetModuleHandleW(nullptr), "CopyFileW", CopyWithAttributes);
+        breakIt();
+        const LogCapture log;
+        EXPECT_EQ(WinPeHelper::LoadLocalMachineProfile(), status);
+        EXPECT_EQ(log.Messages(LogLevel::Error), errors);
+        EXPECT_EQ(WinPeHelper::LoadLocalMachineProfile(), nextStatus);
+    });
+}
+
+// "18+" for the enabling of a privilege and "17-" for the disabling of another, by their numbers in the system.
+std::string s_privileges;
+
+BOOL WINAPI NotePrivilege(HANDLE token, BOOL disableAll, PTOKEN_PRIVILEGES wanted, DWORD bytes,
+                          PTOKEN_PRIVILEGES previous, PDWORD previousBytes) {
+    const LUID_AND_ATTRIBUTES& privilege = wanted->Privileges[0];
+    s_privileges += std::to_string(privilege.Luid.LowPart) + (privilege.Attributes == SE_PRIVILEGE_ENABLED ? "+" : "-");
+    return SystemFunction(&AdjustTokenPrivileges, L"advapi32.dll", "AdjustTokenPrivileges")(
+        token, disableAll, wanted, bytes, previous, previousBytes);
+}
+
 }  // namespace
 
 TEST(OfflineHives, AreMountedOnFirstNeedAndReadThroughTheRedirection) {
     EXPECT_IN_FRESH_PROCESS([] {
         const BootedMachine machine;
-        std::ofstream(fs::path(std::wstring(kConfig) + L"\\SOFTWARE.log1")) << "1";
-        std::ofstream(fs::path(std::wstring(kConfig) + L"\\SOFTWARE.log2")) << "2";
+        std::ofstream(fs::path(InConfig(L"SOFTWARE.log1"))) << "1";
+        std::ofstream(fs::path(InConfig(L"SOFTWARE.log2"))) << "2";
+        const ImportPatch<decltype(&AdjustTokenPrivileges)> privileges(GetModuleHandleW(nullptr),
+                                                                       "AdjustTokenPrivileges", NotePrivilege);
         {
             const LogCapture log;
             EXPECT_EQ(ValueBelow(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Both"), L"64");
@@ -140,7 +162,9 @@ TEST(OfflineHives, AreMountedOnFirstNeedAndReadThroughTheRedirection) {
         // A copy of each hive is mounted, with what logs it has.
         EXPECT_EQ(BootedMachine::TempFiles(), (Texts{L".tmp", L".tmp", L".tmp", L".tmp.log1", L".tmp.log2"}));
         RegCloseKey(list);
+        EXPECT_EQ(s_privileges, "18+17+") << "restoring, then saving";
         WinPeHelper::UnloadLocalMachineProfile();
+        EXPECT_EQ(s_privileges, "18+17+18+17+18-17-");
         EXPECT_FALSE(IsOfflineSoftwareMounted());
         CRegKey key;
         EXPECT_EQ(key.Open(HKEY_LOCAL_MACHINE, L"OS_SYSTEM", KEY_READ), 2);
@@ -151,82 +175,32 @@ TEST(OfflineHives, AreMountedOnFirstNeedAndReadThroughTheRedirection) {
     });
 }
 
-// Each takes a machine that is well, breaks one thing and names what that gives.
 TEST(OfflineHives, EachFailureHasItsStatusAndItsLogLines) {
-    static const std::wstring s_copyFailed = L"Unable to copy reg file('D:\\Windows\\System32\\config\\SYSTEM') to ";
-    static const struct {
-        const char* name;
-        std::function<void()> breakIt;
-        DWORD status;
-        Texts errors;
-        DWORD nextStatus;
-    } s_cases[] = {
-        {"no installed system",
-         [] { fs::remove(fs::path(kConfig) / L"SOFTWARE"); },
-         2,
-         {L"PE Win Profile Drive could not be found!"},
-         2},
-        {"no SYSTEM hive",
-         [] { fs::remove(fs::path(kConfig) / L"SYSTEM"); },
-         2,
-         {s_copyFailed + L"temp directory. Error:00000002", L"Failed to load HKLM\\SYSTEM file with Error:00000002"},
-         0},
-        {"a hive without write permission",
-         [] { BootedMachine::MakeReadOnly(true); },
-         5,
-         {L"Unable to get temp file name for registry node. Error:00000005",
-          L"Failed to load HKLM\\SOFTWARE file with Error:00000005"},
-         5},
-        {"no folder for temporary files",
-         [] { fs::remove_all(BootedMachine::TempFolder()); },
-         267,
-         {L"Unable to get temp file name for registry node. Error:0000010b",
-          L"Failed to load HKLM\\SOFTWARE file with Error:0000010b"},
-         267},
-        {"no default user's hive",
-         [] { fs::remove(kDefaultUserHive); },
-         2,
-         {L"Unable to copy reg file('D:\\Users\\Default\\NTUSER.DAT') to temp directory. Error:00000002",
-          L"Failed to load HKU\\.DEFAULT file with Error:00000002"},
-         0},
-        {"no list of profiles",
-         [] {
-             HiveBuilder empty;
-             empty.AddKey(L"x");
-             empty.Save(std::wstring(kConfig) + L"\\SOFTWARE");
-         },
-         5,
-         {L"Failed to load Default User Profile Path!"},
-         0},
-        {"a taken name",
-         [] {
-             HKEY key = nullptr;
-             RegCreateKeyW(HKEY_LOCAL_MACHINE, L"OS_SYSTEM", &key);
-             RegCloseKey(key);
-         },
-         183,
-         {L"Failed to load HKLM\\SYSTEM file with Error:000000b7"},
-         0},
-        {"a hive that is none",
-         [] { std::ofstream(fs::path(kConfig) / L"SYSTEM") << "no hive"; },
-         1017,
-         {L"Failed to load HKLM\\SYSTEM file with Error:000003f9"},
-         0},
+    const std::wstring copyFailed =
+        L"Unable to copy reg file('D:\\Windows\\System32\\config\\SYSTEM') to temp directory. ";
+    ExpectFailure("no installed system", [] { fs::remove(InConfig(L"SOFTWARE")); }, 2, 2,
+                  {L"PE Win Profile Drive could not be found!"});
+    ExpectFailure("no SYSTEM hive", [] { fs::remove(InConfig(L"SYSTEM")); }, 2, 0,
+                  {copyFailed + L"Error:00000002", L"Failed to load HKLM\\SYSTEM file with Error:00000002"});
+    ExpectFailure("a hive without write permission", [] { BootedMachine::MakeReadOnly(true); }, 5, 5,
+                  {L"Unable to get temp file name for registry node. Error:00000005",
+                   L"Failed to load HKLM\\SOFTWARE file with Error:00000005"});
+    ExpectFailure("no folder for temporary files", [] { fs::remove_all(BootedMachine::TempFolder()); }, 267, 267,
+                  {L"Unable to get temp file name for registry node. Error:0000010b",
+                   L"Failed to load HKLM\\SOFTWARE file with Error:0000010b"});
+    ExpectFailure("no default user's hive", [] { fs::remove(kDefaultUserHive); }, 2, 0,
+                  {L"Unable to copy reg file('D:\\Users\\Default\\NTUSER.DAT') to temp directory. Error:00000002",
+                   L"Failed to load HKU\\.DEFAULT file with Error:00000002"});
+    const auto emptySoftware = [] {
+        HiveBuilder empty;
+        empty.AddKey(L"x");
+        empty.Save(InConfig(L"SOFTWARE"));
     };
-    for (size_t i = 0; i < std::size(s_cases); ++i) {
-        EXPECT_EXIT(RunAndEnd([i] {
-                        const auto& each = s_cases[i];
-                        const BootedMachine machine;
-                        const CopyingOfAttributes copying;
-                        each.breakIt();
-                        const LogCapture log;
-                        EXPECT_EQ(WinPeHelper::LoadLocalMachineProfile(), each.status);
-                        EXPECT_EQ(log.Messages(LogLevel::Error), each.errors);
-                        EXPECT_EQ(WinPeHelper::LoadLocalMachineProfile(), each.nextStatus);
-                    }),
-                    testing::ExitedWithCode(0), "")
-            << s_cases[i].name;
-    }
+    ExpectFailure("no list of profiles", emptySoftware, 5, 0, {L"Failed to load Default User Profile Path!"});
+    ExpectFailure("a taken name", [] { CRegKey().Create(HKEY_LOCAL_MACHINE, L"OS_SYSTEM"); }, 183, 0,
+                  {L"Failed to load HKLM\\SYSTEM file with Error:000000b7"});
+    ExpectFailure("a hive that is none", [] { std::ofstream(fs::path(InConfig(L"SYSTEM"))) << "no hive"; }, 1017, 0,
+                  {L"Failed to load HKLM\\SYSTEM file with Error:000003f9"});
 }
 
 TEST(OfflineHives, ANodeWhoseKeyIsOpenStaysMountedWithItsCopy) {
@@ -270,7 +244,7 @@ TEST(OfflineHives, ReadAndWriteAccessIsToldOnStandardOutput) {
         machine.MakeReadOnly(true);
         EXPECT_EQ(CheckFileReadWrite(kDefaultUserHive), 5u);
         machine.MakeReadOnly(false);
-        fs::remove(fs::path(kConfig) / L"SOFTWARE");
+        fs::remove(InConfig(L"SOFTWARE"));
         HKEY list = nullptr;
         EXPECT_EQ(OpenOfflineProfileList(list), 2u);
         EXPECT_EQ(testing::internal::GetCapturedStdout(),
@@ -292,6 +266,15 @@ TEST(MachineNames, AreTheNetworkSettings) {
         CString name;
         EXPECT_TRUE(GetMachineName(name));
         EXPECT_EQ(name, _wgetenv(L"COMPUTERNAME")) << "the system's own on a running system";
+        {
+            const ImportPatch<decltype(&GetComputerNameW)> tooLong(GetModuleHandleW(nullptr), "GetComputerNameW",
+                                                                   [](LPWSTR, LPDWORD size) {
+                                                                       EXPECT_EQ(*size, 16u);
+                                                                       return FALSE;
+                                                                   });
+            EXPECT_FALSE(GetMachineName(name));
+            EXPECT_FALSE(name.IsEmpty()) << "as it was";
+        }
         const ScopedPreinstallation machine;
         RegDeleteValueW(key, L"Hostname");
         EXPECT_FALSE(GetMachineName(name));
@@ -303,14 +286,13 @@ TEST(MachineNames, AreTheNetworkSettings) {
 
 TEST(ProcessPrivilege, ATokenThatCannotBeAdjustedStaysOpen) {
     static HANDLE s_token = nullptr;
-    static decltype(&OpenProcessToken) s_real = nullptr;
-    const ImportPatch<decltype(&OpenProcessToken)> patch(GetModuleHandleW(nullptr), "OpenProcessToken",
-                                                         [](HANDLE process, DWORD access, PHANDLE token) {
-                                                             const BOOL opened = s_real(process, access, token);
-                                                             s_token = *token;
-                                                             return opened;
-                                                         });
-    s_real = patch.Original();
+    const ImportPatch<decltype(&OpenProcessToken)> patch(
+        GetModuleHandleW(nullptr), "OpenProcessToken", [](HANDLE process, DWORD access, PHANDLE token) {
+            const auto open = SystemFunction(&OpenProcessToken, L"advapi32.dll", "OpenProcessToken");
+            const BOOL opened = open(process, access, token);
+            s_token = *token;
+            return opened;
+        });
     DWORD flags = 0;
     SetProcessPrivilege(L"SeBackupPrivilege", true);
     EXPECT_FALSE(GetHandleInformation(s_token, &flags));

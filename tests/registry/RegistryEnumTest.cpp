@@ -9,6 +9,17 @@
 
 namespace {
 
+// What another process does in the key before each step of a walk; `room` is that for the name.
+using Meanwhile = void (*)(HKEY key, DWORD index, DWORD room);
+Meanwhile s_meanwhile = nullptr;
+
+LSTATUS WINAPI EnumerateAfter(HKEY key, DWORD index, LPWSTR name, LPDWORD length, LPDWORD reserved, LPWSTR keyClass,
+                              LPDWORD classLength, PFILETIME time) {
+    s_meanwhile(key, index, *length);
+    return SystemFunction(&RegEnumKeyExW, L"advapi32.dll", "RegEnumKeyExW")(key, index, name, length, reserved,
+                                                                            keyClass, classLength, time);
+}
+
 class RegistryEnum : public testing::Test {
 protected:
     RegistryEnum() { m_helper.OpenOrCreate(HKEY_CURRENT_USER, m_key.Path().c_str(), KEY_ALL_ACCESS, 0); }
@@ -25,14 +36,15 @@ protected:
         m_helper.EnumSubKeys(names);
         return Joined(names);
     }
+    std::wstring SubKeysWhile(Meanwhile meanwhile) const {
+        const ImportPatch<decltype(&RegEnumKeyExW)> patch(GetModuleHandleW(nullptr), "RegEnumKeyExW", EnumerateAfter);
+        s_meanwhile = meanwhile;
+        return SubKeys();
+    }
 
     ScopedRegistryKey m_key;
     CRegistryHelper m_helper;
 };
-
-using Enumerate = decltype(&RegEnumKeyExW);
-Enumerate s_enumerate = nullptr;
-LPCWSTR s_victim = nullptr;
 
 }  // namespace
 
@@ -50,36 +62,21 @@ TEST_F(RegistryEnum, ListsTheSubKeys) {
     EXPECT_EQ(longestName, 255u);
 }
 
-TEST_F(RegistryEnum, AKeyThatDisappearsIsLeftOut) {
+TEST_F(RegistryEnum, KeysThatComeAndGoMeanwhileAreLeftOut) {
     for (const LPCWSTR name : {L"a", L"b", L"c", L"d"}) m_key.AddKey(name);
-    const ImportPatch<Enumerate> patch(GetModuleHandleW(nullptr), "RegEnumKeyExW",
-                                       [](HKEY key, DWORD index, LPWSTR name, LPDWORD length, LPDWORD reserved,
-                                          LPWSTR keyClass, LPDWORD classLength, PFILETIME time) {
-                                           if (index == 1) RegDeleteKeyW(key, s_victim);
-                                           return s_enumerate(key, index, name, length, reserved, keyClass, classLength,
-                                                              time);
-                                       });
-    s_enumerate = patch.Original();
-    s_victim = L"d";
-    EXPECT_EQ(SubKeys(), L"a,b,c,");
-    s_victim = L"a";  // those behind it move up, so the walk passes over one more
-    EXPECT_EQ(SubKeys(), L"a,c,");
-}
-
-TEST_F(RegistryEnum, ALongerNameThatAppearsIsLeftOut) {
-    for (const LPCWSTR name : {L"a", L"c"}) m_key.AddKey(name);
-    const ImportPatch<Enumerate> patch(
-        GetModuleHandleW(nullptr), "RegEnumKeyExW",
-        [](HKEY key, DWORD index, LPWSTR name, LPDWORD length, LPDWORD reserved, LPWSTR keyClass, LPDWORD classLength,
-           PFILETIME time) {
-            HKEY added = nullptr;
-            RegCreateKeyExW(key, L"bbbbbbbbbbbb", 0, nullptr, REG_OPTION_VOLATILE, KEY_READ, nullptr, &added, nullptr);
-            RegCloseKey(added);
-            EXPECT_EQ(*length, 2u) << "the room is given afresh for each key";
-            return s_enumerate(key, index, name, length, reserved, keyClass, classLength, time);
-        });
-    s_enumerate = patch.Original();
-    EXPECT_EQ(SubKeys(), L"a,");
+    const Meanwhile deleteLast = [](HKEY key, DWORD index, DWORD) {
+        if (index == 1) RegDeleteKeyW(key, L"d");
+    };
+    EXPECT_EQ(SubKeysWhile(deleteLast), L"a,b,c,");
+    const Meanwhile deleteFirst = [](HKEY key, DWORD index, DWORD) {
+        if (index == 1) RegDeleteKeyW(key, L"a");
+    };
+    EXPECT_EQ(SubKeysWhile(deleteFirst), L"a,c,") << "those behind it move up, so the walk passes over one more";
+    const Meanwhile addLonger = [](HKEY key, DWORD, DWORD room) {
+        CRegKey().Create(key, L"aaaaaaaaaaaa", nullptr, REG_OPTION_VOLATILE);
+        EXPECT_EQ(room, 2u) << "given afresh for each key";
+    };
+    EXPECT_EQ(SubKeysWhile(addLonger), L"b,");
 }
 
 TEST_F(RegistryEnum, ReadsValueNamesAndTypes) {

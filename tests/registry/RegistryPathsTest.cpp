@@ -133,6 +133,19 @@ TEST_F(RegistryPaths, OpensAValueAsAStream) {
     EXPECT_EQ(CRegistryHelper::OpenStream(HKEY_CURRENT_USER, Path(), L"v", STGM_READ), nullptr);
 }
 
+TEST(SplitRegistryPath, GivesTheHandleOfAKnownHive) {
+    HKEY hive = HKEY_LOCAL_MACHINE;
+    CString subkey = L"kept";
+    EXPECT_FALSE(CRegistryHelper::SplitRegistryPath(L"HKEY_USERS", hive, subkey));
+    EXPECT_EQ(subkey, L"kept");
+    EXPECT_TRUE(CRegistryHelper::SplitRegistryPath(L"HKCU\\x", hive, subkey));
+    EXPECT_EQ(subkey, L"x");
+    EXPECT_EQ(hive, HKEY_LOCAL_MACHINE) << "as it was";
+    EXPECT_TRUE(CRegistryHelper::SplitRegistryPath(L"hkey_users\\a\\b", hive, subkey));
+    EXPECT_EQ(hive, HKEY_USERS);
+    EXPECT_EQ(subkey, L"a\\b");
+}
+
 // Every way to fail, many times over: what was opened on the way is closed.
 TEST_F(RegistryPaths, FailuresLeaveNothingOpen) {
     m_key.SetText(L"", L"text", L"x");

@@ -42,12 +42,12 @@ protected:
 };
 
 // A query of the size alone is followed by a change of the value, as another process might make it.
-decltype(&RegQueryValueExW) s_query = nullptr;
 DWORD s_nextType = REG_SZ;
 Bytes s_nextBytes;
 
 LSTATUS WINAPI QueryAndChange(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data, LPDWORD size) {
-    const LSTATUS status = s_query(key, name, reserved, type, data, size);
+    const auto query = SystemFunction(&RegQueryValueExW, L"advapi32.dll", "RegQueryValueExW");
+    const LSTATUS status = query(key, name, reserved, type, data, size);
     if (!data) RegSetValueExW(key, name, 0, s_nextType, s_nextBytes.data(), static_cast<DWORD>(s_nextBytes.size()));
     return status;
 }
@@ -179,7 +179,6 @@ TEST_F(RegistryValue, BinaryOfAnySize) {
 
 TEST_F(RegistryValue, AValueThatGrowsUnderTheReaderIsAFailureAndOneThatShrinksIsReadAsItIsThen) {
     const ImportPatch<decltype(&RegQueryValueExW)> patch(GetModuleHandleW(nullptr), "RegQueryValueExW", QueryAndChange);
-    s_query = patch.Original();
     const auto changeTo = [&](DWORD type, const Bytes& now, const Bytes& next) {
         Set(type, now);
         s_nextType = type;

@@ -12,6 +12,7 @@
 #include "support/FreshProcess.h"
 #include "support/ImportPatch.h"
 #include "support/LogCapture.h"
+#include "transports/HexBytes.h"
 #include "transports/PipePeer.h"
 #include "transports/UserNames.h"
 
@@ -19,14 +20,7 @@ namespace {
 
 // The text with its terminator as it stands in a message, low byte first, in hexadecimal.
 std::string OnTheWire(const std::wstring& text) {
-    std::string hex;
-    for (size_t i = 0; i <= text.size(); ++i) {
-        const unsigned unit = text.c_str()[i];
-        char digits[8];
-        std::snprintf(digits, sizeof digits, "%02x%02x", unit & 0xFF, unit >> 8);
-        hex += digits;
-    }
-    return hex;
+    return ToHex({reinterpret_cast<const char*>(text.c_str()), (text.size() + 1) * sizeof(wchar_t)});
 }
 
 using Texts = std::vector<std::wstring>;
@@ -39,7 +33,6 @@ Texts Errors(const LogCapture& log) {
 class Openings {
 public:
     Openings() : m_patch(GetModuleHandleW(nullptr), "CreateFileW", Open) {
-        s_real = m_patch.Original();
         s_count = 0;
         s_last = INVALID_HANDLE_VALUE;
     }
@@ -57,10 +50,10 @@ private:
         ++s_count;
         EXPECT_STREQ(name, L"\\\\.\\pipe\\bvtnamedpipe");
         EXPECT_EQ(flags, DWORD{SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION}) << "no server acts in our name";
-        return s_last = s_real(name, access, share, security, how, flags, pattern);
+        const auto create = SystemFunction(&CreateFileW, L"kernel32.dll", "CreateFileW");
+        return s_last = create(name, access, share, security, how, flags, pattern);
     }
 
-    static inline decltype(&CreateFileW) s_real = nullptr;
     static inline int s_count = 0;
     static inline HANDLE s_last = nullptr;
     ImportPatch<decltype(&CreateFileW)> m_patch;
@@ -236,17 +229,16 @@ TEST_F(NamedPipe, AConnectionThatFailsBeforeItsMessageStaysOpen) {
     // The server goes away between the two calls.
     PipePeer peer(L"leave");
     static PipePeer* s_peer = nullptr;
-    static decltype(&SetNamedPipeHandleState) s_real = nullptr;
     const ImportPatch<decltype(&SetNamedPipeHandleState)> patch(
         GetModuleHandleW(nullptr), "SetNamedPipeHandleState",
         [](HANDLE pipe, LPDWORD mode, LPDWORD count, LPDWORD delay) {
-            const BOOL isSet = s_real(pipe, mode, count, delay);
+            const auto set = SystemFunction(&SetNamedPipeHandleState, L"kernel32.dll", "SetNamedPipeHandleState");
+            const BOOL isSet = set(pipe, mode, count, delay);
             s_peer->Tell();
             EXPECT_EQ(s_peer->NextLine(), "closed");
             return isSet;
         });
     s_peer = &peer;
-    s_real = patch.Original();
     const Openings openings;
     const LogCapture log;
     EXPECT_EQ(NamedPipeClient::LaunchExplorer(), 0);

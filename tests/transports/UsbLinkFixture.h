@@ -1,5 +1,4 @@
-// What tests of the USB link share: a folder that both machines and the test see, bytes as text, and the test itself as
-// the other end.
+// What tests of the USB link share: a folder that both machines and the test see, and the test itself as the other end.
 #pragma once
 
 #include <filesystem>
@@ -10,25 +9,7 @@
 #include <string_view>
 
 #include "peers/Machines.h"
-
-inline std::string ToHex(std::string_view bytes) {
-    std::string hex;
-    for (const char byte : bytes) {
-        char digits[3];
-        std::snprintf(digits, sizeof(digits), "%02x", static_cast<unsigned char>(byte));
-        hex += digits;
-    }
-    return hex;
-}
-
-// Blanks may stand between the bytes.
-inline std::string FromHex(std::string_view hex) {
-    std::string bytes;
-    for (size_t i = 0; i + 1 < hex.size(); i += hex[i] == ' ' ? 1 : 2) {
-        if (hex[i] != ' ') bytes += static_cast<char>(std::stoi(std::string(hex.substr(i, 2)), nullptr, 16));
-    }
-    return bytes;
-}
+#include "transports/HexBytes.h"
 
 // One for each test, removed with what is in it.
 class SharedFolder {

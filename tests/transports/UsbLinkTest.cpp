@@ -38,6 +38,20 @@ protected:
         ASSERT_EQ(b.Do({"connect", "wait"}).substr(0, 2), "0 ");
         ASSERT_EQ(a.Do({"connect", "greet"}).substr(0, 2), "0 ");
     }
+    void ExpectReadErrors() {
+        for (End* each : {&a, &b}) {
+            EXPECT_TRUE(each->Await("warning: [WinUsbDevice::ReceiveData] Read Pipe Error:0x0000001f"));
+        }
+    }
+    // A greets B over a cable that ends within what `end` sends first, and waits.
+    void GreetAndCut(int end) {
+        hub.Plan(end, {LinkHub::Cut, 2});
+        ASSERT_EQ(b.Do({"connect", "wait"}).substr(0, 2), "0 ");
+        a.Begin({"connect", "greet"});
+        ExpectReadErrors();
+        EXPECT_EQ(a.Answer(0), "no answer");
+        EXPECT_EQ(a.Watch({"events"}), "");
+    }
 
     SharedFolder folder;
     LinkHub hub;  // A is end 0
@@ -151,10 +165,19 @@ TEST_F(UsbLink, ACutWithinAChunkLeavesTheChunksBefore) {
     const std::string file = a.Do({"open", "cut.bin"});
     hub.Plan(0, {LinkHub::Cut, 2 * 16 + kChunkBytes + 1000});
     a.Begin({"write", file, std::to_string(2 * kChunkBytes), "3"});
-    EXPECT_TRUE(b.Await("warning: [WinUsbDevice::ReceiveData] Read Pipe Error:0x0000001f"));
-    EXPECT_TRUE(a.Await("warning: [WinUsbDevice::ReceiveData] Read Pipe Error:0x0000001f"));
+    ExpectReadErrors();
     EXPECT_TRUE(folder.BytesOf("b\\cut.bin") == Pattern(2 * kChunkBytes, 3).substr(0, kChunkBytes));
     EXPECT_EQ(b.Watch({"events"}).find("status"), std::string::npos);
+}
+
+TEST_F(UsbLink, AGreetingThatIsCutReachesNobody) {
+    GreetAndCut(0);
+    EXPECT_EQ(b.Watch({"events"}), "");
+}
+
+TEST_F(UsbLink, ACutAnswerToAGreetingIsNone) {
+    GreetAndCut(1);
+    EXPECT_EQ(b.Watch({"events"}), "peer: 1");
 }
 
 // The exchange that docs/usb-link.md shows.

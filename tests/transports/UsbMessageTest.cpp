@@ -2,18 +2,15 @@
 #include <string>
 #include <vector>
 
+#include "transports/HexBytes.h"
 #include "transports/UsbDecoder.h"
 
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-Bytes FromHex(std::string_view hex) {
-    Bytes bytes;
-    for (std::size_t i = 0; i + 1 < hex.size(); i += hex[i] == ' ' ? 1 : 2) {
-        if (hex[i] != ' ') bytes.push_back(static_cast<std::uint8_t>(std::stoi(std::string(hex.substr(i, 2)), {}, 16)));
-    }
-    return bytes;
+Bytes BytesOf(std::string_view hex) {
+    return FromHex<Bytes>(hex);
 }
 
 struct Case {
@@ -77,14 +74,14 @@ private:
 }  // namespace
 
 TEST(UsbMessage, StandsOnTheWireByteForByte) {
-    for (const Case& c : kCases) EXPECT_EQ(EncodeUsbMessage(c.message), FromHex(c.head)) << c.head;
+    for (const Case& c : kCases) EXPECT_EQ(EncodeUsbMessage(c.message), BytesOf(c.head)) << c.head;
 }
 
 TEST(UsbDecoder, ReadsAStreamInPiecesOfAnySizeTailsKeptOrSkipped) {
     Bytes wire;
     for (const Case& c : kCases) {
         for (const char* part : {c.head, c.tail}) {
-            const Bytes bytes = FromHex(part);
+            const Bytes bytes = BytesOf(part);
             wire.insert(wire.end(), bytes.begin(), bytes.end());
         }
     }
@@ -96,7 +93,7 @@ TEST(UsbDecoder, ReadsAStreamInPiecesOfAnySizeTailsKeptOrSkipped) {
                 stream.Fill(decoder);
                 EXPECT_TRUE(decoder.IsKnown());
                 EXPECT_EQ(decoder.Message(), c.message) << c.head;
-                const Bytes expected = FromHex(c.tail);
+                const Bytes expected = BytesOf(c.tail);
                 Bytes tail(decoder.TailBytes());
                 ASSERT_EQ(tail.size(), expected.size()) << c.head;
                 keep ? decoder.KeepTail(tail) : decoder.SkipTail();
@@ -111,7 +108,7 @@ TEST(UsbDecoder, ReadsAStreamInPiecesOfAnySizeTailsKeptOrSkipped) {
 }
 
 TEST(UsbDecoder, SkipsExactlyWhatALongTailAnnounces) {
-    Bytes wire = FromHex("39120000 5400000000000000 05300000");
+    Bytes wire = BytesOf("39120000 5400000000000000 05300000");
     wire.resize(wire.size() + 0x3005, 0x33);
     wire.push_back(0x99);
     Stream stream(wire, 700);
@@ -125,7 +122,7 @@ TEST(UsbDecoder, SkipsExactlyWhatALongTailAnnounces) {
 TEST(UsbDecoder, TakesTheCodeAloneOfWhatItDoesNotKnow) {
     for (const char* code : {"3f120000", "40120000", "43120000", "44120000", "4a120000", "4f120000", "32120000",
                              "51120000", "33120001", "00000000", "ffffffff"}) {
-        Stream stream(FromHex(code), 4);
+        Stream stream(BytesOf(code), 4);
         UsbDecoder decoder;
         stream.Fill(decoder);
         EXPECT_FALSE(decoder.IsKnown()) << code;

@@ -1,15 +1,19 @@
 #include "transports/WinUsbDevice.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "support/FileBytes.h"
+#include "support/FreshProcess.h"
 #include "support/ImportPatch.h"
 #include "support/LogCapture.h"
 #include "support/ScopedTestDir.h"
+#include "transports/HexBytes.h"
 #include "transports/WinUsbException.h"
 #include "transports/WinUsbSession.h"
 
@@ -204,16 +208,18 @@ TEST_F(WinUsbDeviceTest, ReadsUntilAllHasComeAndCountsWhatFailedReadsBring) {
 TEST_F(WinUsbDeviceTest, TellsWhyItDoesNotOpen) {
     EXPECT_EQ(WinUsbDevice().Open(m_dir.Path(L"none").c_str()), HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
     s_library.error = ERROR_BAD_COMMAND;
-    EXPECT_EQ(WinUsbDevice().Open(DevicePath()), HRESULT_FROM_WIN32(ERROR_BAD_COMMAND));
-    EXPECT_TRUE(DeleteFileW(DevicePath()));  // closed
+    WinUsbDevice device;
+    EXPECT_EQ(device.Open(DevicePath()), HRESULT_FROM_WIN32(ERROR_BAD_COMMAND));
+    EXPECT_TRUE(DeleteFileW(DevicePath())) << "closed";
+    // The next handle has the number that the file's had.
+    const HANDLE next = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    device.Close();
+    EXPECT_TRUE(CloseHandle(next)) << "closed for a second time";
 }
 
 TEST_F(WinUsbDeviceTest, WithoutTheLibraryOrAFunctionEverythingFailsInItsOwnWay) {
-    const ImportPatch<decltype(&LoadLibraryW)> noLibrary(GetModuleHandleW(nullptr), "LoadLibraryW", [](LPCWSTR) {
-        SetLastError(ERROR_MOD_NOT_FOUND);
-        return static_cast<HMODULE>(nullptr);
-    });
-    const auto expectFailures = [this](WinUsbDevice& device, DWORD error) {
+    const auto expectFailures = [this](DWORD error) {
+        WinUsbDevice device;
         EXPECT_EQ(device.Open(DevicePath()), HRESULT_FROM_WIN32(error));
         EXPECT_EQ(ErrorOfSending(device), error);
         char buffer[4];
@@ -223,34 +229,52 @@ TEST_F(WinUsbDeviceTest, WithoutTheLibraryOrAFunctionEverythingFailsInItsOwnWay)
         device.FlushPipes();
         device.Close();
     };
-    WinUsbDevice device;
-    expectFailures(device, ERROR_MOD_NOT_FOUND);
+    for (const char* name : {"WinUsb_Initialize", "WinUsb_ReadPipe", "WinUsb_FlushPipe"}) {
+        s_library.missing = name;
+        expectFailures(ERROR_PROC_NOT_FOUND);
+    }
+    EXPECT_EQ(s_library.calls, "");
+    const ImportPatch<decltype(&LoadLibraryW)> noLibrary(GetModuleHandleW(nullptr), "LoadLibraryW", [](LPCWSTR) {
+        SetLastError(ERROR_MOD_NOT_FOUND);
+        return static_cast<HMODULE>(nullptr);
+    });
+    expectFailures(ERROR_MOD_NOT_FOUND);
+}
+
+TEST_F(WinUsbDeviceTest, ASessionWithoutADeviceAnswersEveryRequest) {
+    s_library.error = ERROR_BAD_COMMAND;
     WinUsbSession session;
-    EXPECT_EQ(session.Connect(DevicePath(), true), static_cast<DWORD>(HRESULT_FROM_WIN32(ERROR_MOD_NOT_FOUND)));
+    EXPECT_EQ(session.Connect(DevicePath(), true), static_cast<DWORD>(HRESULT_FROM_WIN32(ERROR_BAD_COMMAND)));
     EXPECT_EQ(session.OpenDataFile(L"a"), INVALID_HANDLE_VALUE);
     EXPECT_EQ(session.DoesDirectoryExist(L"a") + session.DriveFreeSpace(), 0U);
     char buffer[4];
     EXPECT_EQ(session.ReadData(nullptr, buffer, 4) + static_cast<DWORD>(session.SeekData(nullptr, 1, FILE_BEGIN)), 0U);
-    EXPECT_THROW(
-        try { session.WriteData(nullptr, buffer, 4); } catch (CFileException* problem) {
-            EXPECT_EQ(problem->m_cause, ERROR_PIPE_NOT_CONNECTED);
-            problem->Delete();
-            throw 0;
-        },
-        int);
+    EXPECT_EQ(CauseOf([&] { session.WriteData(nullptr, buffer, 4); }), ERROR_PIPE_NOT_CONNECTED);
     session.CloseFile(nullptr);
     session.Finish(0);
 }
 
-TEST_F(WinUsbDeviceTest, AMissingFunctionIsAMissingLibrary) {
-    for (const char* name : {"WinUsb_Initialize", "WinUsb_ReadPipe", "WinUsb_FlushPipe"}) {
-        s_library.missing = name;
-        WinUsbDevice device;
-        EXPECT_EQ(device.Open(DevicePath()), HRESULT_FROM_WIN32(ERROR_PROC_NOT_FOUND)) << name;
-        EXPECT_EQ(ErrorOfSending(device), DWORD{ERROR_PROC_NOT_FOUND});
-        device.FlushPipes();
-    }
-    EXPECT_EQ(s_library.calls, "");
+// The peer opens a file whose name no file can have, which is answered, and reads from it.
+TEST_F(WinUsbDeviceTest, WithoutMemoryForAReplyTheLinkFails) {
+    EXPECT_IN_FRESH_PROCESS([this] {
+        static const HANDLE s_ended = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+        static WPARAM s_status = 0;
+        const ImportPatch<decltype(&PostMessageW)> post(GetModuleHandleW(nullptr), "PostMessageW",
+                                                        [](HWND, UINT, WPARAM status, LPARAM) {
+                                                            s_status = status;
+                                                            return SetEvent(s_ended);
+                                                        });
+        const ImportPatch<void* (*)(void*, size_t)> memory(
+            LoadedModule(L"framework.dll"), "realloc", [](void* buffer, size_t bytes) -> void* {
+                return s_library.sent.empty() ? std::realloc(buffer, bytes) : nullptr;
+            });
+        s_library.incoming = FromHex("35120000 02000000 3f00  37120000 ffffffffffffffff 05000000");
+        WinUsbSession session;
+        EXPECT_EQ(session.Connect(DevicePath(), false), 0U);
+        WaitForSingleObject(s_ended, INFINITE);
+        EXPECT_EQ(s_status, kUsbLinkFailed);
+        EXPECT_EQ(s_library.sent, FromHex("36120000 ffffffffffffffff"));
+    });
 }
 
 TEST_F(WinUsbDeviceTest, AGreetingThatCannotBeSentMakesNoSession) {
