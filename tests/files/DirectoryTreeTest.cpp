@@ -20,19 +20,9 @@ void CreateEmptyFile(const CString& path) {
     CloseHandle(LongPath::CreateFile(path, GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0));
 }
 
-int CountOfEntries(const CString& directory) {
-    WIN32_FIND_DATAW found{};
-    const HANDLE search = FindFirstFileW(CPathHelper::AddLongPathPrefix(directory) + L"\\*", &found);
-    if (search == INVALID_HANDLE_VALUE) return -1;
-    int count = 1;
-    while (FindNextFileW(search, &found)) ++count;
-    FindClose(search);
-    return count;
-}
-
 }  // namespace
 
-TEST(DirectoryTree, IsCreatedListedRenamedAndDeletedBeyondTheClassicLimit) {
+TEST(DirectoryTree, IsCreatedRenamedAndDeletedBeyondTheClassicLimit) {
     const ScopedTestDir dir;
     const CString top = dir.Path(L"top").c_str();
     const CString deep = top + Levels(30, 30).c_str();
@@ -43,7 +33,6 @@ TEST(DirectoryTree, IsCreatedListedRenamedAndDeletedBeyondTheClassicLimit) {
     EXPECT_TRUE(CPathHelper::DirectoryExists(deep));
     CreateEmptyFile(deep + L"\\file");
     EXPECT_TRUE(CPathHelper::FileExists(deep + L"\\file"));
-    EXPECT_EQ(CountOfEntries(deep), 3);
     EXPECT_EQ(CPathHelper::GetLongPath(deep), deep);
 
     const CString renamed = CPathHelper::CombinePath(CPathHelper::GetParentPath(deep), L"renamed");
@@ -53,7 +42,7 @@ TEST(DirectoryTree, IsCreatedListedRenamedAndDeletedBeyondTheClassicLimit) {
     for (CString path = renamed; path != top; path = CPathHelper::GetParentPath(path)) {
         ASSERT_TRUE(CPathHelper::DeleteDirectory(path, false));
     }
-    EXPECT_EQ(CountOfEntries(top), 2);
+    EXPECT_TRUE(CPathHelper::DeleteDirectory(top, false)) << "nothing else is left";
 }
 
 TEST(DirectoryTree, RefusesWhatHasNoRoot) {

@@ -4,6 +4,7 @@
 #include <set>
 #include <string>
 
+#include "files/DeepFolder.h"
 #include "files/PathHelper.h"
 #include "support/ImportPatch.h"
 #include "support/ReparseVolume.h"
@@ -102,9 +103,7 @@ TEST(FileFindEx, ANameOfTwoHundredAndSixtyCharactersIsRefused) {
 
 TEST(FileFindEx, FarBeyondTheClassicLimitNoPrefixShows) {
     const ScopedTestDir dir;
-    CString folder = dir.Path().c_str();
-    for (int i = 0; i < 10; ++i) folder += L"\\" + CString(L'd', 90);
-    ASSERT_TRUE(CPathHelper::CreateDirectoryTree(folder));
+    const CString folder = MakeDeepFolder(dir.Path()).c_str();
     const CString file = folder + L"\\file";
     CreateEmptyFile(file);
     CFileFindEx search;

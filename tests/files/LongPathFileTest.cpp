@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "files/DeepFolder.h"
 #include "support/ImportPatch.h"
 #include "support/ScopedPreinstallation.h"
 #include "support/ScopedTestDir.h"
@@ -15,6 +16,12 @@
 namespace {
 
 std::vector<std::wstring> s_seen;  // the paths that reached the system
+
+struct Opening {
+    DWORD access, share, disposition, flags;
+    bool operator==(const Opening&) const = default;
+};
+Opening s_opening;
 
 BOOL See(LPCWSTR path) {
     s_seen.emplace_back(path);
@@ -35,24 +42,30 @@ struct SeenCalls {
     ImportPatch<decltype(&::SetFileAttributesW)> setAttributes{module, "SetFileAttributesW",
                                                                [](LPCWSTR path, DWORD) { return See(path); }};
     ImportPatch<decltype(&::CreateFileW)> create{
-        module, "CreateFileW", [](LPCWSTR path, DWORD, DWORD, SECURITY_ATTRIBUTES*, DWORD, DWORD, HANDLE) {
+        module, "CreateFileW",
+        [](LPCWSTR path, DWORD access, DWORD share, SECURITY_ATTRIBUTES*, DWORD disposition, DWORD flags, HANDLE) {
             See(path);
+            s_opening = {access, share, disposition, flags};
             return INVALID_HANDLE_VALUE;
         }};
     ImportPatch<decltype(&::CopyFileW)> copy{module, "CopyFileW",
                                              [](LPCWSTR from, LPCWSTR to, BOOL) { return See(from, to); }};
-    ImportPatch<decltype(&::MoveFileExW)> move{module, "MoveFileExW",
-                                               [](LPCWSTR from, LPCWSTR to, DWORD) { return See(from, to); }};
+    ImportPatch<decltype(&::MoveFileExW)> move{module, "MoveFileExW", [](LPCWSTR from, LPCWSTR to, DWORD flags) {
+                                                   EXPECT_EQ(flags, 3u);
+                                                   return See(from, to);
+                                               }};
     ImportPatch<decltype(&::DeleteFileW)> remove{module, "DeleteFileW", [](LPCWSTR path) { return See(path); }};
     ImportPatch<decltype(&::CreateHardLinkW)> link{
         module, "CreateHardLinkW", [](LPCWSTR to, LPCWSTR from, SECURITY_ATTRIBUTES*) { return See(to, from); }};
+    ImportPatch<decltype(&::SHGetFileInfoW)> shell{
+        module, "SHGetFileInfoW", [](LPCWSTR path, DWORD, SHFILEINFOW*, UINT, UINT) { return DWORD_PTR(See(path)); }};
     // The search for the installed system's drive asks by the same call.
-    ImportPatch<decltype(&::_waccess)> access{module, "_waccess", [](const wchar_t* path, int mode) {
-                                                  return std::wstring_view(path).ends_with(L"\\config\\SOFTWARE")
-                                                             ? SystemFunction(&_waccess, L"msvcrt.dll", "_waccess")(
-                                                                   path, mode)
-                                                             : int(See(path));
-                                              }};
+    ImportPatch<decltype(&::_waccess)> existence{module, "_waccess", [](const wchar_t* path, int mode) {
+                                                     return std::wstring_view(path).ends_with(L"\\config\\SOFTWARE")
+                                                                ? SystemFunction(&_waccess, L"msvcrt.dll", "_waccess")(
+                                                                      path, mode)
+                                                                : int(See(path));
+                                                 }};
 };
 
 struct Wrapper {
@@ -106,15 +119,6 @@ void WriteFileOf(const std::wstring& path, DWORD bytes) {
     CloseHandle(file);
 }
 
-// Folders of 40 characters below each other until the path is longer than the classic limit.
-std::wstring MakeDeepFolder(std::wstring path) {
-    while (path.size() < 700) {
-        path += L"\\" + std::wstring(40, L'd');
-        CreateDirectoryW((L"\\\\?\\" + path).c_str(), nullptr);
-    }
-    return path;
-}
-
 }  // namespace
 
 TEST(LongPathFile, ThePrefixComesFromTwoHundredAndFortyEightCharactersOn) {
@@ -144,6 +148,24 @@ TEST(LongPathFile, DriveCIsTheInstalledSystemsOnAPreinstallationBoot) {
     const std::wstring longer = LongName(L"C:\\", 248);
     ExpectSystemPaths(longer, L"\\\\?\\D" + longer.substr(1), L"\\\\?\\" + longer);
     ExpectSystemPaths(L"\\\\?\\C:\\a", L"\\\\?\\C:\\a", L"\\\\?\\C:\\a");
+    s_seen.clear();
+    SHFILEINFOW info{};
+    LongPath::GetShellFileInfo(L"C:\\a", 0, info, sizeof(info), 0);
+    EXPECT_EQ(s_seen, std::vector<std::wstring>{L"C:\\a"}) << "the shell is asked about the path as given";
+}
+
+TEST(LongPathFile, OpensWhatItAsksAboutForReading) {
+    const SeenCalls calls;
+    for (const Wrapper& wrapper : Wrappers()) {
+        s_opening = {};
+        wrapper.call(L"Q:\\a");
+        const std::string name = wrapper.name;
+        if (name == "GetFileTime" || name == "SetFileTime" || name == "GetFileSize") {
+            EXPECT_EQ(s_opening, (Opening{GENERIC_READ, FILE_SHARE_WRITE, OPEN_EXISTING, 0x2000000})) << name;
+        } else if (name == "GetFileInformation") {
+            EXPECT_EQ(s_opening, (Opening{GENERIC_READ, FILE_SHARE_READ, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL}));
+        }
+    }
 }
 
 TEST(LongPathFile, WorksFarBeyondTheClassicLimit) {

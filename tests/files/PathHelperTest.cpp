@@ -10,9 +10,11 @@
 #include <vector>
 
 #include "files/HostilePaths.h"
+#include "support/FileBytes.h"
 #include "support/ImportPatch.h"
 #include "support/ScopedPreinstallation.h"
 #include "support/ScopedRegistryKey.h"
+#include "support/ScopedRegistryPlace.h"
 #include "support/ScopedTestDir.h"
 
 namespace {
@@ -71,26 +73,18 @@ TEST(PathHelper, AgreesWithTheSystemOnDrivesAndShares) {
 
 TEST(PathHelper, ATextCostsOneAllocationAtMost) {
     using Operation = CString (*)(const CString&);
-    const Operation operations[] = {
-        CPathHelper::GetDriveRoot,
-        CPathHelper::GetUncRelativePart,
-        CPathHelper::GetUncRoot,
-        CPathHelper::GetParentPath,
-        CPathHelper::GetFileName,
-        CPathHelper::GetExtension,
-        CPathHelper::GetFileTitle,
-        CPathHelper::AbbreviatePath,
-        CPathHelper::AddLongPathPrefix,
-        CPathHelper::RemoveLongPathPrefix,
-        CPathHelper::MakeLongPath,
-        [](const CString& path) { return CPathHelper::CombinePath(path, L"below\\it"); },
-        [](const CString& path) { return CPathHelper::CombinePath(path, nullptr); },
-        [](const CString& path) { return CPathHelper::ReplaceExtension(path, L".extension"); }};
+    const Operation combine = [](const CString& path) { return CPathHelper::CombinePath(path, L"below\\it"); };
+    const Operation keep = [](const CString& path) { return CPathHelper::CombinePath(path, nullptr); };
+    const Operation replace = [](const CString& path) { return CPathHelper::ReplaceExtension(path, L".extension"); };
     const CountedAllocations counted;
     int most = 0;
     for (const std::wstring& hostile : HostilePaths()) {
         const CString path = hostile.c_str();
-        for (const Operation operation : operations) {
+        for (const Operation operation :
+             {CPathHelper::GetDriveRoot, CPathHelper::GetUncRelativePart, CPathHelper::GetUncRoot,
+              CPathHelper::GetParentPath, CPathHelper::GetFileName, CPathHelper::GetExtension,
+              CPathHelper::GetFileTitle, CPathHelper::AbbreviatePath, CPathHelper::AddLongPathPrefix,
+              CPathHelper::RemoveLongPathPrefix, CPathHelper::MakeLongPath, combine, keep, replace}) {
             s_allocations = 0;
             const CString result = operation(path);
             most = std::max(most, s_allocations);
@@ -120,7 +114,7 @@ TEST(PathHelper, ShortAndLongNames) {
     const LongNames names;
     const ScopedTestDir dir;
     const CString file = dir.Path(L"a rather long name.extension").c_str();
-    CloseHandle(CreateFileW(file, GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
+    PutBytes(file.GetString(), "");
     const CString brief = CPathHelper::GetShortPath(file);
     WCHAR system[260] = {};
     GetShortPathNameW(file, system, 260);
@@ -145,7 +139,7 @@ TEST(PathHelper, NamesOnAPreinstallationBootComeBackWithDriveC) {
 
 TEST(PathHelper, ExistenceExpandsVariablesAndTellsFilesFromDirectories) {
     const ScopedTestDir dir;
-    CloseHandle(CreateFileW(dir.Path(L"file").c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
+    PutBytes(dir.Path(L"file"), "");
     SetEnvironmentVariableW(L"PATH_HELPER_TEST", dir.Path().c_str());
     EXPECT_TRUE(CPathHelper::FileExists(L"%PATH_HELPER_TEST%\\file"));
     EXPECT_FALSE(CPathHelper::DirectoryExists(L"%PATH_HELPER_TEST%\\file"));
@@ -206,4 +200,7 @@ TEST(PathHelper, MappedDrivesByTheirNetworkPath) {
     EXPECT_EQ(CPathHelper::MapNetworkPath(L"O:\\a", sid), L"");
     EXPECT_EQ(CPathHelper::MapNetworkPath(L"\\\\s\\t\\a", sid), L"");
     EXPECT_EQ(CPathHelper::MapNetworkPath(L"M:\\a", L""), L"");
+    ScopedRegistryPlace mine(HKEY_CURRENT_USER, L"Network\\M");
+    mine.SetText(L"RemotePath", L"\\\\server\\mine");
+    EXPECT_EQ(CPathHelper::MapNetworkPath(L"M:\\a", L""), L"\\\\server\\mine\\a");
 }

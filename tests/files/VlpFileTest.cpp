@@ -3,6 +3,7 @@
 #include <atlbase.h>
 #include <gtest/gtest.h>
 
+#include "files/DeepFolder.h"
 #include "support/FileBytes.h"
 #include "support/ImportPatch.h"
 #include "support/LogCapture.h"
@@ -110,12 +111,7 @@ TEST(VlpFile, ATransactionObjectDecidesHowToOpen) {
 
 TEST(VlpFile, ReadsAndWritesUnderALongPath) {
     const ScopedTestDir dir;
-    const std::wstring folder = dir.Path(std::wstring(120, L'a'));
-    const std::wstring deep = folder + L"\\" + std::wstring(120, L'b');
-    const std::wstring path = deep + L"\\file.bin";
-    ASSERT_GT(path.size(), 260U);
-    CreateDirectoryW(folder.c_str(), nullptr);
-    CreateDirectoryW((L"\\\\?\\" + deep).c_str(), nullptr);
+    const std::wstring path = MakeDeepFolder(dir.Path()) + L"\\file.bin";
     CVlpFile file;
     ASSERT_TRUE(file.Open(path.c_str(), CFile::modeCreate | CFile::modeReadWrite));
     file.Write("hello", 5);
