@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 #include <string>
 
+#include "files/Junctions.h"
 #include "files/LongPathFile.h"
 #include "files/PathHelper.h"
+#include "support/ImportPatch.h"
 #include "support/LogCapture.h"
 #include "support/ScopedTestDir.h"
 
@@ -43,6 +45,26 @@ TEST(DirectoryTree, IsCreatedRenamedAndDeletedBeyondTheClassicLimit) {
         ASSERT_TRUE(CPathHelper::DeleteDirectory(path, false));
     }
     EXPECT_TRUE(CPathHelper::DeleteDirectory(top, false)) << "nothing else is left";
+}
+
+// Wine takes long paths without the prefix, too.
+TEST(DirectoryTree, LongPathsReachTheSystemWithThePrefix) {
+    static std::vector<std::wstring> s_seen;
+    const ImportPatch<decltype(&CreateDirectoryW)> create(GetModuleHandleW(nullptr), "CreateDirectoryW",
+                                                          [](LPCWSTR path, SECURITY_ATTRIBUTES*) -> BOOL {
+                                                              s_seen.emplace_back(path);
+                                                              return TRUE;
+                                                          });
+    const ImportPatch<decltype(&RemoveDirectoryW)> remove(GetModuleHandleW(nullptr), "RemoveDirectoryW",
+                                                          [](LPCWSTR path) -> BOOL {
+                                                              s_seen.emplace_back(path);
+                                                              return TRUE;
+                                                          });
+    const CString path = L"C:\\" + CString(L'x', 245);
+    EXPECT_TRUE(CPathHelper::CreateDirectoryTree(path));
+    EXPECT_TRUE(PrepareJunctionDirectory(path));
+    EXPECT_TRUE(CPathHelper::DeleteDirectory(path, false));
+    EXPECT_EQ(s_seen, std::vector<std::wstring>(3, (L"\\\\?\\" + path).GetString()));
 }
 
 TEST(DirectoryTree, RefusesWhatHasNoRoot) {

@@ -32,7 +32,7 @@ Memory Descriptor(LPCWSTR text) {
 
 // A file whose security the system reads as the descriptor of that text, and whose writes are noted.
 const void* s_security = nullptr;
-std::wstring s_written, s_writtenPath;
+std::wstring s_readPath, s_written, s_writtenPath;
 bool s_writeFails = false, s_wroteNullList = false;
 
 struct GivenSecurity {
@@ -45,7 +45,8 @@ struct GivenSecurity {
     Memory descriptor;
     ImportPatch<decltype(&GetFileSecurityW)> read{
         GetModuleHandleW(nullptr), "GetFileSecurityW",
-        [](LPCWSTR, SECURITY_INFORMATION what, PSECURITY_DESCRIPTOR buffer, DWORD size, DWORD* needed) -> BOOL {
+        [](LPCWSTR path, SECURITY_INFORMATION what, PSECURITY_DESCRIPTOR buffer, DWORD size, DWORD* needed) -> BOOL {
+            s_readPath = path;
             EXPECT_EQ(what, DWORD{OWNER_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION});
             *needed = GetSecurityDescriptorLength(const_cast<void*>(s_security));
             if (size < *needed) return FALSE;
@@ -122,10 +123,11 @@ TEST(FileAcl, EntriesAddUpUntilTheyAreWritten) {
     EXPECT_TRUE(acl.HasAceForSid(Sid(kStranger).get()));
 }
 
-TEST(FileAcl, OnlyANullListIsWrittenByTheLongPathRule) {
+TEST(FileAcl, ReadsAndWritesNullListsByTheLongPathRule) {
     const GivenSecurity file(L"O:BAD:(A;;FR;;;SY)");
     const CString path = L"C:\\" + CString(L'x', 300);
     CFileAcl acl(path);
+    EXPECT_EQ(s_readPath, (L"\\\\?\\" + path).GetString());
     EXPECT_TRUE(acl.Commit());
     EXPECT_EQ(s_writtenPath, path.GetString());
     EXPECT_FALSE(s_wroteNullList);

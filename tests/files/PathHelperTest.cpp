@@ -125,6 +125,21 @@ TEST(PathHelper, ShortAndLongNames) {
     EXPECT_EQ(ErrorOf([&] { CPathHelper::GetLongPath(file + L"x"); }), ERROR_FILE_NOT_FOUND);
 }
 
+TEST(PathHelper, ShortNamesOfLongPathsAreAskedForWithThePrefix) {
+    static std::wstring s_asked;
+    const ImportPatch<decltype(&::GetShortPathNameW)> patch(GetModuleHandleW(nullptr), "GetShortPathNameW",
+                                                            [](LPCWSTR path, LPWSTR, DWORD) -> DWORD {
+                                                                s_asked = path;
+                                                                SetLastError(ERROR_ACCESS_DENIED);
+                                                                return 0;
+                                                            });
+    for (const int length : {247, 248}) {
+        const CString path = L"Q:\\" + CString(L'x', length - 3);
+        EXPECT_EQ(ErrorOf([&] { CPathHelper::GetShortPath(path); }), ERROR_ACCESS_DENIED);
+        EXPECT_EQ(s_asked, (length == 248 ? L"\\\\?\\" + path : path).GetString());
+    }
+}
+
 TEST(PathHelper, NamesOnAPreinstallationBootComeBackWithDriveC) {
     const LongNames names;
     const ScopedPreinstallation machine;

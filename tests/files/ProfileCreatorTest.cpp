@@ -185,6 +185,24 @@ TEST_F(ProfileCopy, WordsForDirectoriesThatAreNotThere) {
     EXPECT_TRUE(MayEveryoneWrite(m_target.GetString())) << "the target stays";
 }
 
+TEST_F(ProfileCopy, ADirectoryIsMadeLikeItsParentWithThePrefixOnlyAfterAFailure) {
+    using Asked = std::vector<std::pair<std::wstring, std::wstring>>;
+    static Asked s_asked;
+    const ImportPatch<decltype(&CreateDirectoryExW)> patch(GetModuleHandleW(nullptr), "CreateDirectoryExW",
+                                                           [](LPCWSTR like, LPCWSTR path, SECURITY_ATTRIBUTES*) {
+                                                               s_asked.emplace_back(like, path);
+                                                               return FALSE;
+                                                           });
+    const std::wstring name(248, L't'), parent = m_dir.Path(), target = m_dir.Path(name), prefix = L"\\\\?\\";
+    m_target = target.c_str();
+    EXPECT_FALSE(Copy());
+    EXPECT_EQ(s_asked, (Asked{{parent, target}, {parent, prefix + target}}));
+    s_asked.clear();
+    m_target = (prefix + target).c_str();
+    EXPECT_FALSE(Copy());
+    EXPECT_EQ(s_asked, (Asked{{prefix + parent, prefix + target}}));
+}
+
 TEST_F(ProfileCopy, TracesEveryStepOfTheAccess) {
     ASSERT_TRUE(Copy());
     const auto traces = m_log.Messages(LogLevel::Trace);

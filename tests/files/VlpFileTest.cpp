@@ -26,10 +26,12 @@ void PrintTo(const Opening& opening, std::ostream* out) {
 }
 
 Opening s_opening;
+std::wstring s_openedPath;
 HANDLE s_transaction = nullptr;
 
-HANDLE WINAPI NoteOpening(LPCWSTR, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security, DWORD disposition,
+HANDLE WINAPI NoteOpening(LPCWSTR path, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security, DWORD disposition,
                           DWORD attributes, HANDLE) {
+    s_openedPath = path;
     s_opening = {access, share, disposition, attributes, security->bInheritHandle != FALSE};
     SetLastError(ERROR_SHARING_VIOLATION);
     return security->nLength == 24 ? INVALID_HANDLE_VALUE : nullptr;
@@ -79,13 +81,15 @@ TEST(VlpFile, EveryFlagReachesTheSystem) {
         {0x80000, {GENERIC_READ, 0, OPEN_EXISTING, 0x80 | FILE_FLAG_SEQUENTIAL_SCAN}},
         {0xFB0C2, {GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_ALWAYS, 0xB8000080, false}},
     };
+    const std::wstring path = L"C:\\" + std::wstring(245, L'x');
     for (const auto& row : rows) {
         CFileException problem;
-        EXPECT_FALSE(CVlpFile().Open(L"C:\\x", row.flags, &problem));
+        EXPECT_FALSE(CVlpFile().Open(path.c_str(), row.flags, &problem));
+        EXPECT_EQ(s_openedPath, L"\\\\?\\" + path);
         EXPECT_EQ(s_opening, row.opening) << std::hex << row.flags;
         EXPECT_EQ(problem.m_cause, CFileException::sharingViolation);
         EXPECT_EQ(problem.m_lOsError, ERROR_SHARING_VIOLATION);
-        EXPECT_EQ(problem.m_strFileName, L"C:\\x");
+        EXPECT_EQ(problem.m_strFileName, path.c_str());
     }
 }
 

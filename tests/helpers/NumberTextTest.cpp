@@ -12,6 +12,8 @@ TEST(IsIntInRange, TakesOneWholeNumberWithinTheBounds) {
         EXPECT_FALSE(IsIntInRange(text, 1, 100)) << testing::PrintToString(text);
     }
     EXPECT_FALSE(IsIntInRange(nullptr, 1, 100));
+    EXPECT_TRUE(IsIntInRange(L"2147483647", INT32_MIN, INT32_MAX));
+    EXPECT_FALSE(IsIntInRange(L"2147483648", INT32_MIN, INT32_MAX));
 }
 
 TEST(GroupingNumber, FollowsTheLocaleText) {
