@@ -3,8 +3,8 @@
 
 #include "files/Junctions.h"
 #include "files/LongPathFile.h"
+#include "files/NotedCall.h"
 #include "files/PathHelper.h"
-#include "support/ImportPatch.h"
 #include "support/LogCapture.h"
 #include "support/ScopedTestDir.h"
 
@@ -49,22 +49,13 @@ TEST(DirectoryTree, IsCreatedRenamedAndDeletedBeyondTheClassicLimit) {
 
 // Wine takes long paths without the prefix, too.
 TEST(DirectoryTree, LongPathsReachTheSystemWithThePrefix) {
-    static std::vector<std::wstring> s_seen;
-    const ImportPatch<decltype(&CreateDirectoryW)> create(GetModuleHandleW(nullptr), "CreateDirectoryW",
-                                                          [](LPCWSTR path, SECURITY_ATTRIBUTES*) -> BOOL {
-                                                              s_seen.emplace_back(path);
-                                                              return TRUE;
-                                                          });
-    const ImportPatch<decltype(&RemoveDirectoryW)> remove(GetModuleHandleW(nullptr), "RemoveDirectoryW",
-                                                          [](LPCWSTR path) -> BOOL {
-                                                              s_seen.emplace_back(path);
-                                                              return TRUE;
-                                                          });
+    const NotedCall create(&CreateDirectoryW, "CreateDirectoryW", TRUE);
+    const NotedCall remove(&RemoveDirectoryW, "RemoveDirectoryW", TRUE);
     const CString path = L"C:\\" + CString(L'x', 245);
     EXPECT_TRUE(CPathHelper::CreateDirectoryTree(path));
     EXPECT_TRUE(PrepareJunctionDirectory(path));
     EXPECT_TRUE(CPathHelper::DeleteDirectory(path, false));
-    EXPECT_EQ(s_seen, std::vector<std::wstring>(3, (L"\\\\?\\" + path).GetString()));
+    EXPECT_EQ(TakePaths(), Paths(3, (L"\\\\?\\" + path).GetString()));
 }
 
 TEST(DirectoryTree, RefusesWhatHasNoRoot) {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "files/FileSecurity.h"
+#include "files/NotedCall.h"
 #include "support/FileBytes.h"
 #include "support/ImportPatch.h"
 #include "support/LogCapture.h"
@@ -78,17 +79,6 @@ std::pair<int, LONG> ThrownBy(const std::function<void()>& function) {
     }
     return {};
 }
-
-// Makes one of the system's calls fail.
-template <class... Arguments>
-struct FailingCall {
-    FailingCall(BOOL (*)(Arguments...), const char* name) : patch(GetModuleHandleW(nullptr), name, &Fail) {}
-    static BOOL Fail(Arguments...) {
-        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-        return FALSE;
-    }
-    ImportPatch<BOOL (*)(Arguments...)> patch;
-};
 
 }  // namespace
 
@@ -169,20 +159,13 @@ TEST(FileAcl, AVolumeWithoutAccessListsIsLeftAlone) {
 }
 
 TEST(FileAcl, AsksTheVolumeByItsRoot) {
-    static std::wstring s_root;
-    const ImportPatch<decltype(&GetVolumeInformationW)> volume(
-        GetModuleHandleW(nullptr), "GetVolumeInformationW",
-        [](LPCWSTR root, LPWSTR, DWORD, DWORD*, DWORD*, DWORD*, LPWSTR, DWORD) -> BOOL {
-            s_root = root;
-            return FALSE;
-        });
+    const NotedCall volume(&GetVolumeInformationW, "GetVolumeInformationW", FALSE);
     const std::pair<LPCWSTR, LPCWSTR> roots[] = {
         {L"C:\\a\\b", L"C:\\"},       {L"C:", L"C:"}, {L"abc", L"abc"}, {L"\\\\s\\t\\u\\v", L"\\\\s\\t\\"},
         {L"\\\\s\\t", L"\\\\s\\t\\"}, {L"abcd", L""}};
     for (const auto& [path, root] : roots) {
-        s_root.clear();
         EXPECT_FALSE(CFileAcl(path).SupportsAcls());
-        EXPECT_EQ(s_root, root);
+        EXPECT_EQ(TakePaths(), *root == L'\0' ? Paths() : Paths{root});
     }
 }
 
@@ -195,17 +178,17 @@ TEST(FileAcl, FailingCallsShowAndLeaveNothingBehind) {
     const GivenSecurity file(L"O:BAD:(A;;FR;;;SY)");
     CFileAcl acl(path);
     {
-        const FailingCall call(&MakeAbsoluteSD, "MakeAbsoluteSD");
+        const NotedCall call(&MakeAbsoluteSD, "MakeAbsoluteSD", FALSE, ERROR_NOT_ENOUGH_MEMORY);
         EXPECT_FALSE(acl.Commit() || acl.ApplyNullDacl());
     }
     {
-        const FailingCall call(&MakeSelfRelativeSD, "MakeSelfRelativeSD");
+        const NotedCall call(&MakeSelfRelativeSD, "MakeSelfRelativeSD", FALSE, ERROR_NOT_ENOUGH_MEMORY);
         EXPECT_FALSE(acl.Commit() || acl.ApplyNullDacl());
     }
     EXPECT_EQ(s_written, L"");
     EXPECT_TRUE(acl.HasSecurity());
     {
-        const FailingCall call(&GetAclInformation, "GetAclInformation");
+        const NotedCall call(&GetAclInformation, "GetAclInformation", FALSE, ERROR_NOT_ENOUGH_MEMORY);
         EXPECT_FALSE(acl.HasAceForSid(Sid(L"S-1-5-18").get()));
     }
     const LogCapture log;
@@ -214,7 +197,7 @@ TEST(FileAcl, FailingCallsShowAndLeaveNothingBehind) {
     EXPECT_TRUE(log.Contains(LogLevel::Error, L"Unable to set ACL Entry. Error:")) << GetLastError();
     EXPECT_TRUE(acl.HasAceForSid(Sid(L"S-1-5-18").get()));
     {
-        const FailingCall call(&GetSecurityDescriptorDacl, "GetSecurityDescriptorDacl");
+        const NotedCall call(&GetSecurityDescriptorDacl, "GetSecurityDescriptorDacl", FALSE, ERROR_NOT_ENOUGH_MEMORY);
         EXPECT_FALSE(acl.ReadSecurity());
         EXPECT_FALSE(acl.HasSecurity());
     }

@@ -6,6 +6,7 @@
 
 #include "files/DeepFolder.h"
 #include "files/JunctionBuffer.h"
+#include "files/NotedCall.h"
 #include "files/PathHelper.h"
 #include "support/FakeVersion.h"
 #include "support/FreshProcess.h"
@@ -134,16 +135,9 @@ TEST_F(JunctionsTest, FarBeyondTheClassicLimit) {
     EXPECT_TRUE(DeleteJunction(prefixed, false));
     ASSERT_TRUE(CreateJunction(link, Target()));
     EXPECT_EQ(GetJunctionTarget(prefixed), Target());
-    static std::wstring s_removed;
-    static BOOL(WINAPI * s_remove)(LPCWSTR);
-    const ImportPatch<decltype(&RemoveDirectoryW)> remove(GetModuleHandleW(nullptr), "RemoveDirectoryW",
-                                                          [](LPCWSTR path) {
-                                                              s_removed = path;
-                                                              return s_remove(path);
-                                                          });
-    s_remove = remove.Original();
+    const NotedCall remove(&RemoveDirectoryW, "RemoveDirectoryW", TRUE);
     EXPECT_TRUE(DeleteJunction(link, true));
-    EXPECT_EQ(s_removed, prefixed.GetString());
+    EXPECT_EQ(TakePaths(), Paths{prefixed.GetString()});
 }
 
 TEST_F(JunctionsTest, DamagedLinksAndFailingCallsGiveNothing) {

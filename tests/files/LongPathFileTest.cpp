@@ -9,13 +9,12 @@
 #include <vector>
 
 #include "files/DeepFolder.h"
+#include "files/NotedCall.h"
 #include "support/ImportPatch.h"
 #include "support/ScopedPreinstallation.h"
 #include "support/ScopedTestDir.h"
 
 namespace {
-
-std::vector<std::wstring> s_seen;  // the paths that reached the system
 
 struct Opening {
     DWORD access, share, disposition, flags;
@@ -23,49 +22,36 @@ struct Opening {
 };
 Opening s_opening;
 
-BOOL See(LPCWSTR path) {
-    s_seen.emplace_back(path);
-    return TRUE;
-}
-BOOL See(LPCWSTR first, LPCWSTR second) {
-    See(first);
-    return See(second);
-}
-
 // Stands in for every call that the wrappers forward to.
 struct SeenCalls {
-    HMODULE module = GetModuleHandleW(nullptr);
-    ImportPatch<decltype(&::GetFileAttributesW)> attributes{module, "GetFileAttributesW",
-                                                            [](LPCWSTR path) { return DWORD(See(path)); }};
-    ImportPatch<decltype(&::GetFileAttributesExW)> attributesEx{
-        module, "GetFileAttributesExW", [](LPCWSTR path, GET_FILEEX_INFO_LEVELS, void*) { return See(path); }};
-    ImportPatch<decltype(&::SetFileAttributesW)> setAttributes{module, "SetFileAttributesW",
-                                                               [](LPCWSTR path, DWORD) { return See(path); }};
+    NotedCall attributes{&::GetFileAttributesW, "GetFileAttributesW", 1};
+    NotedCall attributesEx{&::GetFileAttributesExW, "GetFileAttributesExW", TRUE};
+    NotedCall setAttributes{&::SetFileAttributesW, "SetFileAttributesW", TRUE};
+    NotedCall copy{&::CopyFileW, "CopyFileW", TRUE};
+    NotedCall remove{&::DeleteFileW, "DeleteFileW", TRUE};
+    NotedCall link{&::CreateHardLinkW, "CreateHardLinkW", TRUE};
+    NotedCall shell{&::SHGetFileInfoW, "SHGetFileInfoW", 1};
     ImportPatch<decltype(&::CreateFileW)> create{
-        module, "CreateFileW",
+        GetModuleHandleW(nullptr), "CreateFileW",
         [](LPCWSTR path, DWORD access, DWORD share, SECURITY_ATTRIBUTES*, DWORD disposition, DWORD flags, HANDLE) {
-            See(path);
+            s_notedPaths.emplace_back(path);
             s_opening = {access, share, disposition, flags};
             return INVALID_HANDLE_VALUE;
         }};
-    ImportPatch<decltype(&::CopyFileW)> copy{module, "CopyFileW",
-                                             [](LPCWSTR from, LPCWSTR to, BOOL) { return See(from, to); }};
-    ImportPatch<decltype(&::MoveFileExW)> move{module, "MoveFileExW", [](LPCWSTR from, LPCWSTR to, DWORD flags) {
+    ImportPatch<decltype(&::MoveFileExW)> move{GetModuleHandleW(nullptr), "MoveFileExW",
+                                               [](LPCWSTR from, LPCWSTR to, DWORD flags) {
                                                    EXPECT_EQ(flags, 3u);
-                                                   return See(from, to);
+                                                   s_notedPaths.insert(s_notedPaths.end(), {from, to});
+                                                   return TRUE;
                                                }};
-    ImportPatch<decltype(&::DeleteFileW)> remove{module, "DeleteFileW", [](LPCWSTR path) { return See(path); }};
-    ImportPatch<decltype(&::CreateHardLinkW)> link{
-        module, "CreateHardLinkW", [](LPCWSTR to, LPCWSTR from, SECURITY_ATTRIBUTES*) { return See(to, from); }};
-    ImportPatch<decltype(&::SHGetFileInfoW)> shell{
-        module, "SHGetFileInfoW", [](LPCWSTR path, DWORD, SHFILEINFOW*, UINT, UINT) { return DWORD_PTR(See(path)); }};
     // The search for the installed system's drive asks by the same call.
-    ImportPatch<decltype(&::_waccess)> existence{module, "_waccess", [](const wchar_t* path, int mode) {
-                                                     return std::wstring_view(path).ends_with(L"\\config\\SOFTWARE")
-                                                                ? SystemFunction(&_waccess, L"msvcrt.dll", "_waccess")(
-                                                                      path, mode)
-                                                                : int(See(path));
-                                                 }};
+    ImportPatch<decltype(&::_waccess)> existence{
+        GetModuleHandleW(nullptr), "_waccess", [](const wchar_t* path, int mode) {
+            if (std::wstring_view(path).ends_with(L"\\config\\SOFTWARE"))
+                return SystemFunction(&_waccess, L"msvcrt.dll", "_waccess")(path, mode);
+            s_notedPaths.emplace_back(path);
+            return 0;
+        }};
 };
 
 struct Wrapper {
@@ -105,9 +91,9 @@ std::wstring LongName(std::wstring path, size_t length) {
 void ExpectSystemPaths(const std::wstring& given, const std::wstring& rewritten, const std::wstring& kept) {
     for (const Wrapper& wrapper : Wrappers()) {
         SCOPED_TRACE(wrapper.name);
-        s_seen.clear();
+        s_notedPaths.clear();
         wrapper.call(given.c_str());
-        EXPECT_EQ(s_seen, std::vector<std::wstring>(wrapper.paths, wrapper.offlineRule ? rewritten : kept));
+        EXPECT_EQ(TakePaths(), Paths(wrapper.paths, wrapper.offlineRule ? rewritten : kept));
     }
 }
 
@@ -148,10 +134,9 @@ TEST(LongPathFile, DriveCIsTheInstalledSystemsOnAPreinstallationBoot) {
     const std::wstring longer = LongName(L"C:\\", 248);
     ExpectSystemPaths(longer, L"\\\\?\\D" + longer.substr(1), L"\\\\?\\" + longer);
     ExpectSystemPaths(L"\\\\?\\C:\\a", L"\\\\?\\C:\\a", L"\\\\?\\C:\\a");
-    s_seen.clear();
     SHFILEINFOW info{};
     LongPath::GetShellFileInfo(L"C:\\a", 0, info, sizeof(info), 0);
-    EXPECT_EQ(s_seen, std::vector<std::wstring>{L"C:\\a"}) << "the shell is asked about the path as given";
+    EXPECT_EQ(TakePaths(), Paths{L"C:\\a"}) << "the shell is asked about the path as given";
 }
 
 TEST(LongPathFile, OpensWhatItAsksAboutForReading) {

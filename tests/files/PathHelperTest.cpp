@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "files/HostilePaths.h"
+#include "files/NotedCall.h"
 #include "support/FileBytes.h"
 #include "support/ImportPatch.h"
 #include "support/ScopedPreinstallation.h"
@@ -126,17 +127,11 @@ TEST(PathHelper, ShortAndLongNames) {
 }
 
 TEST(PathHelper, ShortNamesOfLongPathsAreAskedForWithThePrefix) {
-    static std::wstring s_asked;
-    const ImportPatch<decltype(&::GetShortPathNameW)> patch(GetModuleHandleW(nullptr), "GetShortPathNameW",
-                                                            [](LPCWSTR path, LPWSTR, DWORD) -> DWORD {
-                                                                s_asked = path;
-                                                                SetLastError(ERROR_ACCESS_DENIED);
-                                                                return 0;
-                                                            });
+    const NotedCall names(&GetShortPathNameW, "GetShortPathNameW", 0, ERROR_ACCESS_DENIED);
     for (const int length : {247, 248}) {
         const CString path = L"Q:\\" + CString(L'x', length - 3);
         EXPECT_EQ(ErrorOf([&] { CPathHelper::GetShortPath(path); }), ERROR_ACCESS_DENIED);
-        EXPECT_EQ(s_asked, (length == 248 ? L"\\\\?\\" + path : path).GetString());
+        EXPECT_EQ(TakePaths(), Paths{(length == 248 ? L"\\\\?\\" + path : path).GetString()});
     }
 }
 
@@ -196,8 +191,7 @@ TEST(PathHelper, DrivesOfAnyNumber) {
     EXPECT_TRUE(CPathHelper::EnumerateDrives(drives));
     EXPECT_EQ(drives.GetCount(), 1);
 
-    const ImportPatch<decltype(&::GetLogicalDriveStringsW)> none(GetModuleHandleW(nullptr), "GetLogicalDriveStringsW",
-                                                                 [](DWORD, LPWSTR) -> DWORD { return 0; });
+    const NotedCall none(&GetLogicalDriveStringsW, "GetLogicalDriveStringsW", 0);
     EXPECT_FALSE(CPathHelper::EnumerateDrives(drives));
     EXPECT_FALSE(CPathHelper::IsValidDrive(L"C:\\"));
 }

@@ -9,11 +9,11 @@
 
 #include "files/FileSecurity.h"
 #include "files/Junctions.h"
+#include "files/NotedCall.h"
 #include "files/PathHelper.h"
 #include "support/FakeVersion.h"
 #include "support/FileBytes.h"
 #include "support/FreshProcess.h"
-#include "support/ImportPatch.h"
 #include "support/LogCapture.h"
 #include "support/Narrow.h"
 #include "support/ReparseVolume.h"
@@ -186,21 +186,14 @@ TEST_F(ProfileCopy, WordsForDirectoriesThatAreNotThere) {
 }
 
 TEST_F(ProfileCopy, ADirectoryIsMadeLikeItsParentWithThePrefixOnlyAfterAFailure) {
-    using Asked = std::vector<std::pair<std::wstring, std::wstring>>;
-    static Asked s_asked;
-    const ImportPatch<decltype(&CreateDirectoryExW)> patch(GetModuleHandleW(nullptr), "CreateDirectoryExW",
-                                                           [](LPCWSTR like, LPCWSTR path, SECURITY_ATTRIBUTES*) {
-                                                               s_asked.emplace_back(like, path);
-                                                               return FALSE;
-                                                           });
+    const NotedCall create(&CreateDirectoryExW, "CreateDirectoryExW", FALSE);
     const std::wstring name(248, L't'), parent = m_dir.Path(), target = m_dir.Path(name), prefix = L"\\\\?\\";
     m_target = target.c_str();
     EXPECT_FALSE(Copy());
-    EXPECT_EQ(s_asked, (Asked{{parent, target}, {parent, prefix + target}}));
-    s_asked.clear();
+    EXPECT_EQ(TakePaths(), (Paths{parent, target, parent, prefix + target}));
     m_target = (prefix + target).c_str();
     EXPECT_FALSE(Copy());
-    EXPECT_EQ(s_asked, (Asked{{prefix + parent, prefix + target}}));
+    EXPECT_EQ(TakePaths(), (Paths{prefix + parent, prefix + target}));
 }
 
 TEST_F(ProfileCopy, TracesEveryStepOfTheAccess) {
@@ -215,11 +208,7 @@ TEST_F(ProfileCopy, TracesEveryStepOfTheAccess) {
 
 TEST_F(ProfileCopy, AttributesThatCannotBeSetLeaveWordsBesideSuccess) {
     MakeFile(L"a", "a");
-    const ImportPatch<decltype(&SetFileAttributesW)> patch(GetModuleHandleW(nullptr), "SetFileAttributesW",
-                                                           [](LPCWSTR, DWORD) {
-                                                               SetLastError(ERROR_ACCESS_DENIED);
-                                                               return FALSE;
-                                                           });
+    const NotedCall set(&SetFileAttributesW, "SetFileAttributesW", FALSE, ERROR_ACCESS_DENIED);
     EXPECT_TRUE(Copy());
     EXPECT_EQ(Error(), "Unable to set attributes on the new folder '" + Narrow(m_target.GetString()) + "' due to 5");
     EXPECT_EQ(BytesOf(InTarget(L"a")), "a");
