@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "files/PathHelper.h"
+#include "helpers/LocalMemory.h"
 #include "siblings/coresv/LogMethodEntryExit.h"
 
 namespace {
@@ -156,9 +157,8 @@ bool CFileAcl::IsOwnedByTrustedInstaller() const {
     }
     LPWSTR text = nullptr;
     if (!ConvertSidToStringSidW(owner, &text)) return false;
-    const bool isInstaller = CString(text).CompareNoCase(kTrustedInstaller) == 0;
-    LocalFree(text);
-    return isInstaller;
+    const LocalMemory<WCHAR> memory(text);
+    return CString(text).CompareNoCase(kTrustedInstaller) == 0;
 }
 
 bool CFileAcl::RebuildDescriptor(const void* selfRelative, std::unique_ptr<BYTE[]>& newDescriptor, PACL dacl) {

@@ -3,7 +3,7 @@
 #include <sddl.h>
 #include <winioctl.h>
 
-#include <memory>
+#include <algorithm>
 
 #include "files/FileFindEx.h"
 #include "files/JunctionBuffer.h"
@@ -11,6 +11,7 @@
 #include "files/LongPathPrefix.h"
 #include "files/PathHelper.h"
 #include "files/PathView.h"
+#include "helpers/LocalMemory.h"
 #include "helpers/UniqueHandle.h"
 #include "registry/WindowsVersion.h"
 
@@ -19,10 +20,6 @@ namespace {
 constexpr DWORD kSetReparsePoint = 0x900A4;
 constexpr DWORD kGetReparsePoint = 0x900A8;
 constexpr DWORD kDeleteReparsePoint = 0x900AC;
-
-struct LocalMemoryCloser {
-    void operator()(void* memory) const { LocalFree(memory); }
-};
 
 UniqueHandle Open(const CString& path, bool forWriting) {
     return MakeUniqueHandle(OpenJunction(path, forWriting));
@@ -50,7 +47,7 @@ bool CreateGuardedDirectory(const CString& path) {
     if (!ConvertStringSecurityDescriptorToSecurityDescriptorW(kAccess, SDDL_REVISION_1, &descriptor, nullptr)) {
         return false;
     }
-    const std::unique_ptr<void, LocalMemoryCloser> owner(descriptor);
+    const LocalMemory<void> owner(descriptor);
     SECURITY_ATTRIBUTES security{sizeof(security), descriptor, FALSE};
     return CreateDirectoryW(path, &security) != FALSE;
 }

@@ -7,6 +7,7 @@
 #include "files/Junctions.h"
 #include "files/LongPathFile.h"
 #include "files/PathHelper.h"
+#include "helpers/LocalMemory.h"
 #include "helpers/ResourceString.h"
 #include "registry/WindowsVersion.h"
 #include "siblings/coresv/LogMethodEntryExit.h"
@@ -39,11 +40,23 @@ bool EnsureDirectory(const CString& target, CString& errorText) {
     return Fail(errorText, L"Unable to create the directory (%s) Error:%u", target.GetString(), error);
 }
 
-// Whatever cannot be added or written leaves the access as it was; the copy goes on.
-void GiveFullAccess(const CString& path, CProfileUser& user) {
+// In both an entry that cannot be added or written leaves the access as it was; the copy goes on.
+void GiveAccessToDirectory(const CString& path, CProfileUser& user) {
+    CFileAcl acl(path);
+    Logger().LogTraceMessageFormat(L"Adding a full access ACE to '%s' for the SID '%s'", path.GetString(),
+                                   user.GetSidText().GetString());
+    acl.AddFullAccessEntryToAcl(user.GetSid());
+    Logger().LogTraceMessage(L"Committing the ACL changes");
+    acl.Commit();
+}
+
+void GiveAccessToFile(const CString& path, CProfileUser& user) {
+    Logger().LogTraceMessageFormat(L"Adding a full access ACE for '%s' to '%s'", user.GetSidText().GetString(),
+                                   path.GetString());
     CFileAcl acl(path);
     acl.AddFullAccessEntryToAcl(user.GetSid());
-    if (acl.SupportsAcls() && acl.HasSecurity()) acl.Commit();
+    acl.Commit();
+    Logger().LogTraceMessageFormat(L"The ACL for '%s' was successfully updated", path.GetString());
 }
 
 bool IsDirectory(DWORD attributes) {
@@ -75,8 +88,8 @@ CProfileUser::CProfileUser(PSID sid) : m_sid(GetLengthSid(sid)) {
 const CString& CProfileUser::GetSidText() {
     LPWSTR text = nullptr;
     if (m_sidText.IsEmpty() && ConvertSidToStringSidW(m_sid.data(), &text)) {
+        const LocalMemory<WCHAR> memory(text);
         m_sidText = text;
-        LocalFree(text);
     }
     return m_sidText;
 }
@@ -102,11 +115,7 @@ bool CProfileCreator::CopyTree(const Copy& copy, const CString& source, const CS
         copy.originalSource.GetString(), copy.originalTarget.GetString(), source.GetString(), target.GetString());
     OnCopying(source, target);
     if (!EnsureDirectory(target, copy.errorText)) return false;
-
-    Logger().LogTraceMessageFormat(L"Adding a full access ACE to '%s' for the SID '%s'", target.GetString(),
-                                   copy.user.GetSidText().GetString());
-    Logger().LogTraceMessage(L"Committing the ACL changes");
-    GiveFullAccess(target, copy.user);
+    GiveAccessToDirectory(target, copy.user);
 
     const DWORD attributes = LongPath::GetFileAttributes(source);
     if (!IsDirectory(attributes)) {
@@ -164,10 +173,7 @@ bool CProfileCreator::CopyFileEntry(const Copy& copy, const CString& source, con
             L"Skipping the file '%s' (target = '%s') since the target file already exists", source.GetString(),
             target.GetString());
     }
-    Logger().LogTraceMessageFormat(L"Adding a full access ACE for '%s' to '%s'", copy.user.GetSidText().GetString(),
-                                   target.GetString());
-    GiveFullAccess(target, copy.user);
-    Logger().LogTraceMessageFormat(L"The ACL for '%s' was successfully updated", target.GetString());
+    GiveAccessToFile(target, copy.user);
     return true;
 }
 

@@ -33,8 +33,8 @@ namespace afx {
 
 WindowThread& ThisThread() {
     if (t_state == nullptr) {
-        // Not a thread_local object: at the end of a thread the toolchain's runtime gives back the memory of those before
-        // it runs their destructors.
+        // Not a thread_local object: at the end of a thread the toolchain's runtime gives back the memory of those
+        // before it runs their destructors.
         static const StateSlot slot;
         auto state = std::make_unique<WindowThread>();
         if (!slot.Keep(state.get())) AfxThrowMemoryException();

@@ -14,8 +14,7 @@ public:
     // With `remember`, the cursor in force before becomes the remembered one; none in force is remembered as none.
     static void SetWaitCursor(bool remember);
     static void SetArrowCursor(bool remember);
-    // Likewise; but if none was in force before, `remember` shows the arrow and remembers the cursor that was asked
-    // for.
+    // Likewise; but if none was in force before, `remember` shows the arrow and remembers the cursor asked for.
     static void SetHandCursor(bool remember);
     static void SetSizeWECursor(bool remember);
     static void SetSizeNSCursor(bool remember);

@@ -4,8 +4,8 @@
 #include <afxwin.h>
 
 // The user interface's face at a height (in logical units; below 0 of the characters, above 0 of the cell): "Segoe UI"
-// from Windows 7 on, else "MS Shell Dlg 2". FALSE when the system makes no font. An upward call: it
-// asks the version facts of the registry floor, and throws CRegistryException like them.
+// from Windows 7 on, else "MS Shell Dlg 2". FALSE when the system makes no font. An upward call: it asks the version
+// facts of the registry floor, and throws CRegistryException like them.
 BOOL CreateUiFont(CFont& font, bool italic, bool bold, LONG height);
 
 BOOL CreateFontFromLogFont(CFont& font, const LOGFONTW& description);

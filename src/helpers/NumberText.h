@@ -12,9 +12,8 @@ bool IsIntInRange(const wchar_t* text, std::int32_t min, std::int32_t max);
 // not fit.
 std::int32_t LeadingNumber(std::wstring_view text);
 
-// The digit grouping of a locale ("3;0", "3;2;0") in the form of NUMBERFMTW::Grouping (3, 32). A text without the
-// ending
-// ";0" asks for no repetition of its last group, and each number in it moves the earlier ones up: "3" gives 30.
+// The digit grouping of a locale ("3;0", "3;2;0") in the form of NUMBERFMTW::Grouping (3, 32). A text without ";0" at
+// its end asks for no repetition of its last group, and each number in it moves the earlier ones up: "3" gives 30.
 std::uint32_t GroupingNumber(std::wstring_view text);
 
 enum class ByteUnit { Bytes, Kilobytes, Megabytes, Gigabytes };

@@ -1,16 +1,9 @@
 #include "helpers/SystemText.h"
 
 #include <iterator>
-#include <memory>
 #include <objbase.h>
 
-namespace {
-
-struct LocalMemoryCloser {
-    void operator()(WCHAR* memory) const { LocalFree(memory); }
-};
-
-}  // namespace
+#include "helpers/LocalMemory.h"
 
 CString NewGuidText() {
     GUID guid{};
@@ -30,6 +23,6 @@ CString SystemErrorText(DWORD status) {
     LPWSTR buffer = nullptr;
     const DWORD length =
         FormatMessageW(kFlags, nullptr, status, 0, reinterpret_cast<LPWSTR>(&buffer), kMinimumChars, nullptr);
-    const std::unique_ptr<WCHAR, LocalMemoryCloser> owner(buffer);
+    const LocalMemory<WCHAR> owner(buffer);
     return length == 0 ? CString() : CString(buffer, static_cast<int>(length));
 }

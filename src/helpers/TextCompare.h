@@ -4,6 +4,9 @@
 
 #include <afx.h>
 
+// Makes macros of FindText and ReplaceText, which is harmless as long as everybody sees them.
+#include <commdlg.h>
+
 // What CompareStringW answers, ignoring case: CSTR_LESS_THAN, CSTR_EQUAL (2), CSTR_GREATER_THAN, or 0 when it fails, as
 // it does for a null pointer.
 int CompareInvariantNoCase(const CString& a, const CString& b);

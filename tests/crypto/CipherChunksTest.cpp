@@ -44,16 +44,39 @@ private:
 
 constexpr int32_t kOther = static_cast<int32_t>(0xC0000206);
 
+struct Row {
+    uint32_t length;
+    std::vector<Answer> answers;
+    std::vector<Call> calls;
+    int32_t status;
+    uint32_t result;
+};
+
+int32_t Encrypt(std::span<uint8_t> buffer, uint32_t& length, const ChunkCipher& cipher) {
+    return EncryptChunks(buffer.data(), length, cipher);
+}
+
+int32_t Decrypt(std::span<uint8_t> buffer, uint32_t& length, const ChunkCipher& cipher) {
+    return DecryptChunks(buffer.first(length), length, cipher);
+}
+
+void Expect(const Row& row, decltype(&Encrypt) run) {
+    SCOPED_TRACE(row.length);
+    std::vector<uint8_t> buffer(row.length + 16, 0xEE);
+    StandIn standIn(row.answers);
+    uint32_t length = row.length;
+    EXPECT_EQ(run(buffer, length, standIn.Cipher()), row.status);
+    EXPECT_EQ(length, row.result);
+    EXPECT_EQ(standIn.calls, row.calls);
+    if (row.status != 0 || length == 0) return;
+    EXPECT_EQ(buffer[length - 1], row.calls.size()) << "the last chunk's output is in place";
+    EXPECT_EQ(std::count(buffer.begin() + length, buffer.end(), 0xEE), buffer.end() - buffer.begin() - length);
+}
+
 }  // namespace
 
 TEST(CipherChunks, DecryptingCutsRetriesAndStops) {
-    const struct {
-        uint32_t length;
-        std::vector<Answer> answers;
-        std::vector<Call> calls;
-        int32_t status;
-        uint32_t result;
-    } rows[] = {
+    const Row rows[] = {
         {0, {}, {}, 0, 0},
         {16, {{0, 9}}, {{16, true}}, 0, 9},
         {16, {{0, 0}}, {{16, true}}, 0, 0},
@@ -70,24 +93,11 @@ TEST(CipherChunks, DecryptingCutsRetriesAndStops) {
         {16, {{0, 17}}, {{16, true}}, kDataErrorStatus, 16},
         {0x800, {{0, 0x900}}, {{0x800, false}}, kDataErrorStatus, 0x800},
     };
-    for (const auto& row : rows) {
-        std::vector<uint8_t> buffer(row.length, 0xEE);
-        StandIn standIn(row.answers);
-        uint32_t length = row.length;
-        EXPECT_EQ(DecryptChunks(buffer, length, standIn.Cipher()), row.status) << row.length;
-        EXPECT_EQ(length, row.result) << row.length;
-        EXPECT_EQ(standIn.calls, row.calls) << row.length;
-    }
+    for (const Row& row : rows) Expect(row, Decrypt);
 }
 
 TEST(CipherChunks, EncryptingGrowsOnlyInAShortLastChunk) {
-    const struct {
-        uint32_t length;
-        std::vector<Answer> answers;
-        std::vector<Call> calls;
-        int32_t status;
-        uint32_t result;
-    } rows[] = {
+    const Row rows[] = {
         {0, {}, {}, 0, 0},
         {16, {{0, 32}}, {{16, true}}, 0, 32},
         {0x7FF, {{0, 0x800}}, {{0x7FF, true}}, 0, 0x800},
@@ -96,19 +106,5 @@ TEST(CipherChunks, EncryptingGrowsOnlyInAShortLastChunk) {
         {5, {{0, 0}}, {{5, true}}, kDataErrorStatus, 5},
         {5, {{0, 0x801}}, {{5, true}}, kDataErrorStatus, 5},
     };
-    for (const auto& row : rows) {
-        std::vector<uint8_t> buffer(row.length + 16, 0xEE);
-        StandIn standIn(row.answers);
-        uint32_t length = row.length;
-        EXPECT_EQ(EncryptChunks(buffer.data(), length, standIn.Cipher()), row.status) << row.length;
-        EXPECT_EQ(length, row.result) << row.length;
-        EXPECT_EQ(standIn.calls, row.calls) << row.length;
-        if (row.status != 0) continue;
-        // The last chunk's output is in place, and what lies behind it untouched.
-        if (length > 0) {
-            EXPECT_EQ(buffer[length - 1], row.calls.size()) << row.length;
-        }
-        EXPECT_TRUE(std::all_of(buffer.begin() + length, buffer.end(), [](uint8_t byte) { return byte == 0xEE; }))
-            << row.length;
-    }
+    for (const Row& row : rows) Expect(row, Encrypt);
 }

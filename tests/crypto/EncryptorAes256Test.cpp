@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "crypto/EntryPointPatch.h"
+#include "crypto/PatternBytes.h"
 #include "crypto/Sha256.h"
 #include "crypto/Vectors.h"
 

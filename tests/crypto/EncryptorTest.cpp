@@ -4,6 +4,7 @@
 
 #include "crypto/EncryptorAes256.h"
 #include "crypto/EncryptorStandard.h"
+#include "crypto/PatternBytes.h"
 #include "crypto/Sha256.h"
 #include "crypto/Vectors.h"
 

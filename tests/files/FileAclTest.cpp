@@ -1,13 +1,12 @@
 #include "files/FileAcl.h"
 
-#include <sddl.h>
-
-#include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
 #include <string>
 
-#include "files/PathHelper.h"
+#include "files/FileSecurity.h"
+#include "files/NotedCall.h"
+#include "support/FileBytes.h"
 #include "support/ImportPatch.h"
 #include "support/LogCapture.h"
 #include "support/ScopedTestDir.h"
@@ -17,36 +16,24 @@ namespace {
 constexpr LPCWSTR kEveryone = L"S-1-1-0";
 constexpr LPCWSTR kStranger = L"S-1-5-21-1-2-3-1001";
 
-struct LocalMemoryCloser {
-    void operator()(void* memory) const { LocalFree(memory); }
-};
-using LocalMemory = std::unique_ptr<void, LocalMemoryCloser>;
+using Memory = LocalMemory<void>;
 
-LocalMemory Sid(LPCWSTR text) {
+Memory Sid(LPCWSTR text) {
     PSID sid = nullptr;
     EXPECT_TRUE(ConvertStringSidToSidW(text, &sid));
-    return LocalMemory(sid);
+    return Memory(sid);
 }
 
 // Descriptors are made and read by the system's own text form of them.
-LocalMemory Descriptor(LPCWSTR text) {
+Memory Descriptor(LPCWSTR text) {
     PSECURITY_DESCRIPTOR descriptor = nullptr;
     EXPECT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorW(text, 1, &descriptor, nullptr));
-    return LocalMemory(descriptor);
-}
-
-std::wstring TextOf(PSECURITY_DESCRIPTOR descriptor) {
-    constexpr DWORD kAll =
-        OWNER_SECURITY_INFORMATION | GROUP_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION | SACL_SECURITY_INFORMATION;
-    LPWSTR text = nullptr;
-    if (!ConvertSecurityDescriptorToStringSecurityDescriptorW(descriptor, 1, kAll, &text, nullptr)) return L"none";
-    const LocalMemory owner(text);
-    return text;
+    return Memory(descriptor);
 }
 
 // A file whose security the system reads as the descriptor of that text, and whose writes are noted.
 const void* s_security = nullptr;
-std::wstring s_written, s_writtenPath;
+std::wstring s_readPath, s_written, s_writtenPath;
 bool s_writeFails = false, s_wroteNullList = false;
 
 struct GivenSecurity {
@@ -56,10 +43,11 @@ struct GivenSecurity {
         s_writeFails = false;
     }
 
-    LocalMemory descriptor;
+    Memory descriptor;
     ImportPatch<decltype(&GetFileSecurityW)> read{
         GetModuleHandleW(nullptr), "GetFileSecurityW",
-        [](LPCWSTR, SECURITY_INFORMATION what, PSECURITY_DESCRIPTOR buffer, DWORD size, DWORD* needed) -> BOOL {
+        [](LPCWSTR path, SECURITY_INFORMATION what, PSECURITY_DESCRIPTOR buffer, DWORD size, DWORD* needed) -> BOOL {
+            s_readPath = path;
             EXPECT_EQ(what, DWORD{OWNER_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION});
             *needed = GetSecurityDescriptorLength(const_cast<void*>(s_security));
             if (size < *needed) return FALSE;
@@ -92,62 +80,18 @@ std::pair<int, LONG> ThrownBy(const std::function<void()>& function) {
     return {};
 }
 
-// Makes one of the system's calls fail.
-template <class... Arguments>
-struct FailingCall {
-    FailingCall(BOOL (*)(Arguments...), const char* name) : patch(GetModuleHandleW(nullptr), name, &Fail) {}
-    static BOOL Fail(Arguments...) {
-        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-        return FALSE;
-    }
-    ImportPatch<BOOL (*)(Arguments...)> patch;
-};
-
-// The mode bits of the file on the machine that Wine runs on, read by that machine's stat.
-std::string HostMode(const std::wstring& path, const ScopedTestDir& dir) {
-    const auto unixName = reinterpret_cast<char*(CDECL*)(LPCWSTR)>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32"), "wine_get_unix_file_name")));
-    const auto named = [&](const std::wstring& file) {
-        char* const name = unixName(file.c_str());
-        const std::wstring text(name, name + strlen(name));
-        HeapFree(GetProcessHeap(), 0, name);
-        return text;
-    };
-    const std::wstring output = dir.Path(L"mode");
-    std::ofstream(CStringA(output.c_str()).GetString());
-    std::wstring command = L"sh -c \"stat -c %a '" + named(path) + L"' > '" + named(output) + L"'\"";
-    STARTUPINFOW start{};
-    start.cb = sizeof(start);
-    PROCESS_INFORMATION process{};
-    if (!CreateProcessW(L"Z:\\bin\\sh", command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
-                        &process)) {
-        return "no stat";
-    }
-    WaitForSingleObject(process.hProcess, 10000);
-    CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
-    std::string mode;
-    for (int tries = 0; tries < 500 && mode.empty(); ++tries) {
-        std::getline(std::ifstream(CStringA(output.c_str()).GetString()), mode);
-        if (mode.empty()) Sleep(10);  // the shell is no process of Wine's, so its end is not always seen
-    }
-    return mode;
-}
-
 }  // namespace
 
 TEST(FileAcl, WhatIsWrittenStandsOnTheVolume) {
     const ScopedTestDir dir;
     const std::wstring file = dir.Path(L"file");
-    CloseHandle(CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
-    const std::string before = HostMode(file, dir);
-    EXPECT_EQ(before.back(), '4');
+    PutBytes(file, "");
     CFileAcl acl(file.c_str());
     ASSERT_TRUE(acl.SupportsAcls() && acl.HasSecurity());
     EXPECT_TRUE(acl.AddFullAccessEntryToAcl(Sid(kEveryone).get()));
-    EXPECT_EQ(HostMode(file, dir), before);
+    EXPECT_FALSE(MayEveryoneWrite(file));
     EXPECT_TRUE(acl.Commit());
-    EXPECT_EQ(HostMode(file, dir).back(), '7');
+    EXPECT_TRUE(MayEveryoneWrite(file));
     EXPECT_TRUE(acl.HasAceForSid(Sid(kEveryone).get()));
     EXPECT_FALSE(acl.IsOwnedByTrustedInstaller());
     EXPECT_TRUE(CFileAcl(file.c_str()).HasAceForSid(Sid(kEveryone).get()));
@@ -169,10 +113,11 @@ TEST(FileAcl, EntriesAddUpUntilTheyAreWritten) {
     EXPECT_TRUE(acl.HasAceForSid(Sid(kStranger).get()));
 }
 
-TEST(FileAcl, OnlyANullListIsWrittenByTheLongPathRule) {
+TEST(FileAcl, ReadsAndWritesNullListsByTheLongPathRule) {
     const GivenSecurity file(L"O:BAD:(A;;FR;;;SY)");
     const CString path = L"C:\\" + CString(L'x', 300);
     CFileAcl acl(path);
+    EXPECT_EQ(s_readPath, (L"\\\\?\\" + path).GetString());
     EXPECT_TRUE(acl.Commit());
     EXPECT_EQ(s_writtenPath, path.GetString());
     EXPECT_FALSE(s_wroteNullList);
@@ -214,20 +159,13 @@ TEST(FileAcl, AVolumeWithoutAccessListsIsLeftAlone) {
 }
 
 TEST(FileAcl, AsksTheVolumeByItsRoot) {
-    static std::wstring s_root;
-    const ImportPatch<decltype(&GetVolumeInformationW)> volume(
-        GetModuleHandleW(nullptr), "GetVolumeInformationW",
-        [](LPCWSTR root, LPWSTR, DWORD, DWORD*, DWORD*, DWORD*, LPWSTR, DWORD) -> BOOL {
-            s_root = root;
-            return FALSE;
-        });
+    const NotedCall volume(&GetVolumeInformationW, "GetVolumeInformationW", FALSE);
     const std::pair<LPCWSTR, LPCWSTR> roots[] = {
         {L"C:\\a\\b", L"C:\\"},       {L"C:", L"C:"}, {L"abc", L"abc"}, {L"\\\\s\\t\\u\\v", L"\\\\s\\t\\"},
         {L"\\\\s\\t", L"\\\\s\\t\\"}, {L"abcd", L""}};
     for (const auto& [path, root] : roots) {
-        s_root.clear();
         EXPECT_FALSE(CFileAcl(path).SupportsAcls());
-        EXPECT_EQ(s_root, root);
+        EXPECT_EQ(TakePaths(), *root == L'\0' ? Paths() : Paths{root});
     }
 }
 
@@ -240,17 +178,17 @@ TEST(FileAcl, FailingCallsShowAndLeaveNothingBehind) {
     const GivenSecurity file(L"O:BAD:(A;;FR;;;SY)");
     CFileAcl acl(path);
     {
-        const FailingCall call(&MakeAbsoluteSD, "MakeAbsoluteSD");
+        const NotedCall call(&MakeAbsoluteSD, "MakeAbsoluteSD", FALSE, ERROR_NOT_ENOUGH_MEMORY);
         EXPECT_FALSE(acl.Commit() || acl.ApplyNullDacl());
     }
     {
-        const FailingCall call(&MakeSelfRelativeSD, "MakeSelfRelativeSD");
+        const NotedCall call(&MakeSelfRelativeSD, "MakeSelfRelativeSD", FALSE, ERROR_NOT_ENOUGH_MEMORY);
         EXPECT_FALSE(acl.Commit() || acl.ApplyNullDacl());
     }
     EXPECT_EQ(s_written, L"");
     EXPECT_TRUE(acl.HasSecurity());
     {
-        const FailingCall call(&GetAclInformation, "GetAclInformation");
+        const NotedCall call(&GetAclInformation, "GetAclInformation", FALSE, ERROR_NOT_ENOUGH_MEMORY);
         EXPECT_FALSE(acl.HasAceForSid(Sid(L"S-1-5-18").get()));
     }
     const LogCapture log;
@@ -259,7 +197,7 @@ TEST(FileAcl, FailingCallsShowAndLeaveNothingBehind) {
     EXPECT_TRUE(log.Contains(LogLevel::Error, L"Unable to set ACL Entry. Error:")) << GetLastError();
     EXPECT_TRUE(acl.HasAceForSid(Sid(L"S-1-5-18").get()));
     {
-        const FailingCall call(&GetSecurityDescriptorDacl, "GetSecurityDescriptorDacl");
+        const NotedCall call(&GetSecurityDescriptorDacl, "GetSecurityDescriptorDacl", FALSE, ERROR_NOT_ENOUGH_MEMORY);
         EXPECT_FALSE(acl.ReadSecurity());
         EXPECT_FALSE(acl.HasSecurity());
     }
@@ -272,8 +210,8 @@ TEST(FileAcl, KnowsTheInstallersFiles) {
 }
 
 TEST(FileAcl, ARebuiltDescriptorKeepsEverythingButTheList) {
-    const LocalMemory before = Descriptor(L"O:BAG:SYD:(A;;FR;;;SY)S:(AU;FA;FA;;;WD)");
-    const LocalMemory other = Descriptor(L"D:(A;OICI;FA;;;WD)");
+    const Memory before = Descriptor(L"O:BAG:SYD:(A;;FR;;;SY)S:(AU;FA;FA;;;WD)");
+    const Memory other = Descriptor(L"D:(A;OICI;FA;;;WD)");
     BOOL present = FALSE, defaulted = FALSE;
     PACL dacl = nullptr;
     ASSERT_TRUE(GetSecurityDescriptorDacl(other.get(), &present, &dacl, &defaulted));

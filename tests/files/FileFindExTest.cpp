@@ -4,8 +4,9 @@
 #include <set>
 #include <string>
 
+#include "files/DeepFolder.h"
+#include "files/NotedCall.h"
 #include "files/PathHelper.h"
-#include "support/ImportPatch.h"
 #include "support/ReparseVolume.h"
 #include "support/ScopedPreinstallation.h"
 #include "support/ScopedTestDir.h"
@@ -27,17 +28,6 @@ Names PathsOf(CFileFind& search, LPCWSTR pattern) {
     }
     return paths;
 }
-
-std::wstring s_pattern;
-
-// Notes what the system is asked for.
-struct SeenPattern {
-    ImportPatch<decltype(&::FindFirstFileW)> patch{
-        GetModuleHandleW(nullptr), "FindFirstFileW", [](LPCWSTR pattern, WIN32_FIND_DATAW* data) {
-            s_pattern = pattern;
-            return SystemFunction(&::FindFirstFileW, L"kernel32.dll", "FindFirstFileW")(pattern, data);
-        }};
-};
 
 }  // namespace
 
@@ -63,14 +53,13 @@ TEST(FileFindEx, ListsAsTheBaseDoes) {
 }
 
 TEST(FileFindEx, WhatItAsksTheSystemFor) {
-    const SeenPattern seen;
+    const NotedCall asked(&::FindFirstFileW, "FindFirstFileW", INVALID_HANDLE_VALUE);
     const std::wstring longer = L"Q:\\" + std::wstring(245, L'x');
     const std::wstring fits = longer.substr(0, 247);
     CFileFindEx search;
     for (const LPCWSTR none : {static_cast<LPCWSTR>(nullptr), L"", L"Q:\\"}) {
-        s_pattern.clear();
         EXPECT_FALSE(search.FindFile(none));
-        EXPECT_EQ(s_pattern, L"");
+        EXPECT_EQ(TakePaths(), Paths());
     }
     struct Case {
         std::wstring path, pattern;
@@ -81,30 +70,26 @@ TEST(FileFindEx, WhatItAsksTheSystemFor) {
     };
     for (const Case& c : cases) {
         EXPECT_FALSE(search.FindFile(c.path.c_str()));
-        EXPECT_EQ(s_pattern, c.pattern);
+        EXPECT_EQ(TakePaths(), Paths{c.pattern});
     }
 }
 
 TEST(FileFindEx, ANameOfTwoHundredAndSixtyCharactersIsRefused) {
-    const SeenPattern seen;
     const ScopedTestDir dir;
     CFileFindEx search;
     for (const size_t length : {259u, 260u}) {
-        s_pattern.clear();
         ASSERT_TRUE(search.FindFile(dir.Path(L"*").c_str()));
-        s_pattern.clear();
+        const NotedCall asked(&::FindFirstFileW, "FindFirstFileW", INVALID_HANDLE_VALUE, ERROR_FILE_NOT_FOUND);
         EXPECT_FALSE(search.FindFile(dir.Path(std::wstring(length, L'n')).c_str()));
-        EXPECT_EQ(GetLastError() == ERROR_BAD_ARGUMENTS, length == 260);
-        EXPECT_EQ(s_pattern.empty(), length == 260);
-        EXPECT_FALSE(search.FindNextFile());  // the earlier search has ended as well
+        EXPECT_EQ(GetLastError(), length == 260 ? DWORD{ERROR_BAD_ARGUMENTS} : DWORD{ERROR_FILE_NOT_FOUND});
+        EXPECT_EQ(TakePaths().empty(), length == 260);
+        EXPECT_FALSE(search.FindNextFile()) << "the earlier search has ended as well";
     }
 }
 
 TEST(FileFindEx, FarBeyondTheClassicLimitNoPrefixShows) {
     const ScopedTestDir dir;
-    CString folder = dir.Path().c_str();
-    for (int i = 0; i < 10; ++i) folder += L"\\" + CString(L'd', 90);
-    ASSERT_TRUE(CPathHelper::CreateDirectoryTree(folder));
+    const CString folder = MakeDeepFolder(dir.Path()).c_str();
     const CString file = folder + L"\\file";
     CreateEmptyFile(file);
     CFileFindEx search;

@@ -2,11 +2,14 @@
 
 #include <aclapi.h>
 
-#include <cstring>
-#include <functional>
 #include <gtest/gtest.h>
 
+#include "files/DeepFolder.h"
+#include "files/JunctionBuffer.h"
+#include "files/NotedCall.h"
 #include "files/PathHelper.h"
+#include "support/FakeVersion.h"
+#include "support/FreshProcess.h"
 #include "support/ImportPatch.h"
 #include "support/ReparseVolume.h"
 #include "support/ScopedTestDir.h"
@@ -28,18 +31,6 @@ protected:
     const std::wstring m_link = m_dir.Path(L"link"), m_target = m_dir.Path(L"target"), m_plain = m_dir.Path(L"plain");
 };
 
-// What the link's bytes must be, put together from the numbers of the format.
-std::vector<std::byte> ExpectedBytes(const std::wstring& target) {
-    const std::wstring name = L"\\??\\" + target;
-    const auto nameBytes = static_cast<WORD>(name.size() * 2);
-    const WORD head[] = {0x0003, 0xA000,    static_cast<WORD>(nameBytes + 12), 0,
-                         0,      nameBytes, static_cast<WORD>(nameBytes + 2),  0};
-    std::vector<std::byte> bytes(16u + nameBytes + 4u);
-    std::memcpy(bytes.data(), head, sizeof(head));
-    std::memcpy(bytes.data() + sizeof(head), name.data(), nameBytes);
-    return bytes;
-}
-
 }  // namespace
 
 TEST_F(JunctionsTest, LiveFromCreationToRemoval) {
@@ -48,7 +39,7 @@ TEST_F(JunctionsTest, LiveFromCreationToRemoval) {
     EXPECT_TRUE(IsJunction(Link()));
     EXPECT_FALSE(IsJunction(Target()));
     if (!m_volume.IsReal()) {
-        EXPECT_EQ(m_volume.BytesOf(m_link), ExpectedBytes(m_target));
+        EXPECT_EQ(m_volume.BytesOf(m_link), *Junction::Encode(m_target));
     }
     EXPECT_EQ(GetJunctionTarget(Link()), Target());
     EXPECT_TRUE(DeleteJunction(Link(), false));
@@ -122,10 +113,20 @@ TEST_F(JunctionsTest, ANewDirectoryKeepsFilesOut) {
     EXPECT_TRUE(IsWellKnownSid(&entry->SidStart, WinWorldSid));
 }
 
+TEST_F(JunctionsTest, BeforeWindows7ANewDirectoryIsAnOrdinaryOne) {
+    EXPECT_IN_FRESH_PROCESS([&] {
+        const FakeVersion version(6, 0);
+        const ImportPatch<decltype(&CreateDirectoryW)> create(GetModuleHandleW(nullptr), "CreateDirectoryW",
+                                                              [](LPCWSTR, SECURITY_ATTRIBUTES* security) -> BOOL {
+                                                                  EXPECT_EQ(security, nullptr);
+                                                                  return TRUE;
+                                                              });
+        EXPECT_TRUE(PrepareJunctionDirectory(Link()));
+    });
+}
+
 TEST_F(JunctionsTest, FarBeyondTheClassicLimit) {
-    const CString folder =
-        CPathHelper::CombinePath(m_dir.Path().c_str(), CString(L'd', 120)) + L"\\" + CString(L'e', 120);
-    ASSERT_TRUE(CPathHelper::CreateDirectoryTree(folder));
+    const CString folder = MakeDeepFolder(m_dir.Path()).c_str();
     const CString link = folder + L"\\link", prefixed = CPathHelper::AddLongPathPrefix(link);
     ASSERT_TRUE(CreateJunction(link, folder));
     EXPECT_TRUE(IsJunction(link));
@@ -134,12 +135,14 @@ TEST_F(JunctionsTest, FarBeyondTheClassicLimit) {
     EXPECT_TRUE(DeleteJunction(prefixed, false));
     ASSERT_TRUE(CreateJunction(link, Target()));
     EXPECT_EQ(GetJunctionTarget(prefixed), Target());
+    const NotedCall remove(&RemoveDirectoryW, "RemoveDirectoryW", TRUE);
     EXPECT_TRUE(DeleteJunction(link, true));
+    EXPECT_EQ(TakePaths(), Paths{prefixed.GetString()});
 }
 
 TEST_F(JunctionsTest, DamagedLinksAndFailingCallsGiveNothing) {
     if (m_volume.IsReal()) GTEST_SKIP() << "a real volume takes no damaged links";
-    auto bytes = ExpectedBytes(m_target);
+    auto bytes = *Junction::Encode(m_target);
     bytes[10] = bytes[11] = std::byte{0xFF};
     m_volume.SetBytes(m_plain, bytes);
     EXPECT_EQ(GetJunctionTarget(m_plain.c_str()), Target());
@@ -150,7 +153,7 @@ TEST_F(JunctionsTest, DamagedLinksAndFailingCallsGiveNothing) {
     EXPECT_EQ(GetJunctionTarget(m_plain.c_str()), L"");
     EXPECT_EQ(GetLastError(), DWORD{ERROR_MORE_DATA});
 
-    m_volume.SetBytes(m_plain, ExpectedBytes(m_target));
+    m_volume.SetBytes(m_plain, *Junction::Encode(m_target));
     const HANDLE taken = OpenJunction(m_plain.c_str(), false);
     ASSERT_NE(taken, INVALID_HANDLE_VALUE);
     EXPECT_EQ(OpenJunction(m_plain.c_str(), false), INVALID_HANDLE_VALUE);

@@ -8,51 +8,50 @@
 #include <string>
 #include <vector>
 
+#include "files/DeepFolder.h"
+#include "files/NotedCall.h"
 #include "support/ImportPatch.h"
 #include "support/ScopedPreinstallation.h"
 #include "support/ScopedTestDir.h"
 
 namespace {
 
-std::vector<std::wstring> s_seen;  // the paths that reached the system
-
-BOOL See(LPCWSTR path) {
-    s_seen.emplace_back(path);
-    return TRUE;
-}
-BOOL See(LPCWSTR first, LPCWSTR second) {
-    See(first);
-    return See(second);
-}
+struct Opening {
+    DWORD access, share, disposition, flags;
+    bool operator==(const Opening&) const = default;
+};
+Opening s_opening;
 
 // Stands in for every call that the wrappers forward to.
 struct SeenCalls {
-    HMODULE module = GetModuleHandleW(nullptr);
-    ImportPatch<decltype(&::GetFileAttributesW)> attributes{module, "GetFileAttributesW",
-                                                            [](LPCWSTR path) { return DWORD(See(path)); }};
-    ImportPatch<decltype(&::GetFileAttributesExW)> attributesEx{
-        module, "GetFileAttributesExW", [](LPCWSTR path, GET_FILEEX_INFO_LEVELS, void*) { return See(path); }};
-    ImportPatch<decltype(&::SetFileAttributesW)> setAttributes{module, "SetFileAttributesW",
-                                                               [](LPCWSTR path, DWORD) { return See(path); }};
+    NotedCall attributes{&::GetFileAttributesW, "GetFileAttributesW", 1};
+    NotedCall attributesEx{&::GetFileAttributesExW, "GetFileAttributesExW", TRUE};
+    NotedCall setAttributes{&::SetFileAttributesW, "SetFileAttributesW", TRUE};
+    NotedCall copy{&::CopyFileW, "CopyFileW", TRUE};
+    NotedCall remove{&::DeleteFileW, "DeleteFileW", TRUE};
+    NotedCall link{&::CreateHardLinkW, "CreateHardLinkW", TRUE};
+    NotedCall shell{&::SHGetFileInfoW, "SHGetFileInfoW", 1};
     ImportPatch<decltype(&::CreateFileW)> create{
-        module, "CreateFileW", [](LPCWSTR path, DWORD, DWORD, SECURITY_ATTRIBUTES*, DWORD, DWORD, HANDLE) {
-            See(path);
+        GetModuleHandleW(nullptr), "CreateFileW",
+        [](LPCWSTR path, DWORD access, DWORD share, SECURITY_ATTRIBUTES*, DWORD disposition, DWORD flags, HANDLE) {
+            s_notedPaths.emplace_back(path);
+            s_opening = {access, share, disposition, flags};
             return INVALID_HANDLE_VALUE;
         }};
-    ImportPatch<decltype(&::CopyFileW)> copy{module, "CopyFileW",
-                                             [](LPCWSTR from, LPCWSTR to, BOOL) { return See(from, to); }};
-    ImportPatch<decltype(&::MoveFileExW)> move{module, "MoveFileExW",
-                                               [](LPCWSTR from, LPCWSTR to, DWORD) { return See(from, to); }};
-    ImportPatch<decltype(&::DeleteFileW)> remove{module, "DeleteFileW", [](LPCWSTR path) { return See(path); }};
-    ImportPatch<decltype(&::CreateHardLinkW)> link{
-        module, "CreateHardLinkW", [](LPCWSTR to, LPCWSTR from, SECURITY_ATTRIBUTES*) { return See(to, from); }};
+    ImportPatch<decltype(&::MoveFileExW)> move{GetModuleHandleW(nullptr), "MoveFileExW",
+                                               [](LPCWSTR from, LPCWSTR to, DWORD flags) {
+                                                   EXPECT_EQ(flags, 3u);
+                                                   s_notedPaths.insert(s_notedPaths.end(), {from, to});
+                                                   return TRUE;
+                                               }};
     // The search for the installed system's drive asks by the same call.
-    ImportPatch<decltype(&::_waccess)> access{module, "_waccess", [](const wchar_t* path, int mode) {
-                                                  return std::wstring_view(path).ends_with(L"\\config\\SOFTWARE")
-                                                             ? SystemFunction(&_waccess, L"msvcrt.dll", "_waccess")(
-                                                                   path, mode)
-                                                             : int(See(path));
-                                              }};
+    ImportPatch<decltype(&::_waccess)> existence{
+        GetModuleHandleW(nullptr), "_waccess", [](const wchar_t* path, int mode) {
+            if (std::wstring_view(path).ends_with(L"\\config\\SOFTWARE"))
+                return SystemFunction(&_waccess, L"msvcrt.dll", "_waccess")(path, mode);
+            s_notedPaths.emplace_back(path);
+            return 0;
+        }};
 };
 
 struct Wrapper {
@@ -92,9 +91,9 @@ std::wstring LongName(std::wstring path, size_t length) {
 void ExpectSystemPaths(const std::wstring& given, const std::wstring& rewritten, const std::wstring& kept) {
     for (const Wrapper& wrapper : Wrappers()) {
         SCOPED_TRACE(wrapper.name);
-        s_seen.clear();
+        s_notedPaths.clear();
         wrapper.call(given.c_str());
-        EXPECT_EQ(s_seen, std::vector<std::wstring>(wrapper.paths, wrapper.offlineRule ? rewritten : kept));
+        EXPECT_EQ(TakePaths(), Paths(wrapper.paths, wrapper.offlineRule ? rewritten : kept));
     }
 }
 
@@ -104,15 +103,6 @@ void WriteFileOf(const std::wstring& path, DWORD bytes) {
     DWORD written = 0;
     EXPECT_TRUE(WriteFile(file, std::string(bytes, 'b').data(), bytes, &written, nullptr));
     CloseHandle(file);
-}
-
-// Folders of 40 characters below each other until the path is longer than the classic limit.
-std::wstring MakeDeepFolder(std::wstring path) {
-    while (path.size() < 700) {
-        path += L"\\" + std::wstring(40, L'd');
-        CreateDirectoryW((L"\\\\?\\" + path).c_str(), nullptr);
-    }
-    return path;
 }
 
 }  // namespace
@@ -144,6 +134,23 @@ TEST(LongPathFile, DriveCIsTheInstalledSystemsOnAPreinstallationBoot) {
     const std::wstring longer = LongName(L"C:\\", 248);
     ExpectSystemPaths(longer, L"\\\\?\\D" + longer.substr(1), L"\\\\?\\" + longer);
     ExpectSystemPaths(L"\\\\?\\C:\\a", L"\\\\?\\C:\\a", L"\\\\?\\C:\\a");
+    SHFILEINFOW info{};
+    LongPath::GetShellFileInfo(L"C:\\a", 0, info, sizeof(info), 0);
+    EXPECT_EQ(TakePaths(), Paths{L"C:\\a"}) << "the shell is asked about the path as given";
+}
+
+TEST(LongPathFile, OpensWhatItAsksAboutForReading) {
+    const SeenCalls calls;
+    for (const Wrapper& wrapper : Wrappers()) {
+        s_opening = {};
+        wrapper.call(L"Q:\\a");
+        const std::string name = wrapper.name;
+        if (name == "GetFileTime" || name == "SetFileTime" || name == "GetFileSize") {
+            EXPECT_EQ(s_opening, (Opening{GENERIC_READ, FILE_SHARE_WRITE, OPEN_EXISTING, 0x2000000})) << name;
+        } else if (name == "GetFileInformation") {
+            EXPECT_EQ(s_opening, (Opening{GENERIC_READ, FILE_SHARE_READ, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL}));
+        }
+    }
 }
 
 TEST(LongPathFile, WorksFarBeyondTheClassicLimit) {

@@ -10,9 +10,12 @@
 #include <vector>
 
 #include "files/HostilePaths.h"
+#include "files/NotedCall.h"
+#include "support/FileBytes.h"
 #include "support/ImportPatch.h"
 #include "support/ScopedPreinstallation.h"
 #include "support/ScopedRegistryKey.h"
+#include "support/ScopedRegistryPlace.h"
 #include "support/ScopedTestDir.h"
 
 namespace {
@@ -71,26 +74,18 @@ TEST(PathHelper, AgreesWithTheSystemOnDrivesAndShares) {
 
 TEST(PathHelper, ATextCostsOneAllocationAtMost) {
     using Operation = CString (*)(const CString&);
-    const Operation operations[] = {
-        CPathHelper::GetDriveRoot,
-        CPathHelper::GetUncRelativePart,
-        CPathHelper::GetUncRoot,
-        CPathHelper::GetParentPath,
-        CPathHelper::GetFileName,
-        CPathHelper::GetExtension,
-        CPathHelper::GetFileTitle,
-        CPathHelper::AbbreviatePath,
-        CPathHelper::AddLongPathPrefix,
-        CPathHelper::RemoveLongPathPrefix,
-        CPathHelper::MakeLongPath,
-        [](const CString& path) { return CPathHelper::CombinePath(path, L"below\\it"); },
-        [](const CString& path) { return CPathHelper::CombinePath(path, nullptr); },
-        [](const CString& path) { return CPathHelper::ReplaceExtension(path, L".extension"); }};
+    const Operation combine = [](const CString& path) { return CPathHelper::CombinePath(path, L"below\\it"); };
+    const Operation keep = [](const CString& path) { return CPathHelper::CombinePath(path, nullptr); };
+    const Operation replace = [](const CString& path) { return CPathHelper::ReplaceExtension(path, L".extension"); };
     const CountedAllocations counted;
     int most = 0;
     for (const std::wstring& hostile : HostilePaths()) {
         const CString path = hostile.c_str();
-        for (const Operation operation : operations) {
+        for (const Operation operation :
+             {CPathHelper::GetDriveRoot, CPathHelper::GetUncRelativePart, CPathHelper::GetUncRoot,
+              CPathHelper::GetParentPath, CPathHelper::GetFileName, CPathHelper::GetExtension,
+              CPathHelper::GetFileTitle, CPathHelper::AbbreviatePath, CPathHelper::AddLongPathPrefix,
+              CPathHelper::RemoveLongPathPrefix, CPathHelper::MakeLongPath, combine, keep, replace}) {
             s_allocations = 0;
             const CString result = operation(path);
             most = std::max(most, s_allocations);
@@ -120,7 +115,7 @@ TEST(PathHelper, ShortAndLongNames) {
     const LongNames names;
     const ScopedTestDir dir;
     const CString file = dir.Path(L"a rather long name.extension").c_str();
-    CloseHandle(CreateFileW(file, GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
+    PutBytes(file.GetString(), "");
     const CString brief = CPathHelper::GetShortPath(file);
     WCHAR system[260] = {};
     GetShortPathNameW(file, system, 260);
@@ -129,6 +124,15 @@ TEST(PathHelper, ShortAndLongNames) {
     EXPECT_EQ(CPathHelper::GetFileName(CPathHelper::GetLongPath(brief)), L"a rather long name.extension");
     EXPECT_EQ(ErrorOf([&] { CPathHelper::GetShortPath(file + L"x"); }), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(ErrorOf([&] { CPathHelper::GetLongPath(file + L"x"); }), ERROR_FILE_NOT_FOUND);
+}
+
+TEST(PathHelper, ShortNamesOfLongPathsAreAskedForWithThePrefix) {
+    const NotedCall names(&GetShortPathNameW, "GetShortPathNameW", 0, ERROR_ACCESS_DENIED);
+    for (const int length : {247, 248}) {
+        const CString path = L"Q:\\" + CString(L'x', length - 3);
+        EXPECT_EQ(ErrorOf([&] { CPathHelper::GetShortPath(path); }), ERROR_ACCESS_DENIED);
+        EXPECT_EQ(TakePaths(), Paths{(length == 248 ? L"\\\\?\\" + path : path).GetString()});
+    }
 }
 
 TEST(PathHelper, NamesOnAPreinstallationBootComeBackWithDriveC) {
@@ -145,7 +149,7 @@ TEST(PathHelper, NamesOnAPreinstallationBootComeBackWithDriveC) {
 
 TEST(PathHelper, ExistenceExpandsVariablesAndTellsFilesFromDirectories) {
     const ScopedTestDir dir;
-    CloseHandle(CreateFileW(dir.Path(L"file").c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
+    PutBytes(dir.Path(L"file"), "");
     SetEnvironmentVariableW(L"PATH_HELPER_TEST", dir.Path().c_str());
     EXPECT_TRUE(CPathHelper::FileExists(L"%PATH_HELPER_TEST%\\file"));
     EXPECT_FALSE(CPathHelper::DirectoryExists(L"%PATH_HELPER_TEST%\\file"));
@@ -187,8 +191,7 @@ TEST(PathHelper, DrivesOfAnyNumber) {
     EXPECT_TRUE(CPathHelper::EnumerateDrives(drives));
     EXPECT_EQ(drives.GetCount(), 1);
 
-    const ImportPatch<decltype(&::GetLogicalDriveStringsW)> none(GetModuleHandleW(nullptr), "GetLogicalDriveStringsW",
-                                                                 [](DWORD, LPWSTR) -> DWORD { return 0; });
+    const NotedCall none(&GetLogicalDriveStringsW, "GetLogicalDriveStringsW", 0);
     EXPECT_FALSE(CPathHelper::EnumerateDrives(drives));
     EXPECT_FALSE(CPathHelper::IsValidDrive(L"C:\\"));
 }
@@ -206,4 +209,7 @@ TEST(PathHelper, MappedDrivesByTheirNetworkPath) {
     EXPECT_EQ(CPathHelper::MapNetworkPath(L"O:\\a", sid), L"");
     EXPECT_EQ(CPathHelper::MapNetworkPath(L"\\\\s\\t\\a", sid), L"");
     EXPECT_EQ(CPathHelper::MapNetworkPath(L"M:\\a", L""), L"");
+    ScopedRegistryPlace mine(HKEY_CURRENT_USER, L"Network\\M");
+    mine.SetText(L"RemotePath", L"\\\\server\\mine");
+    EXPECT_EQ(CPathHelper::MapNetworkPath(L"M:\\a", L""), L"\\\\server\\mine\\a");
 }

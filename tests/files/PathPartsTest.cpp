@@ -65,32 +65,24 @@ TEST(PathParts, CombiningAndReplacingExtensions) {
 }
 
 TEST(PathParts, APathHoldsAnotherUpToTheEndOfAnElement) {
-    struct Case {
-        std::wstring parent, path;
-        bool holds;
-    };
-    const std::wstring many(40000, L'a');
-    const Case cases[] = {
-        {L"C:\\A", L"C:\\A\\B", true},
-        {L"C:\\A\\", L"C:\\A", true},
-        {L"C:\\A", L"C:\\A\\", true},
-        {L"C:\\A", L"X:\\C:\\A\\B", true},
-        {L"C:\\A", L"C:\\AB", false},
-        {L"C:\\A", L"C:\\AB\\C:\\A", true},
-        {L"C:\\A\\\\", L"C:\\A\\", false},
-        {L"", L"X", true},
-        {L"", L"", true},
-        {L"\\", L"", true},
-        {L"A", L"", false},
-        {L"C:\\A\\B", L"C:\\A", false},
-        {many, many, true},
-        {many + L"b", many, false},
-        {many, many + L"b", false},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(testing::PrintToString(c.parent.substr(0, 20) + L" in " + c.path.substr(0, 20)));
-        EXPECT_EQ(PathText::HoldsPath(c.path, c.parent), c.holds);
+    using Pair = std::pair<std::wstring_view, std::wstring_view>;
+    for (const auto& [parent, path] : {Pair{L"C:\\A", L"C:\\A\\B"},
+                                       {L"C:\\A\\", L"C:\\A"},
+                                       {L"C:\\A", L"C:\\A\\"},
+                                       {L"C:\\A", L"X:\\C:\\A\\B"},
+                                       {L"C:\\A", L"C:\\AB\\C:\\A"},
+                                       {L"", L"X"},
+                                       {L"", L""},
+                                       {L"\\", L""}}) {
+        EXPECT_TRUE(PathText::HoldsPath(path, parent)) << testing::PrintToString(std::wstring(path));
     }
+    for (const auto& [parent, path] :
+         {Pair{L"C:\\A", L"C:\\AB"}, {L"C:\\A\\\\", L"C:\\A\\"}, {L"A", L""}, {L"C:\\A\\B", L"C:\\A"}}) {
+        EXPECT_FALSE(PathText::HoldsPath(path, parent)) << testing::PrintToString(std::wstring(path));
+    }
+    const std::wstring many(40000, L'a');
+    EXPECT_TRUE(PathText::HoldsPath(many, many));
+    EXPECT_FALSE(PathText::HoldsPath(many, many + L"b") || PathText::HoldsPath(many + L"b", many));
     EXPECT_EQ(PathText::BelowBase(L"C:\\a\\\\b", 4), L"b");
     EXPECT_EQ(PathText::BelowBase(L"C:\\a", 5), L"");
     EXPECT_EQ(PathText::BelowBase(L"C:\\a\\", 4), L"");

@@ -1,66 +1,42 @@
 #include "files/PathRoots.h"
 
 #include <gtest/gtest.h>
+#include <vector>
 
 #include "files/LongPathPrefix.h"
 
-using namespace std::string_literals;
-
 namespace {
 
-struct Kinds {
-    std::wstring path;
-    bool root, drive, unc, dotted;
-};
+std::string KindsOf(std::wstring_view path) {
+    std::string kinds;
+    if (PathText::IsRootPath(path)) kinds += " root";
+    if (PathText::IsDrivePath(path)) kinds += " drive";
+    if (PathText::IsUncPath(path)) kinds += " unc";
+    if (PathText::IsDottedServerPath(path)) kinds += " dotted";
+    return kinds;
+}
 
 }  // namespace
 
 TEST(PathRoots, KindsOfPaths) {
-    const Kinds cases[] = {
-        {L"", false, false, false, false},
-        {L"C", false, false, false, false},
-        {L"\\", true, false, false, false},
-        {L"/", false, false, false, false},
-        {L"C:", true, true, false, false},
-        {L"C:\\", true, true, false, false},
-        {L"c:/", false, true, false, false},
-        {L"1:\\", false, false, false, false},
-        {L"\u00c4:\\", false, false, false, false},
-        {L"C:\\a", false, true, false, false},
-        {L"\\\\", false, false, false, false},
-        {L"\\\\\\", false, false, true, false},
-        {L"\\\\a\\b", false, false, true, false},
-        {L"\\\\server", false, false, false, false},
-        {L"\\\\server\\", true, false, true, false},
-        {L"\\\\server\\share", true, false, true, false},
-        {L"\\\\server\\share\\", false, false, true, false},
-        {L"\\\\server\\share\\dir", false, false, true, false},
-        {L"\\\\server.example", false, false, false, true},
-        {L"\\\\server.example\\share", true, false, true, true},
-        {L"\\\\server\\share.d", true, false, true, false},
-        {L"//server/share", false, false, false, false},
-        {L"\\\\?\\", false, false, false, false},
-        {L"\\\\?", false, false, false, false},
-        {L"\\\\?\\C:", true, true, false, false},
-        {L"\\\\?\\C:\\", true, true, false, false},
-        {L"\\\\?\\C:\\a", false, true, false, false},
-        {L"\\\\?\\UNC", true, false, false, false},
-        {L"\\\\?\\UNC\\", false, false, true, false},
-        {L"\\\\?\\unc\\s\\t", false, false, false, false},
-        {L"\\\\?\\\\\\s\\t", false, false, true, false},
-        {L"\\\\.\\COM1", true, false, true, true},
-        {L"CON", false, false, false, false},
-        {L"\\\\" + std::wstring(300, L's') + L"\\share", true, false, false, false},
-        {L"\\\\s\\" + std::wstring(300, L's'), true, false, false, false},
-        {L"\\\\s\\t\\" + std::wstring(40000, L'u'), false, false, true, false},
-        {L"\\\\?\\UNC\\" + std::wstring(300, L's'), false, false, true, false},
+    const std::pair<std::string, std::vector<std::wstring>> cases[] = {
+        {"",
+         {L"", L"C", L"/", L"1:\\", L"\u00c4:\\", L"\\\\", L"\\\\server", L"//server/share", L"\\\\?\\", L"\\\\?",
+          L"\\\\?\\unc\\s\\t", L"CON"}},
+        {" root",
+         {L"\\", L"\\\\?\\UNC", L"\\\\" + std::wstring(300, L's') + L"\\share", L"\\\\s\\" + std::wstring(300, L's')}},
+        {" root drive", {L"C:", L"C:\\", L"\\\\?\\C:", L"\\\\?\\C:\\"}},
+        {" drive", {L"c:/", L"C:\\a", L"\\\\?\\C:\\a"}},
+        {" unc",
+         {L"\\\\\\", L"\\\\a\\b", L"\\\\server\\share\\", L"\\\\server\\share\\dir", L"\\\\?\\UNC\\",
+          L"\\\\?\\\\\\s\\t", L"\\\\s\\t\\" + std::wstring(40000, L'u'), L"\\\\?\\UNC\\" + std::wstring(300, L's')}},
+        {" root unc", {L"\\\\server\\", L"\\\\server\\share", L"\\\\server\\share.d"}},
+        {" dotted", {L"\\\\server.example"}},
+        {" root unc dotted", {L"\\\\server.example\\share", L"\\\\.\\COM1"}},
     };
-    for (const Kinds& c : cases) {
-        SCOPED_TRACE(testing::PrintToString(c.path.substr(0, 60)));
-        EXPECT_EQ(PathText::IsRootPath(c.path), c.root);
-        EXPECT_EQ(PathText::IsDrivePath(c.path), c.drive);
-        EXPECT_EQ(PathText::IsUncPath(c.path), c.unc);
-        EXPECT_EQ(PathText::IsDottedServerPath(c.path), c.dotted);
+    for (const auto& [kinds, paths] : cases) {
+        for (const std::wstring& path : paths)
+            EXPECT_EQ(KindsOf(path), kinds) << testing::PrintToString(path.substr(0, 60));
     }
 }
 

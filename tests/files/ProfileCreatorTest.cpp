@@ -7,12 +7,13 @@
 #include <memory>
 #include <vector>
 
-#include "files/FileAcl.h"
+#include "files/FileSecurity.h"
 #include "files/Junctions.h"
+#include "files/NotedCall.h"
 #include "files/PathHelper.h"
+#include "support/FakeVersion.h"
 #include "support/FileBytes.h"
 #include "support/FreshProcess.h"
-#include "support/ImportPatch.h"
 #include "support/LogCapture.h"
 #include "support/Narrow.h"
 #include "support/ReparseVolume.h"
@@ -42,7 +43,6 @@ protected:
         PutBytes(InSource(name), bytes);
         SetFileAttributesW(InSource(name).c_str(), attributes);
     }
-    bool UserHasAccess(const std::wstring& path) { return CFileAcl(path.c_str()).HasAceForSid(m_user.GetSid()); }
     std::string Error() const { return Narrow(m_error.GetString()); }
 
     const ScopedTestDir m_dir;
@@ -89,8 +89,8 @@ TEST_F(ProfileCopy, ATreeOfTwoThousandFiles) {
     EXPECT_EQ(GetFileAttributesW(InTarget(L"7\\hidden").c_str()) & FILE_ATTRIBUTE_HIDDEN, 2U);
     EXPECT_EQ(GetFileAttributesW(InTarget(L"8").c_str()) & FILE_ATTRIBUTE_HIDDEN, 2U);
     EXPECT_EQ(BytesOf(L"\\\\?\\" + InTarget(deep + L"\\deep")), "deep");
-    EXPECT_TRUE(UserHasAccess(InTarget(L"7")) && UserHasAccess(InTarget(L"7\\hidden")));
-    EXPECT_TRUE(UserHasAccess(InTarget(L"3\\0"))) << "a file that was there";
+    EXPECT_TRUE(MayEveryoneWrite(InTarget(L"7")) && MayEveryoneWrite(InTarget(L"7\\hidden")));
+    EXPECT_TRUE(MayEveryoneWrite(InTarget(L"3\\0"))) << "a file that was there";
     EXPECT_TRUE(m_log.Contains(LogLevel::Informational, L"Skipping the file '" + InSource(L"3\\0")));
     // Files, folders, the root, the long path's two folders.
     EXPECT_EQ(m_creator.sources.size(), kFolders * kFiles + 3U + kFolders + 1U + 2U);
@@ -126,14 +126,7 @@ TEST_F(ProfileCopy, JunctionsStayJunctionsAndAreNeverEntered) {
 TEST_F(ProfileCopy, SystemJunctionsStaySoAboveWindowsVistaOnly) {
     for (const DWORD minor : {0U, 1U}) {
         EXPECT_IN_FRESH_PROCESS([&] {
-            static DWORD s_minor;
-            s_minor = minor;
-            const ImportPatch<decltype(&GetVersionExW)> version(GetModuleHandleW(nullptr), "GetVersionExW",
-                                                                [](LPOSVERSIONINFOW info) {
-                                                                    info->dwMajorVersion = 6;
-                                                                    info->dwMinorVersion = s_minor;
-                                                                    return TRUE;
-                                                                });
+            const FakeVersion version(6, minor);
             const ReparseVolume volume;
             ASSERT_TRUE(CreateJunction(InSource(L"link").c_str(), m_dir.Path().c_str()));
             MarkJunctionSystem(InSource(L"link").c_str());
@@ -145,52 +138,35 @@ TEST_F(ProfileCopy, SystemJunctionsStaySoAboveWindowsVistaOnly) {
     }
 }
 
-// The words come behind those of an earlier problem.
-TEST_F(ProfileCopy, ATargetThatCannotBeWrittenKeepsWhatWasDone) {
-    MakeFile(L"1", "1");
-    CreateDirectoryW(InSource(L"2").c_str(), nullptr);
-    MakeFile(L"2\\full", "x");
-    MakeFile(L"2\\never", "x");
-    const ImportPatch<decltype(&CopyFileW)> patch(
-        GetModuleHandleW(nullptr), "CopyFileW", [](LPCWSTR source, LPCWSTR target, BOOL failIfExists) {
-            if (std::wstring_view(source).find(L"\\2\\") == std::wstring_view::npos) {
-                return SystemFunction(&CopyFileW, L"kernel32.dll", "CopyFileW")(source, target, failIfExists);
-            }
-            SetLastError(ERROR_DISK_FULL);
-            return FALSE;
-        });
-    m_error = L"Earlier. ";
-    EXPECT_FALSE(Copy());
-    EXPECT_EQ(Error(), "Earlier. Undefined string resource requested: 271");
-    EXPECT_TRUE(m_log.Contains(LogLevel::Error, L"The file '" + InSource(L"2\\full") + L"' could not be copied to '" +
-                                                    InTarget(L"2\\full") + L"'. Possible error code: 0x70"));
-    EXPECT_TRUE(CPathHelper::DirectoryExists(InTarget(L"2").c_str()));
-    EXPECT_TRUE(UserHasAccess(InTarget(L"2")));
-    EXPECT_EQ(m_creator.sources.back(), InSource(L"2\\full")) << "the rest is not tried";
-}
-
-TEST_F(ProfileCopy, TheFirstFailureEndsItAndSaysWhy) {
+TEST_F(ProfileCopy, TheFirstFailureEndsItSaysWhyAndKeepsWhatWasDone) {
     CreateDirectoryW(InSource(L"sub").c_str(), nullptr);
-    MakeFile(L"sub\\locked", "x");
-    MakeFile(L"a", "a");
+    CreateDirectoryW(InSource(L"sub\\below").c_str(), nullptr);
+    for (const LPCWSTR name : {L"a", L"sub\\below\\locked", L"sub\\below\\other"}) MakeFile(name, "x");
+    const std::wstring locked = InSource(L"sub\\below\\locked");
+    m_error = L"Earlier. ";
     {
-        const CFile locker(InSource(L"sub\\locked").c_str(), CFile::modeReadWrite | CFile::shareExclusive);
+        const CFile locker(locked.c_str(), CFile::modeReadWrite | CFile::shareExclusive);
         EXPECT_FALSE(Copy());
     }
-    EXPECT_EQ(Error(), "Undefined string resource requested: 271");
-    EXPECT_TRUE(m_log.Contains(LogLevel::Error, L"The file '" + InSource(L"sub\\locked") + L"' could not be copied"));
-    EXPECT_TRUE(m_log.Contains(LogLevel::Error, L"The directory '" + InSource(L"sub") + L"' could not be copied to '" +
-                                                    InTarget(L"sub") + L"'. Possible error code is 0x20"));
-    EXPECT_TRUE(CPathHelper::DirectoryExists(InTarget(L"sub").c_str())) << "what is laid down stays";
-    EXPECT_EQ(BytesOf(InTarget(L"sub\\locked")), "");
+    EXPECT_EQ(Error(), "Earlier. Undefined string resource requested: 271");
+    EXPECT_TRUE(m_log.Contains(LogLevel::Error, L"The file '" + locked + L"' could not be copied to '" +
+                                                    InTarget(L"sub\\below\\locked") + L"'. Possible error code: 0x20"));
+    for (const LPCWSTR name : {L"sub\\below", L"sub"}) {
+        EXPECT_TRUE(m_log.Contains(LogLevel::Error, L"The directory '" + InSource(name) +
+                                                        L"' could not be copied to '" + InTarget(name) +
+                                                        L"'. Possible error code is 0x20"));
+        EXPECT_TRUE(MayEveryoneWrite(InTarget(name))) << "what is laid down stays";
+    }
+    EXPECT_EQ(BytesOf(InTarget(L"sub\\below\\locked")), "");
+    EXPECT_EQ(m_creator.sources.back(), locked) << "the rest is not tried";
 
     // A file stands where a directory should.
-    RemoveDirectoryW(InTarget(L"sub").c_str());
-    PutBytes(InTarget(L"sub"), "in the way");
+    RemoveDirectoryW(InTarget(L"sub\\below").c_str());
+    PutBytes(InTarget(L"sub\\below"), "in the way");
     m_error.Empty();
     EXPECT_FALSE(Copy());
     EXPECT_EQ(Error(), "Undefined string resource requested: 271");
-    EXPECT_EQ(BytesOf(InTarget(L"sub")), "in the way");
+    EXPECT_EQ(BytesOf(InTarget(L"sub\\below")), "in the way");
 }
 
 TEST_F(ProfileCopy, WordsForDirectoriesThatAreNotThere) {
@@ -206,16 +182,33 @@ TEST_F(ProfileCopy, WordsForDirectoriesThatAreNotThere) {
     m_source = m_dir.Path(L"none").c_str();
     EXPECT_FALSE(Copy());
     EXPECT_EQ(Error(), "The source directory (" + Narrow(m_source.GetString()) + ") does not exist.");
-    EXPECT_TRUE(CPathHelper::DirectoryExists(m_target)) << "the target stays";
+    EXPECT_TRUE(MayEveryoneWrite(m_target.GetString())) << "the target stays";
+}
+
+TEST_F(ProfileCopy, ADirectoryIsMadeLikeItsParentWithThePrefixOnlyAfterAFailure) {
+    const NotedCall create(&CreateDirectoryExW, "CreateDirectoryExW", FALSE);
+    const std::wstring name(248, L't'), parent = m_dir.Path(), target = m_dir.Path(name), prefix = L"\\\\?\\";
+    m_target = target.c_str();
+    EXPECT_FALSE(Copy());
+    EXPECT_EQ(TakePaths(), (Paths{parent, target, parent, prefix + target}));
+    m_target = (prefix + target).c_str();
+    EXPECT_FALSE(Copy());
+    EXPECT_EQ(TakePaths(), (Paths{prefix + parent, prefix + target}));
+}
+
+TEST_F(ProfileCopy, TracesEveryStepOfTheAccess) {
+    ASSERT_TRUE(Copy());
+    const auto traces = m_log.Messages(LogLevel::Trace);
+    const std::vector<std::wstring> steps = {
+        L"Adding a full access ACE to '" + m_dir.Path(L"New") + L"' for the SID 'S-1-1-0'",
+        L"Enter CFileAcl::AddFullAccessEntryToAcl", L"Leave CFileAcl::AddFullAccessEntryToAcl",
+        L"Committing the ACL changes"};
+    EXPECT_FALSE(std::ranges::search(traces, steps).empty()) << testing::PrintToString(traces);
 }
 
 TEST_F(ProfileCopy, AttributesThatCannotBeSetLeaveWordsBesideSuccess) {
     MakeFile(L"a", "a");
-    const ImportPatch<decltype(&SetFileAttributesW)> patch(GetModuleHandleW(nullptr), "SetFileAttributesW",
-                                                           [](LPCWSTR, DWORD) {
-                                                               SetLastError(ERROR_ACCESS_DENIED);
-                                                               return FALSE;
-                                                           });
+    const NotedCall set(&SetFileAttributesW, "SetFileAttributesW", FALSE, ERROR_ACCESS_DENIED);
     EXPECT_TRUE(Copy());
     EXPECT_EQ(Error(), "Unable to set attributes on the new folder '" + Narrow(m_target.GetString()) + "' due to 5");
     EXPECT_EQ(BytesOf(InTarget(L"a")), "a");

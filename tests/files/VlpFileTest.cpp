@@ -3,6 +3,7 @@
 #include <atlbase.h>
 #include <gtest/gtest.h>
 
+#include "files/DeepFolder.h"
 #include "support/FileBytes.h"
 #include "support/ImportPatch.h"
 #include "support/LogCapture.h"
@@ -25,10 +26,12 @@ void PrintTo(const Opening& opening, std::ostream* out) {
 }
 
 Opening s_opening;
+std::wstring s_openedPath;
 HANDLE s_transaction = nullptr;
 
-HANDLE WINAPI NoteOpening(LPCWSTR, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security, DWORD disposition,
+HANDLE WINAPI NoteOpening(LPCWSTR path, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security, DWORD disposition,
                           DWORD attributes, HANDLE) {
+    s_openedPath = path;
     s_opening = {access, share, disposition, attributes, security->bInheritHandle != FALSE};
     SetLastError(ERROR_SHARING_VIOLATION);
     return security->nLength == 24 ? INVALID_HANDLE_VALUE : nullptr;
@@ -78,13 +81,15 @@ TEST(VlpFile, EveryFlagReachesTheSystem) {
         {0x80000, {GENERIC_READ, 0, OPEN_EXISTING, 0x80 | FILE_FLAG_SEQUENTIAL_SCAN}},
         {0xFB0C2, {GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_ALWAYS, 0xB8000080, false}},
     };
+    const std::wstring path = L"C:\\" + std::wstring(245, L'x');
     for (const auto& row : rows) {
         CFileException problem;
-        EXPECT_FALSE(CVlpFile().Open(L"C:\\x", row.flags, &problem));
+        EXPECT_FALSE(CVlpFile().Open(path.c_str(), row.flags, &problem));
+        EXPECT_EQ(s_openedPath, L"\\\\?\\" + path);
         EXPECT_EQ(s_opening, row.opening) << std::hex << row.flags;
         EXPECT_EQ(problem.m_cause, CFileException::sharingViolation);
         EXPECT_EQ(problem.m_lOsError, ERROR_SHARING_VIOLATION);
-        EXPECT_EQ(problem.m_strFileName, L"C:\\x");
+        EXPECT_EQ(problem.m_strFileName, path.c_str());
     }
 }
 
@@ -110,12 +115,7 @@ TEST(VlpFile, ATransactionObjectDecidesHowToOpen) {
 
 TEST(VlpFile, ReadsAndWritesUnderALongPath) {
     const ScopedTestDir dir;
-    const std::wstring folder = dir.Path(std::wstring(120, L'a'));
-    const std::wstring deep = folder + L"\\" + std::wstring(120, L'b');
-    const std::wstring path = deep + L"\\file.bin";
-    ASSERT_GT(path.size(), 260U);
-    CreateDirectoryW(folder.c_str(), nullptr);
-    CreateDirectoryW((L"\\\\?\\" + deep).c_str(), nullptr);
+    const std::wstring path = MakeDeepFolder(dir.Path()) + L"\\file.bin";
     CVlpFile file;
     ASSERT_TRUE(file.Open(path.c_str(), CFile::modeCreate | CFile::modeReadWrite));
     file.Write("hello", 5);

@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 #include <string>
 
+#include "support/FakeVersion.h"
 #include "support/FreshProcess.h"
-#include "support/ImportPatch.h"
 
 namespace {
 
@@ -30,16 +30,9 @@ BOOL WINAPI TellIconFont(UINT action, UINT bytes, PVOID font, UINT) {
 }  // namespace
 
 TEST(Fonts, TheInterfacesFaceFollowsTheVersion) {
-    static DWORD s_minor;
     for (const DWORD minor : {0u, 1u}) {
         EXPECT_IN_FRESH_PROCESS([minor] {
-            s_minor = minor;
-            const ImportPatch<decltype(&GetVersionExW)> patch(GetModuleHandleW(nullptr), "GetVersionExW",
-                                                              [](LPOSVERSIONINFOW info) {
-                                                                  info->dwMajorVersion = 6;
-                                                                  info->dwMinorVersion = s_minor;
-                                                                  return TRUE;
-                                                              });
+            const FakeVersion version(6, minor);
             CFont font;
             EXPECT_TRUE(CreateUiFont(font, true, minor == 1, -17));
             const LOGFONTW made = Description(font);

@@ -38,6 +38,8 @@ TEST(MeasureText, IsTheExtentAndAtLeastTheMinimum) {
     EXPECT_EQ(MeasureText(&device.dc, &text, CSize(0, 500)), CSize(extent.cx, 500));
     EXPECT_EQ(MeasureText(&device.dc, &text, CSize(-5, -5)), extent);
     EXPECT_EQ(MeasureText(&device.dc, &empty, CSize(3, 0)).cx, 3);
+    EXPECT_EQ(MeasureText(nullptr, &text, CSize(9, 9)), CSize(0, 0));
+    EXPECT_EQ(MeasureText(&device.dc, nullptr, CSize(9, 9)), CSize(0, 0));
 }
 
 }  // namespace

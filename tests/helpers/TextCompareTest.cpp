@@ -56,6 +56,18 @@ TEST_F(TextCompare, AnswersTheSystemsResultForTheAskedLocale) {
     EXPECT_EQ(CompareInvariantNoCase(static_cast<LPCWSTR>(nullptr), L"x"), 0);
 }
 
+TEST_F(TextCompare, StartsAndEnds) {
+    EXPECT_TRUE(StartsWith(L"Software", L"Soft", false));
+    EXPECT_FALSE(StartsWith(L"Software", L"soft", false));
+    EXPECT_EQ(s_question.locale, 0u) << "with case, no language is asked";
+    EXPECT_TRUE(StartsWith(L"Software", L"sOFT", true));
+    ExpectAsked(GetUserDefaultLCID(), 1, 4, 4);
+    EXPECT_FALSE(StartsWith(L"Soft", L"Software", true));
+    EXPECT_TRUE(EndsWithCrLf(L"line\r\n"));
+    ExpectAsked(GetUserDefaultLCID(), 1, 2, 2);
+    for (const LPCWSTR text : {L"", L"\n", L"line\n\r", L"\r\nline"}) EXPECT_FALSE(EndsWithCrLf(text));
+}
+
 TEST_F(TextCompare, FindsFromTheStartOn) {
     struct Case {
         LPCWSTR text;
