@@ -39,20 +39,13 @@ protected:
 
     // Opens the cell edit over a part of the list and gives its window.
     HWND OpenEdit(Dialog& d, int row, int column, const CString& text, const CString& validChars = L"") {
-        const bool opened = Show(d, row, column, text, validChars);
-        EXPECT_TRUE(opened);
+        d.OnGuiThread([&] {
+            EXPECT_TRUE(CInPlaceEdit::GetInstance()->ShowEditCtrl(ES_AUTOVSCROLL | ES_AUTOHSCROLL | ES_NOHIDESEL,
+                                                                  CRect(5, 25, 205, 45), &m_dialog->list, 0, row,
+                                                                  column, validChars, text));
+        });
         Events();
         return Dialog::FindBelow(d.Control(IDC_CELLS), L"Edit");
-    }
-
-    bool Show(Dialog& d, int row, int column, const CString& text, const CString& validChars = L"") {
-        BOOL opened = FALSE;
-        d.OnGuiThread([&] {
-            opened = CInPlaceEdit::GetInstance()->ShowEditCtrl(ES_AUTOVSCROLL | ES_AUTOHSCROLL | ES_NOHIDESEL,
-                                                               CRect(5, 25, 205, 45), &m_dialog->list, 0, row, column,
-                                                               validChars, text);
-        });
-        return opened != FALSE;
     }
 
     // Puts a text in place of the edit's and its caret at the end, without a key.
