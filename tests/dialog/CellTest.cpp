@@ -163,13 +163,16 @@ TEST_F(Cells, DeletingMovesTheSelectionToTheNextRowOrTheLast) {
 }
 
 TEST_F(Cells, DeleteWithNothingSelectedSelectsTheLastRowAndIsAChange) {
-    control.AddKeyRule(L"HKCU\\a", 1, 0);
-    control.AddKeyRule(L"HKCU\\b", 1, 1);
+    constexpr short rows = 40;  // more than are in view
+    for (short row = 0; row < rows; ++row) control.AddKeyRule((L"HKCU\\" + std::to_wstring(row)).c_str(), 1, row);
     EXPECT_EQ(Show([&](Dialog& d) {
-                  d.OnGuiThread([&] { SetFocus(d.Control(IDC_RULE_LIST)); });
+                  const HWND list = d.Control(IDC_RULE_LIST);
+                  d.OnGuiThread([&] { SetFocus(list); });
+                  EXPECT_FALSE(ListView_IsItemVisible(list, rows - 1));
                   d.Key(VK_DELETE);
-                  EXPECT_EQ(Rows(d).size(), 2u);
-                  EXPECT_EQ(d.List(IDC_RULE_LIST).SelectedRow(), 1);
+                  EXPECT_EQ(Rows(d).size(), std::size_t{rows});
+                  EXPECT_EQ(d.List(IDC_RULE_LIST).SelectedRow(), rows - 1);
+                  EXPECT_TRUE(ListView_IsItemVisible(list, rows - 1));
                   d.Click(IDOK);
               }),
               1);

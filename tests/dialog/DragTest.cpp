@@ -82,6 +82,7 @@ TEST_F(DragRules, AKeyGoesBeforeTheRowItIsDroppedOnOrBehindTheLast) {
                   EXPECT_EQ(list.SelectedRow(), 2);
                   EXPECT_EQ(list.RowWithState(LVIS_FOCUSED), 2);
                   EXPECT_TRUE(DeleteIsLive(d));
+                  EXPECT_TRUE(DeleteHasTabStop(d));
                   Drop(d, {L"Vendor", L"App"}, list.Centre(1, 1));
                   EXPECT_EQ(Rows(d), (Texts{L"Branch|HKCU\\a|", L"Branch|" + base + L"\\Vendor\\App|",
                                             L"Branch|HKCU\\b|", L"Branch|" + base + L"\\Vendor|"}));
@@ -158,11 +159,14 @@ TEST_F(DragRules, AHiveIsRefusedAndADropOutsideTheListIsVoid) {
         Drop(d, {L"Vendor"}, Dialog::Centre(ListView_GetHeader(d.Control(IDC_RULE_LIST))));
         EXPECT_EQ(d.Text(IDC_NEW_KEY), watermark);
         TreeSteps tree = d.Tree(IDC_REGISTRY_TREE);
-        d.Drag(tree.Centre(tree.Item({L"HKEY_USERS"})), d.List(IDC_RULE_LIST).Centre(0, 1));
+        ListSteps list = d.List(IDC_RULE_LIST);
+        d.OnGuiThread([&] { ListView_SetItemState(list.Window(), 0, LVIS_SELECTED, LVIS_SELECTED); });
+        EXPECT_FALSE(DeleteHasTabStop(d)) << "the selection alone leaves it off";
+        d.Drag(tree.Centre(tree.Item({L"HKEY_USERS"})), list.Centre(0, 1));
         EXPECT_EQ(d.AnswerBox(IDOK), bareHive);
         EXPECT_EQ(Rows(d), Texts{L"Branch|HKCU\\a|"});
         EXPECT_EQ(Highlighted(d), -1);
-        EXPECT_FALSE(DeleteIsLive(d));
+        EXPECT_TRUE(DeleteHasTabStop(d)) << "a refused drop looks at the selection";
         d.Click(IDCANCEL);
     });
     EXPECT_EQ(driver.BoxTexts().size(), 1u) << "no change, no question";
@@ -193,21 +197,27 @@ TEST_F(DragRules, ALostCaptureLeavesTheNextDragWhole) {
     });
 }
 
-TEST_F(DragRules, EscapeEndsTheDialogAndTheDragWithIt) {
-    Show([&](Dialog& d) {
-        DragTo(d, {L"Vendor"}, d.List(IDC_RULE_LIST).BehindRows());
-        d.Key(VK_ESCAPE);
-        d.WaitUntilClosed();
-    });
-    EXPECT_EQ(ImageList_GetDragImage(nullptr, nullptr), nullptr);
-    EXPECT_EQ(GetCapture(), nullptr);
-    input::LeftUp();
-    Show([&](Dialog& d) {
-        // The next run begins at rest: the gap answers, and a drag works.
-        d.Move(Background(d));
-        EXPECT_FALSE(ImageFloats(d));
-        Drop(d, {L"Vendor"}, d.List(IDC_RULE_LIST).BehindRows());
-        EXPECT_EQ(Rows(d).size(), 1u);
-        Discard(d);
-    });
+TEST_F(DragRules, TheEndOfTheDialogIsTheEndOfTheDrag) {
+    for (const bool byOk : {false, true}) {
+        Show([&](Dialog& d) {
+            DragTo(d, {L"Vendor"}, d.List(IDC_RULE_LIST).BehindRows());
+            if (byOk)
+                d.Alt(L'O');
+            else
+                d.Key(VK_ESCAPE);
+            d.WaitUntilClosed();
+        });
+        EXPECT_EQ(ImageList_GetDragImage(nullptr, nullptr), nullptr);
+        EXPECT_EQ(GetCapture(), nullptr);
+        input::LeftUp();
+        Show([&](Dialog& d) {
+            // The next run begins at rest: the gap answers, and a drag works.
+            d.Move(Gap(d));
+            EXPECT_TRUE(CursorIs(d, IDC_SIZEWE));
+            EXPECT_FALSE(ImageFloats(d));
+            Drop(d, {L"Vendor"}, d.List(IDC_RULE_LIST).BehindRows());
+            EXPECT_EQ(Rows(d).size(), 1u);
+            Discard(d);
+        });
+    }
 }

@@ -54,6 +54,12 @@ TEST_F(Life, EveryWayOutAsksAboutAChangedListAloneAndNoKeepsTheRows) {
         << "OK counts after a cancel that was taken back";
     EXPECT_EQ(HostRules(), Texts{L"Branch|HKEY_CURRENT_USER\\B|0"});
     EXPECT_EQ(ShowAndPress(IDOK), 0) << "the next run begins clean";
+    EXPECT_EQ(Show([](Dialog& d) {
+                  DeleteFirstRow(d);
+                  Discard(d);
+              }),
+              0)
+        << "a cancel counts after an OK";
 }
 
 TEST_F(Life, OkWithARefusedKeyInTheStripKeepsDialogAndRules) {
@@ -123,12 +129,5 @@ TEST_F(Life, ACellHeldAtOkDoesNotHoldTheNextRun) {
               }),
               0);
     EXPECT_EQ(HostRules(), (Texts{L"Branch|HKEY_CURRENT_USER\\A|0", L"Branch|HKEY_CURRENT_USER\\B|1"}));
-    Show([&](Dialog& d) {
-        OpenCellEdit(d, 0, 1);
-        d.Type(L"HKCU\\c");
-        d.Key(VK_RETURN);
-        EXPECT_EQ(Rows(d)[0], L"Branch|HKCU\\c|");
-        ClickCloseBox(d);
-        d.AnswerBox(IDYES);
-    });
+    EXPECT_EQ(Show(ClickCloseBox), 0);
 }

@@ -69,6 +69,7 @@ TEST_F(Splitter, TheStripStandsUnderHeadsThatFitTheFont) {
         const RECT combo = Place(d, IDC_NEW_TYPE);
         const LONG spacing = combo.top - frame.bottom;
         EXPECT_GT(spacing, 0);
+        EXPECT_EQ(frame.bottom - frame.top, (spacing + fontHeight) * 2) << "higher than in the template";
         EXPECT_EQ(Place(d, IDC_NEW_KEY).top, combo.top);
         EXPECT_EQ(Place(d, IDC_NEW_VALUE).top, combo.top);
         const RECT list = Place(d, IDC_RULE_LIST);
@@ -164,4 +165,13 @@ TEST_F(Splitter, EscapeInTheMiddleFreesTheMouseBeforeTheQuestion) {
         EXPECT_EQ(AllPlaces(d), before) << "the drag is over";
         Discard(d);
     });
+    Show([&](Dialog& d) {
+        d.Move(Gap(d));
+        d.Press();
+        d.Alt(L'O');
+        d.WaitUntilClosed();
+    });
+    EXPECT_FALSE(IsClipped()) << "OK ends it too";
+    EXPECT_EQ(GetCapture(), nullptr);
+    input::LeftUp();
 }

@@ -56,6 +56,7 @@ TEST_F(Strip, WithoutAKeyReturnMakesNoRule) {
         d.Key(VK_TAB);
         d.Key(VK_RETURN);
         EXPECT_EQ(Rows(d), Texts{L"Value|HKCU\\k|name"}) << "Return in the value box commits too";
+        EXPECT_TRUE(DeleteHasTabStop(d)) << "the new row is selected";
         EXPECT_EQ(d.FocusId(), IDC_NEW_KEY);
         Discard(d);
     });

@@ -44,8 +44,16 @@ protected:
                                                                   CRect(5, 25, 205, 45), &m_dialog->list, 0, row,
                                                                   column, validChars, text));
         });
+        return Opened(d, L"Edit");
+    }
+
+    // The editor of that class in the list, in the list's font. The record starts anew.
+    HWND Opened(Dialog& d, const wchar_t* className) {
         Events();
-        return Dialog::FindBelow(d.Control(IDC_CELLS), L"Edit");
+        const HWND list = d.Control(IDC_CELLS);
+        const HWND editor = Dialog::FindBelow(list, className);
+        EXPECT_EQ(SendMessageW(editor, WM_GETFONT, 0, 0), SendMessageW(list, WM_GETFONT, 0, 0));
+        return editor;
     }
 
     // Puts a text in place of the edit's and its caret at the end, without a key.

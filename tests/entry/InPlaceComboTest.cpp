@@ -14,8 +14,7 @@ protected:
                 CRect(5, 25, 105, 145), &m_dialog->list, 0, row, 0, kinds, text, selection));
             if (selection == -1) combo->SelectString(-1, text);
         });
-        Events();
-        const HWND combo = Dialog::FindBelow(d.Control(IDC_CELLS), L"ComboBox");
+        const HWND combo = Opened(d, L"ComboBox");
         EXPECT_EQ(d.Focus(), combo);
         d.Move(Dialog::Centre(d.Control(IDOK)));  // away from the list that drops down
         return combo;
