@@ -60,8 +60,9 @@ void EditRules(const std::wstring& path) {
     const std::vector<HostRule> after = ReadRules(editor);
     if (changed && !path.empty()) ReplaceFileText(path, FormatRules(after));
     Print(STD_OUTPUT_HANDLE, "Rules after:\n" + RulesTable(after));
-    const char* const outcome = !changed ? "Nothing to save.\n" : path.empty() ? "Not saved: no file.\n" : nullptr;
-    Print(STD_OUTPUT_HANDLE, outcome != nullptr ? outcome : "Saved to " + name + ".\n");
+    Print(STD_OUTPUT_HANDLE, !changed       ? "Nothing to save.\n"
+                             : path.empty() ? "Not saved: no file.\n"
+                                            : "Saved to " + name + ".\n");
 }
 
 std::string ExceptionText(CException* problem) {

@@ -1,7 +1,5 @@
 // The dialog's run-time geometry: the strip fitted to the font, the gap between tree and list that the user drags, and
 // the mouse, which serves the drag of a rule while there is one and the gap otherwise.
-#include <algorithm>
-
 #include "dialog/DialogGeometry.h"
 #include "dialog/RegistryRulesDlg.h"
 #include "helpers/CursorHelper.h"

@@ -56,7 +56,7 @@ void CColorEdit::ClearIfWatermark() {
 
 void CColorEdit::PreSubclassWindow() {
     CValidateKeyEdit::PreSubclassWindow();
-    LimitText(0);
+    LimitText(0);  // a key may be longer than the 32,767 characters that an edit takes by itself
 }
 
 HBRUSH CColorEdit::CtlColor(CDC* pDC, UINT) {

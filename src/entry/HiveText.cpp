@@ -1,17 +1,10 @@
 #include "entry/HiveText.h"
 
+#include "entry/TextView.h"
 #include "helpers/ResourceString.h"
 #include "resources/resource.h"
 
 namespace {
-
-std::wstring_view View(const CString& text) {
-    return {text.GetString(), static_cast<std::size_t>(text.GetLength())};
-}
-
-CString Text(const std::wstring& text) {
-    return {text.data(), static_cast<int>(text.size())};
-}
 
 Hive LoadHive(std::uint32_t rootKey, UINT fullNameId, UINT abbreviationId) {
     return {rootKey, LoadResourceString(fullNameId).GetString(), LoadResourceString(abbreviationId).GetString()};
@@ -37,19 +30,19 @@ KeyCheck CheckKeyPath(const CString& text, const CString& watermark) {
 }
 
 CString AbbreviateHive(const CString& path) {
-    return Text(AbbreviateHive(View(path), Hives()));
+    return ToCString(AbbreviateHive(View(path), Hives()));
 }
 
 CString NormaliseAbbreviation(const CString& path) {
-    return Text(NormaliseAbbreviation(View(path), Hives()));
+    return ToCString(NormaliseAbbreviation(View(path), Hives()));
 }
 
 void ExpandHive(CString& path) {
-    path = Text(ExpandHive(View(path), Hives()));
+    path = ToCString(ExpandHive(View(path), Hives()));
 }
 
 CString MakeHivePath(HKEY rootKey, const CString& subkey) {
     // A predefined handle is its 32-bit value, sign-extended.
     const auto root = static_cast<std::uint32_t>(reinterpret_cast<ULONG_PTR>(rootKey));
-    return Text(MakeHivePath(root, View(subkey), Hives()));
+    return ToCString(MakeHivePath(root, View(subkey), Hives()));
 }

@@ -4,6 +4,7 @@
 #include "entry/EndLabelEdit.h"
 #include "entry/EntryMessage.h"
 #include "entry/PrivateMessages.h"
+#include "entry/TextView.h"
 #include "helpers/ResourceString.h"
 #include "resources/resource.h"
 
@@ -80,7 +81,7 @@ void CInPlaceEdit::PostNcDestroy() {
 
 int CInPlaceEdit::OnCreate(LPCREATESTRUCT lpCreateStruct) {
     if (CColorEdit::OnCreate(lpCreateStruct) == -1) return -1;
-    LimitText(0);
+    LimitText(0);  // once more: the base class asked before there was an edit
     SendMessage(WM_SETFONT, static_cast<WPARAM>(GetParent()->SendMessage(WM_GETFONT)), TRUE);
     ShowWindow(SW_SHOW);
     SetWindowText(m_strInitText);
@@ -95,8 +96,7 @@ void CInPlaceEdit::OnKillFocus(CWnd* pNewWnd) {
 }
 
 void CInPlaceEdit::OnChar(UINT nChar, UINT nRepCnt, UINT nFlags) {
-    const std::wstring_view validChars(m_strValidChars, static_cast<std::size_t>(m_strValidChars.GetLength()));
-    if (!MayTypeCharacter(static_cast<wchar_t>(nChar), validChars)) {
+    if (!MayTypeCharacter(static_cast<wchar_t>(nChar), View(m_strValidChars))) {
         // The text to fill in is the format itself, so the box shows it twice over; it has always read like that.
         CString message;
         message.Format(LoadResourceString(IDS_NOT_ALLOWED), m_strNotAllowed.GetString());

@@ -8,10 +8,10 @@
 
 enum class KeyVerdict {
     KeyBlank,              // empty or the watermark: not a key, nothing to object to
-    KeyAccepted,           //
+    KeyAccepted,           // a rule may be made of it
     KeyUnknownHive,        // the part before the first backslash names no hive
     KeyBareHive,           // a hive without a subkey
-    KeyTrailingBackslash,  //
+    KeyTrailingBackslash,  // one or more at the end
     KeyMultipleBackslash,  // two backslashes in a row
 };
 

@@ -9,7 +9,7 @@ END_MESSAGE_MAP()
 
 void CValueEdit::PreSubclassWindow() {
     CEdit::PreSubclassWindow();
-    LimitText(0);
+    LimitText(0);  // as in CColorEdit
 }
 
 UINT CValueEdit::OnGetDlgCode() {

@@ -1,4 +1,7 @@
 // Working the rows: cells edited in place, rows deleted, and when the Delete Rule button is live.
+#include <windows.h>
+#include <commctrl.h>
+
 #include <gtest/gtest.h>
 
 #include "dialog/RulesDialog.h"
@@ -6,14 +9,7 @@
 namespace {
 class Cells : public RulesDialog {
 protected:
-    static void Leave(Dialog& d) {
-        d.Click(IDCANCEL);
-        d.AnswerBox(IDYES);
-    }
     static void PickKind(Dialog& d, int row, int index) { d.PickFromPopup(OpenPopup(d, row), index); }
-    static bool DeleteHasTabStop(Dialog& d) {
-        return (GetWindowLongW(d.Control(IDC_DELETE_RULE), GWL_STYLE) & WS_TABSTOP) != 0;
-    }
 };
 }  // namespace
 
@@ -53,7 +49,7 @@ TEST_F(Cells, TheValueCellDecidesTheKind) {
             d.Key(VK_RETURN);
             EXPECT_EQ(Rows(d)[0], c.row);
         }
-        Leave(d);
+        Discard(d);
     });
 }
 
@@ -83,32 +79,22 @@ TEST_F(Cells, AnEditedKeyIsTakenAsTypedAndMayEqualAnotherRow) {
     EXPECT_EQ(HostRules(), Texts{L"Branch|hkcu\\a|0"});
 }
 
-TEST_F(Cells, ReturnTabAndEscapeInTheEditOfAKey) {
-    control.AddKeyRule(L"HKCU\\a", 1, 0);
-    EXPECT_EQ(Show([&](Dialog& d) {
-                  HWND edit = OpenCellEdit(d, 0, 1);
-                  EXPECT_EQ(Dialog::EditSelection(edit), std::make_pair(0, 6)) << "all of it is selected";
-                  d.Type(L"HKCU\\new");
-                  d.Key(VK_TAB);
-                  EXPECT_EQ(CellEdit(d), edit) << "Tab checks the key and stays";
-                  EXPECT_EQ(d.Focus(), edit);
-                  d.Key(VK_ESCAPE);
-                  EXPECT_EQ(CellEdit(d), nullptr);
-                  EXPECT_EQ(Rows(d)[0], L"Branch|HKCU\\a|") << "Escape brings the old text back";
-                  EXPECT_EQ(d.FocusId(), IDC_RULE_LIST);
-                  edit = OpenCellEdit(d, 0, 1);
-                  ClearByKeys(d);
-                  d.Type(L"HKCU\\x\\");
-                  d.Key(VK_TAB);
-                  EXPECT_EQ(d.AnswerBox(IDOK), L"The specified key is invalid. Trailing backslashes are not allowed.");
-                  EXPECT_EQ(d.Focus(), edit);
-                  EXPECT_EQ(Dialog::EditSelection(edit), std::make_pair(6, 7));
-                  d.Key(VK_DELETE);
-                  d.Key(VK_RETURN);
-                  EXPECT_EQ(Rows(d)[0], L"Branch|HKCU\\x|");
-                  d.Click(IDOK);
-              }),
-              1);
+TEST_F(Cells, EscapeBringsTheOldTextBackAndIsAChangeAllTheSame) {
+    control.AddValueRule(L"HKCU\\a", L"name", 0);
+    for (const int column : {1, 2}) {
+        EXPECT_EQ(Show([&](Dialog& d) {
+                      const HWND edit = OpenCellEdit(d, 0, column);
+                      const int length = column == 1 ? 6 : 4;
+                      EXPECT_EQ(Dialog::EditSelection(edit), std::pair(0, length)) << "all of it is selected";
+                      d.Type(L"HKCU\\new");
+                      d.Key(VK_ESCAPE);
+                      EXPECT_EQ(CellEdit(d), nullptr);
+                      EXPECT_EQ(Rows(d), Texts{L"Value|HKCU\\a|name"});
+                      EXPECT_EQ(d.FocusId(), IDC_RULE_LIST);
+                      d.Click(IDOK);
+                  }),
+                  1);
+    }
 }
 
 TEST_F(Cells, ARefusedKeyHoldsTheCellUntilItIsCorrectedOrGivenUp) {
@@ -135,45 +121,14 @@ TEST_F(Cells, ARefusedKeyHoldsTheCellUntilItIsCorrectedOrGivenUp) {
     EXPECT_EQ(driver.BoxTexts().size(), 3u) << "no change, no question";
 }
 
-TEST_F(Cells, ReturnTabAndEscapeInAValueCell) {
-    control.AddValueRule(L"HKCU\\a", L"name", 0);
-    EXPECT_EQ(Show([&](Dialog& d) {
-                  const HWND edit = OpenCellEdit(d, 0, 2);
-                  d.Key(VK_TAB);
-                  EXPECT_EQ(d.AnswerBox(IDOK), unknownHive) << "Tab checks any cell as a key";
-                  EXPECT_EQ(d.Focus(), edit);
-                  d.Key(VK_RETURN);
-                  EXPECT_EQ(Rows(d)[0], L"Value|HKCU\\a|name") << "Return checks the Key column alone";
-                  OpenCellEdit(d, 0, 2);
-                  ClearByKeys(d);
-                  d.Key(VK_ESCAPE);
-                  EXPECT_EQ(CellEdit(d), nullptr);
-                  EXPECT_EQ(Rows(d)[0], L"Value|HKCU\\a|name");
-                  d.Click(IDOK);
-              }),
-              1)
-        << "an ended edit is a change even with the same text";
-}
-
-TEST_F(Cells, ReturnTabAndEscapeInTheDropDownOfAKind) {
+TEST_F(Cells, AKindChosenByKeysOpensTheEditOfItsValue) {
     control.AddKeyRule(L"HKCU\\a", 1, 0);
-    const struct {
-        WORD key;
-        const wchar_t* row;
-    } cases[] = {{VK_TAB, L"Branch|HKCU\\a|"}, {VK_ESCAPE, L"Branch|HKCU\\a|"}, {VK_RETURN, L"Key|HKCU\\a|"}};
     Show([&](Dialog& d) {
-        for (const auto& c : cases) {
-            const HWND combo = OpenCellCombo(d, 0);
-            EXPECT_EQ(SendMessageW(combo, CB_GETCOUNT, 0, 0), 3);
-            EXPECT_EQ(SendMessageW(combo, CB_GETCURSEL, 0, 0), 0);
-            if (c.key != VK_TAB) d.Key(VK_DOWN);
-            d.Key(c.key);
-            d.WaitFor("the end of the drop-down", [&] { return CellCombo(d) == nullptr; });
-            EXPECT_EQ(Rows(d)[0], c.row) << c.key;
-        }
-        // The rest of the key that chose the kind must not end the edit of the value that it opens.
-        OpenCellCombo(d, 0);
+        const HWND combo = OpenCellCombo(d, 0);
+        EXPECT_EQ(SendMessageW(combo, CB_GETCOUNT, 0, 0), 3);
+        EXPECT_EQ(SendMessageW(combo, CB_GETCURSEL, 0, 0), 0);
         d.Key(VK_END);
+        // What is left of this key must not end the edit that it opens.
         d.Key(VK_RETURN);
         d.WaitFor("the edit of the value cell", [&] { return CellEdit(d) != nullptr; });
         EXPECT_EQ(d.Focus(), CellEdit(d));
@@ -208,13 +163,16 @@ TEST_F(Cells, DeletingMovesTheSelectionToTheNextRowOrTheLast) {
 }
 
 TEST_F(Cells, DeleteWithNothingSelectedSelectsTheLastRowAndIsAChange) {
-    control.AddKeyRule(L"HKCU\\a", 1, 0);
-    control.AddKeyRule(L"HKCU\\b", 1, 1);
+    constexpr short rows = 40;  // more than are in view
+    for (short row = 0; row < rows; ++row) control.AddKeyRule((L"HKCU\\" + std::to_wstring(row)).c_str(), 1, row);
     EXPECT_EQ(Show([&](Dialog& d) {
-                  d.OnGuiThread([&] { SetFocus(d.Control(IDC_RULE_LIST)); });
+                  const HWND list = d.Control(IDC_RULE_LIST);
+                  d.OnGuiThread([&] { SetFocus(list); });
+                  EXPECT_FALSE(ListView_IsItemVisible(list, rows - 1));
                   d.Key(VK_DELETE);
-                  EXPECT_EQ(Rows(d).size(), 2u);
-                  EXPECT_EQ(d.List(IDC_RULE_LIST).SelectedRow(), 1);
+                  EXPECT_EQ(Rows(d).size(), std::size_t{rows});
+                  EXPECT_EQ(d.List(IDC_RULE_LIST).SelectedRow(), rows - 1);
+                  EXPECT_TRUE(ListView_IsItemVisible(list, rows - 1));
                   d.Click(IDOK);
               }),
               1);
@@ -234,6 +192,19 @@ TEST_F(Cells, TheDeleteButtonFollowsTheSelection) {
         EXPECT_TRUE(DeleteHasTabStop(d)) << "a key released in the list puts it on";
         d.Click(IDC_REGISTRY_TREE);
         EXPECT_TRUE(DeleteIsLive(d));
+        // A click of the right button and a key in the list look at the selection and set the tab stop by it.
+        const HWND list = d.Control(IDC_RULE_LIST);
+        for (const UINT code : {NM_RCLICK, LVN_KEYDOWN}) {
+            for (const bool selects : {false, true}) {
+                d.OnGuiThread([&] {
+                    ListView_SetItemState(list, 0, selects ? LVIS_SELECTED : 0, LVIS_SELECTED);
+                    EXPECT_EQ(DeleteHasTabStop(d), !selects) << "until somebody looks";
+                    NMLVKEYDOWN notification{{list, IDC_RULE_LIST, code}, VK_F8, 0};
+                    SendMessageW(d.Window(), WM_NOTIFY, IDC_RULE_LIST, reinterpret_cast<LPARAM>(&notification));
+                });
+                EXPECT_EQ(DeleteHasTabStop(d), selects) << code;
+            }
+        }
         d.Click(IDCANCEL);
     });
 }

@@ -62,13 +62,8 @@ protected:
     }
     // A place on the dialog itself, on no control.
     static POINT Background(Dialog& d) {
-        RECT frame{};
-        GetWindowRect(d.Control(IDCANCEL), &frame);
+        const RECT frame = Frame(d.Control(IDCANCEL));
         return {frame.left - 200, (frame.top + frame.bottom) / 2};
-    }
-    static void Leave(Dialog& d) {
-        d.Click(IDCANCEL);
-        d.AnswerBox(IDYES);
     }
 
     ScopedRegistryKey registry;
@@ -87,6 +82,7 @@ TEST_F(DragRules, AKeyGoesBeforeTheRowItIsDroppedOnOrBehindTheLast) {
                   EXPECT_EQ(list.SelectedRow(), 2);
                   EXPECT_EQ(list.RowWithState(LVIS_FOCUSED), 2);
                   EXPECT_TRUE(DeleteIsLive(d));
+                  EXPECT_TRUE(DeleteHasTabStop(d));
                   Drop(d, {L"Vendor", L"App"}, list.Centre(1, 1));
                   EXPECT_EQ(Rows(d), (Texts{L"Branch|HKCU\\a|", L"Branch|" + base + L"\\Vendor\\App|",
                                             L"Branch|HKCU\\b|", L"Branch|" + base + L"\\Vendor|"}));
@@ -104,14 +100,11 @@ TEST_F(DragRules, AKeyGoesBeforeTheRowItIsDroppedOnOrBehindTheLast) {
 TEST_F(DragRules, AValueLosesItsOwnNameAlsoWhenNamedLikeItsKey) {
     Show([&](Dialog& d) {
         const POINT behind = d.List(IDC_RULE_LIST).BehindRows();
-        // Keys stand above values of the same name, so the value is the last of that text.
-        const POINT app = Hold(d, {L"Vendor", L"App"});
         Drop(d, {L"Vendor", L"Vendor"}, behind);
         Drop(d, {L"Vendor", L"back\\slash"}, behind);
         Drop(d, {L"Vendor", L""}, behind);
         EXPECT_EQ(Rows(d), (Texts{L"Value|" + base + L"\\Vendor|Vendor", L"Value|" + base + L"\\Vendor|back\\slash",
                                   L"Value|" + base + L"\\Vendor|"}));
-        EXPECT_NE(app.y, 0);
         d.Click(IDOK);
     });
     const std::wstring key = L"Value|HKEY_CURRENT_USER" + base.substr(4) + L"\\Vendor|";
@@ -145,8 +138,9 @@ TEST_F(DragRules, TheRowUnderTheCursorIsHighlightedAndAnImageFloats) {
         EXPECT_EQ(Highlighted(d), -1);
         d.Move(list.Centre(2, 1));
         EXPECT_EQ(Highlighted(d), 2);
-        d.Move(Background(d));
+        d.Move(Gap(d));
         EXPECT_EQ(Highlighted(d), -1) << "gone as soon as the list is left";
+        EXPECT_FALSE(CursorIs(d, IDC_SIZEWE)) << "the gap does not answer to a drag";
         d.Release();
         EXPECT_EQ(Rows(d).size(), 3u) << "a drop outside is void";
         EXPECT_FALSE(ImageFloats(d));
@@ -159,20 +153,20 @@ TEST_F(DragRules, TheRowUnderTheCursorIsHighlightedAndAnImageFloats) {
 TEST_F(DragRules, AHiveIsRefusedAndADropOutsideTheListIsVoid) {
     control.AddKeyRule(L"HKCU\\a", 1, 0);
     Show([&](Dialog& d) {
-        RECT frame{};
-        GetWindowRect(d.Window(), &frame);
+        const RECT frame = Frame(d.Window());
         Drop(d, {L"Vendor"}, {frame.right + 40, frame.bottom + 20});
         Drop(d, {L"Vendor"}, Dialog::Centre(d.Control(IDC_NEW_KEY)));
-        RECT header{};
-        GetWindowRect(ListView_GetHeader(d.Control(IDC_RULE_LIST)), &header);
-        Drop(d, {L"Vendor"}, {(header.left + header.right) / 2, (header.top + header.bottom) / 2});
+        Drop(d, {L"Vendor"}, Dialog::Centre(ListView_GetHeader(d.Control(IDC_RULE_LIST))));
         EXPECT_EQ(d.Text(IDC_NEW_KEY), watermark);
         TreeSteps tree = d.Tree(IDC_REGISTRY_TREE);
-        d.Drag(tree.Centre(tree.Item({L"HKEY_USERS"})), d.List(IDC_RULE_LIST).Centre(0, 1));
+        ListSteps list = d.List(IDC_RULE_LIST);
+        d.OnGuiThread([&] { ListView_SetItemState(list.Window(), 0, LVIS_SELECTED, LVIS_SELECTED); });
+        EXPECT_FALSE(DeleteHasTabStop(d)) << "the selection alone leaves it off";
+        d.Drag(tree.Centre(tree.Item({L"HKEY_USERS"})), list.Centre(0, 1));
         EXPECT_EQ(d.AnswerBox(IDOK), bareHive);
         EXPECT_EQ(Rows(d), Texts{L"Branch|HKCU\\a|"});
         EXPECT_EQ(Highlighted(d), -1);
-        EXPECT_FALSE(DeleteIsLive(d));
+        EXPECT_TRUE(DeleteHasTabStop(d)) << "a refused drop looks at the selection";
         d.Click(IDCANCEL);
     });
     EXPECT_EQ(driver.BoxTexts().size(), 1u) << "no change, no question";
@@ -183,17 +177,7 @@ TEST_F(DragRules, ALostCaptureLeavesTheNextDragWhole) {
     Show([&](Dialog& d) {
         ListSteps list = d.List(IDC_RULE_LIST);
         DragTo(d, {L"Vendor"}, list.Centre(0, 1));
-        // From a timer of the dialog's thread, so that the box stands in the middle of the drag.
-        static HWND s_owner;
-        s_owner = d.Window();
-        d.OnGuiThread([] {
-            SetTimer(nullptr, 0, 1, [](HWND, UINT, UINT_PTR timer, DWORD) {
-                KillTimer(nullptr, timer);
-                MessageBoxW(s_owner, L"In between", L"Host", MB_OK);
-            });
-        });
-        EXPECT_EQ(d.AnswerBox(IDOK), L"In between");
-        EXPECT_EQ(d.Capture(), nullptr);
+        d.OnGuiThread([] { ReleaseCapture(); });
         d.Release();
         EXPECT_EQ(Rows(d), Texts{L"Branch|HKCU\\a|"}) << "without the capture the drop does not arrive";
         // The next click on the dialog ends the drag; the highlight goes with the move there.
@@ -209,25 +193,31 @@ TEST_F(DragRules, ALostCaptureLeavesTheNextDragWhole) {
         EXPECT_EQ(Highlighted(d), -1);
         EXPECT_FALSE(ImageFloats(d));
         EXPECT_EQ(d.Capture(), nullptr);
-        Leave(d);
+        Discard(d);
     });
 }
 
-TEST_F(DragRules, EscapeEndsTheDialogAndTheDragWithIt) {
-    Show([&](Dialog& d) {
-        DragTo(d, {L"Vendor"}, d.List(IDC_RULE_LIST).BehindRows());
-        d.Key(VK_ESCAPE);
-        d.WaitUntilClosed();
-    });
-    EXPECT_EQ(ImageList_GetDragImage(nullptr, nullptr), nullptr);
-    EXPECT_EQ(GetCapture(), nullptr);
-    input::LeftUp();
-    Show([&](Dialog& d) {
-        // The next run begins at rest: the gap answers, and a drag works.
-        d.Move(Background(d));
-        EXPECT_FALSE(ImageFloats(d));
-        Drop(d, {L"Vendor"}, d.List(IDC_RULE_LIST).BehindRows());
-        EXPECT_EQ(Rows(d).size(), 1u);
-        Leave(d);
-    });
+TEST_F(DragRules, TheEndOfTheDialogIsTheEndOfTheDrag) {
+    for (const bool byOk : {false, true}) {
+        Show([&](Dialog& d) {
+            DragTo(d, {L"Vendor"}, d.List(IDC_RULE_LIST).BehindRows());
+            if (byOk)
+                d.Alt(L'O');
+            else
+                d.Key(VK_ESCAPE);
+            d.WaitUntilClosed();
+        });
+        EXPECT_EQ(ImageList_GetDragImage(nullptr, nullptr), nullptr);
+        EXPECT_EQ(GetCapture(), nullptr);
+        input::LeftUp();
+        Show([&](Dialog& d) {
+            // The next run begins at rest: the gap answers, and a drag works.
+            d.Move(Gap(d));
+            EXPECT_TRUE(CursorIs(d, IDC_SIZEWE));
+            EXPECT_FALSE(ImageFloats(d));
+            Drop(d, {L"Vendor"}, d.List(IDC_RULE_LIST).BehindRows());
+            EXPECT_EQ(Rows(d).size(), 1u);
+            Discard(d);
+        });
+    }
 }

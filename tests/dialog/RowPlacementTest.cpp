@@ -4,20 +4,10 @@
 #include <random>
 #include <string>
 
+#include "dialog/InsertByWalk.h"
 #include "dialog/RowOrder.h"
 
 namespace {
-// Inserts as the dialog does, one rule after the other: a walk over all rows for each. Rows are told apart by isSame.
-template <class Row, class IsSame>
-void InsertByWalk(std::vector<Row>& rows, int row, const Row& added, IsSame isSame) {
-    const auto isEqual = [&](int i) {
-        return i < static_cast<int>(rows.size()) && isSame(rows[static_cast<std::size_t>(i)], added);
-    };
-    const int count = static_cast<int>(rows.size());
-    row = DeleteEqualRows(count, std::min(row, count), isEqual, [&](int i) { rows.erase(rows.begin() + i); });
-    rows.insert(rows.begin() + row, added);
-}
-
 // Small letters stand for the rule that their capital is.
 std::wstring Inserted(std::wstring rows, int row, wchar_t added) {
     std::vector<wchar_t> letters(rows.begin(), rows.end());
@@ -26,18 +16,8 @@ std::wstring Inserted(std::wstring rows, int row, wchar_t added) {
 }
 
 int Position(unsigned habit, std::size_t i, unsigned random) {
-    switch (habit) {
-        case 0:
-            return 0;
-        case 1:
-            return 32767;
-        case 2:
-            return i % 2 ? 0 : 32767;
-        case 3:
-            return static_cast<int>(i);
-        default:
-            return static_cast<int>(random % 40) - 10;
-    }
+    const int positions[] = {0, 32767, i % 2 ? 0 : 32767, static_cast<int>(i), static_cast<int>(random % 40) - 10};
+    return positions[habit];
 }
 
 std::vector<PlacedRule> RandomRules(unsigned seed, std::size_t count) {

@@ -30,3 +30,9 @@ TEST(RowRules, ACellChangeKeepsTypeAndValueInStep) {
         EXPECT_EQ(followUp.edit, c.edit);
     }
 }
+
+TEST(RowRules, AKindIsKnownByItsExactTextAlone) {
+    EXPECT_EQ(KindOfCell(L"Key", texts), RuleKind::Key);
+    for (const wchar_t* text : {L"key", L"BRANCH", L"Value ", L""})
+        EXPECT_EQ(KindOfCell(text, texts), RuleKind::Unknown) << text;
+}

@@ -65,18 +65,11 @@ void RulesDialog::SelectRow(Dialog& d, int row) {
     for (int i = 0; i < row; ++i) d.Key(VK_DOWN);
 }
 
-HWND RulesDialog::OpenCellEdit(Dialog& d, int row, int column) {
+HWND RulesDialog::OpenCell(Dialog& d, int row, int column, HWND (*editor)(Dialog&)) {
     d.List(IDC_RULE_LIST).Click(row, column);
-    if (CellEdit(d) == nullptr) d.List(IDC_RULE_LIST).Click(row, column);
-    d.WaitFor("a cell's edit", [&] { return CellEdit(d) != nullptr; });
-    return CellEdit(d);
-}
-
-HWND RulesDialog::OpenCellCombo(Dialog& d, int row) {
-    d.List(IDC_RULE_LIST).Click(row, 0);
-    if (CellCombo(d) == nullptr) d.List(IDC_RULE_LIST).Click(row, 0);
-    d.WaitFor("a cell's drop-down", [&] { return CellCombo(d) != nullptr; });
-    return CellCombo(d);
+    if (editor(d) == nullptr) d.List(IDC_RULE_LIST).Click(row, column);
+    d.WaitFor("a cell's editor", [&] { return editor(d) != nullptr; });
+    return editor(d);
 }
 
 HWND RulesDialog::OpenPopup(Dialog& d, int row) {
@@ -89,8 +82,36 @@ bool RulesDialog::DeleteIsLive(Dialog& d) {
     return IsWindowEnabled(d.Control(IDC_DELETE_RULE));
 }
 
+bool RulesDialog::DeleteHasTabStop(Dialog& d) {
+    return (GetWindowLongW(d.Control(IDC_DELETE_RULE), GWL_STYLE) & WS_TABSTOP) != 0;
+}
+
+RECT RulesDialog::Frame(HWND window) {
+    RECT frame{};
+    GetWindowRect(window, &frame);
+    return frame;
+}
+
+POINT RulesDialog::Gap(Dialog& d) {
+    const RECT tree = Frame(d.Control(IDC_REGISTRY_TREE));
+    const RECT list = Frame(d.Control(IDC_RULE_LIST));
+    return {(tree.right + list.left) / 2, (list.top + list.bottom) / 2};
+}
+
+bool RulesDialog::CursorIs(Dialog& d, const wchar_t* standard) {
+    HCURSOR cursor = nullptr;
+    d.OnGuiThread([&] { cursor = GetCursor(); });
+    return cursor == LoadCursorW(nullptr, standard);
+}
+
+void RulesDialog::Discard(Dialog& d) {
+    d.Click(IDCANCEL);
+    d.AnswerBox(IDYES);
+}
+
 void RulesDialog::Put(HWND edit, const std::wstring& text) {
-    SendMessageW(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
+    SendMessageW(edit, EM_SETSEL, 0, -1);
+    SendMessageW(edit, EM_REPLACESEL, 0, reinterpret_cast<LPARAM>(text.c_str()));
 }
 
 void RulesDialog::ClearByKeys(Dialog& d) {

@@ -55,14 +55,23 @@ protected:
     // Selects a row by the keys of the list: the list remembers the row of the last click over runs of the dialog, so a
     // click might open an editor.
     static void SelectRow(Dialog& d, int row);
-    // Opens the editor of a cell, whichever row is selected.
-    static HWND OpenCellEdit(Dialog& d, int row, int column);
-    static HWND OpenCellCombo(Dialog& d, int row);
+    // Opens the editor of a cell, whichever row is selected: the first click may only select.
+    static HWND OpenCellEdit(Dialog& d, int row, int column) { return OpenCell(d, row, column, CellEdit); }
+    static HWND OpenCellCombo(Dialog& d, int row) { return OpenCell(d, row, 0, CellCombo); }
     // Opens the drop-down of a Type cell and drops its list down.
     static HWND OpenPopup(Dialog& d, int row);
     static bool DeleteIsLive(Dialog& d);
+    static bool DeleteHasTabStop(Dialog& d);
 
-    // Puts a text into the edit that has the focus, whatever its length.
+    // On the screen: a window's rectangle, and the middle of the gap between tree and list.
+    static RECT Frame(HWND window);
+    static POINT Gap(Dialog& d);
+    static bool CursorIs(Dialog& d, const wchar_t* standard);
+
+    // Cancels a changed list and says Yes to the question.
+    static void Discard(Dialog& d);
+
+    // Puts a text in the place of an edit's, as pasting does, whatever its length.
     static void Put(HWND edit, const std::wstring& text);
     // Empties the edit that has the focus by its keys.
     static void ClearByKeys(Dialog& d);
@@ -70,4 +79,7 @@ protected:
     HostWindow host;
     CRegistryRulesCtrl control;
     DialogDriver driver;
+
+private:
+    static HWND OpenCell(Dialog& d, int row, int column, HWND (*editor)(Dialog&));
 };

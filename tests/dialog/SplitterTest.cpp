@@ -22,8 +22,7 @@ protected:
         return metrics.tmHeight;
     }
     static RECT Place(Dialog& d, int id) {
-        RECT place{};
-        GetWindowRect(d.Control(id), &place);
+        RECT place = Frame(d.Control(id));
         MapWindowPoints(nullptr, d.Window(), reinterpret_cast<POINT*>(&place), 2);
         return place;
     }
@@ -38,13 +37,6 @@ protected:
         }
         return layout;
     }
-    static POINT Gap(Dialog& d) {
-        RECT tree{};
-        RECT list{};
-        GetWindowRect(d.Control(IDC_REGISTRY_TREE), &tree);
-        GetWindowRect(d.Control(IDC_RULE_LIST), &list);
-        return {(tree.right + list.left) / 2, (list.top + list.bottom) / 2};
-    }
     static RECT Clip() {
         RECT clip{};
         GetClipCursor(&clip);
@@ -53,11 +45,6 @@ protected:
     static bool IsClipped() {
         const RECT clip = Clip();
         return clip.right - clip.left < GetSystemMetrics(SM_CXSCREEN);
-    }
-    static bool CursorIs(Dialog& d, const wchar_t* standard) {
-        HCURSOR cursor = nullptr;
-        d.OnGuiThread([&] { cursor = GetCursor(); });
-        return cursor == LoadCursorW(nullptr, standard);
     }
 };
 
@@ -82,6 +69,7 @@ TEST_F(Splitter, TheStripStandsUnderHeadsThatFitTheFont) {
         const RECT combo = Place(d, IDC_NEW_TYPE);
         const LONG spacing = combo.top - frame.bottom;
         EXPECT_GT(spacing, 0);
+        EXPECT_EQ(frame.bottom - frame.top, (spacing + fontHeight) * 2) << "higher than in the template";
         EXPECT_EQ(Place(d, IDC_NEW_KEY).top, combo.top);
         EXPECT_EQ(Place(d, IDC_NEW_VALUE).top, combo.top);
         const RECT list = Place(d, IDC_RULE_LIST);
@@ -117,8 +105,7 @@ TEST_F(Splitter, LeftAndBackGivesTheLayoutOfTheStart) {
 
 TEST_F(Splitter, BothBoundsHoldItAndNothingStaysClipped) {
     Show([&](Dialog& d) {
-        RECT bounds{};
-        GetWindowRect(d.Control(IDC_SPLITTER_BOUNDS), &bounds);
+        const RECT bounds = Frame(d.Control(IDC_SPLITTER_BOUNDS));
         const Layout before = AllPlaces(d);
         const POINT start = Gap(d);
         d.Move(start);
@@ -145,10 +132,7 @@ TEST_F(Splitter, APressOutsideTheGapNeitherCapturesNorClips) {
         const Layout before = AllPlaces(d);
         d.Move(Gap(d));
         EXPECT_TRUE(CursorIs(d, IDC_SIZEWE));
-        POINT below{Gap(d).x, Place(d, IDC_REGISTRY_TREE).bottom};
-        POINT origin{};
-        ClientToScreen(d.Window(), &origin);
-        below.y += origin.y;
+        const POINT below{Gap(d).x, Frame(d.Control(IDC_REGISTRY_TREE)).bottom};
         d.Move(below);
         EXPECT_TRUE(CursorIs(d, IDC_ARROW));
         d.Press();
@@ -179,7 +163,15 @@ TEST_F(Splitter, EscapeInTheMiddleFreesTheMouseBeforeTheQuestion) {
         const Layout before = AllPlaces(d);
         d.Move({gap.x - 40, gap.y});
         EXPECT_EQ(AllPlaces(d), before) << "the drag is over";
-        d.Click(IDCANCEL);
-        d.AnswerBox(IDYES);
+        Discard(d);
     });
+    Show([&](Dialog& d) {
+        d.Move(Gap(d));
+        d.Press();
+        d.Alt(L'O');
+        d.WaitUntilClosed();
+    });
+    EXPECT_FALSE(IsClipped()) << "OK ends it too";
+    EXPECT_EQ(GetCapture(), nullptr);
+    input::LeftUp();
 }

@@ -56,9 +56,9 @@ TEST_F(Strip, WithoutAKeyReturnMakesNoRule) {
         d.Key(VK_TAB);
         d.Key(VK_RETURN);
         EXPECT_EQ(Rows(d), Texts{L"Value|HKCU\\k|name"}) << "Return in the value box commits too";
+        EXPECT_TRUE(DeleteHasTabStop(d)) << "the new row is selected";
         EXPECT_EQ(d.FocusId(), IDC_NEW_KEY);
-        d.Click(IDCANCEL);
-        d.AnswerBox(IDYES);
+        Discard(d);
     });
 }
 
@@ -83,8 +83,7 @@ TEST_F(Strip, TheKindFollowsTheValueBoxAndTheValueBoxTheKind) {
         d.Type(L"n");
         d.Key(VK_BACK);
         EXPECT_EQ(d.Text(IDC_NEW_TYPE), L"Branch") << "Value itself is never remembered";
-        d.Click(IDCANCEL);
-        d.AnswerBox(IDYES);
+        Discard(d);
     });
 }
 
@@ -195,10 +194,10 @@ TEST_F(Strip, FocusInEitherBoxSelectsTheValueAndDisablesDelete) {
             d.OnGuiThread([&] { SetFocus(d.Control(box)); });
             EXPECT_EQ(Dialog::EditSelection(d.Control(IDC_NEW_VALUE)), std::make_pair(0, 4));
             EXPECT_FALSE(DeleteIsLive(d));
-            EXPECT_FALSE(GetWindowLongW(d.Control(IDC_DELETE_RULE), GWL_STYLE) & WS_TABSTOP);
+            EXPECT_FALSE(DeleteHasTabStop(d));
             d.OnGuiThread([&] { SetFocus(d.Control(IDC_RULE_LIST)); });
             EXPECT_TRUE(DeleteIsLive(d)) << "a row is still selected";
-            EXPECT_TRUE(GetWindowLongW(d.Control(IDC_DELETE_RULE), GWL_STYLE) & WS_TABSTOP);
+            EXPECT_TRUE(DeleteHasTabStop(d));
         }
         d.Click(IDCANCEL);
     });

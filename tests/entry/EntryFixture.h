@@ -39,20 +39,21 @@ protected:
 
     // Opens the cell edit over a part of the list and gives its window.
     HWND OpenEdit(Dialog& d, int row, int column, const CString& text, const CString& validChars = L"") {
-        const bool opened = Show(d, row, column, text, validChars);
-        EXPECT_TRUE(opened);
-        Events();
-        return Dialog::FindBelow(d.Control(IDC_CELLS), L"Edit");
+        d.OnGuiThread([&] {
+            EXPECT_TRUE(CInPlaceEdit::GetInstance()->ShowEditCtrl(ES_AUTOVSCROLL | ES_AUTOHSCROLL | ES_NOHIDESEL,
+                                                                  CRect(5, 25, 205, 45), &m_dialog->list, 0, row,
+                                                                  column, validChars, text));
+        });
+        return Opened(d, L"Edit");
     }
 
-    bool Show(Dialog& d, int row, int column, const CString& text, const CString& validChars = L"") {
-        BOOL opened = FALSE;
-        d.OnGuiThread([&] {
-            opened = CInPlaceEdit::GetInstance()->ShowEditCtrl(ES_AUTOVSCROLL | ES_AUTOHSCROLL | ES_NOHIDESEL,
-                                                               CRect(5, 25, 205, 45), &m_dialog->list, 0, row, column,
-                                                               validChars, text);
-        });
-        return opened != FALSE;
+    // The editor of that class in the list, in the list's font. The record starts anew.
+    HWND Opened(Dialog& d, const wchar_t* className) {
+        Events();
+        const HWND list = d.Control(IDC_CELLS);
+        const HWND editor = Dialog::FindBelow(list, className);
+        EXPECT_EQ(SendMessageW(editor, WM_GETFONT, 0, 0), SendMessageW(list, WM_GETFONT, 0, 0));
+        return editor;
     }
 
     // Puts a text in place of the edit's and its caret at the end, without a key.

@@ -69,6 +69,7 @@ TEST(ExpandHive, ReplacesAnAbbreviationInTheTablesCase) {
 }
 
 TEST(MakeHivePath, JoinsWithABackslashWhateverTheSubkey) {
+    EXPECT_EQ(MakeHivePath(0x80000004, L"Global", ShippedHives()), L"Global") << "no hive of ours";
     EXPECT_EQ(MakeHivePath(0x80000000, L".txt", ShippedHives()), L"HKCR\\.txt");
     EXPECT_EQ(MakeHivePath(0x80000001, L"", ShippedHives()), L"HKCU\\");
     EXPECT_EQ(MakeHivePath(0x80000002, L"\\a%s\\", ShippedHives()), L"HKLM\\\\a%s\\");

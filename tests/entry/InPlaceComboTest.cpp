@@ -5,22 +5,16 @@ namespace {
 class InPlaceCombo : public EntryTest {
 protected:
     HWND OpenCombo(Dialog& d, int row, const CString& text, int selection = -1) {
-        const bool opened = [&] {
-            BOOL result = FALSE;
-            d.OnGuiThread([&] {
-                CStringList kinds(10);
-                for (const wchar_t* kind : {L"Branch", L"Key", L"Value"}) kinds.AddTail(kind);
-                CInPlaceCombo* const combo = CInPlaceCombo::GetInstance();
-                result = combo->ShowComboCtrl(
-                    WS_VISIBLE | WS_CHILD | CBS_DROPDOWNLIST | CBS_AUTOHSCROLL | CBS_OEMCONVERT | CBS_DISABLENOSCROLL,
-                    CRect(5, 25, 105, 145), &m_dialog->list, 0, row, 0, kinds, text, selection);
-                if (selection == -1) combo->SelectString(-1, text);
-            });
-            return result != FALSE;
-        }();
-        EXPECT_TRUE(opened);
-        Events();
-        const HWND combo = Dialog::FindBelow(d.Control(IDC_CELLS), L"ComboBox");
+        d.OnGuiThread([&] {
+            CStringList kinds(10);
+            for (const wchar_t* kind : {L"Branch", L"Key", L"Value"}) kinds.AddTail(kind);
+            CInPlaceCombo* const combo = CInPlaceCombo::GetInstance();
+            EXPECT_TRUE(combo->ShowComboCtrl(
+                WS_VISIBLE | WS_CHILD | CBS_DROPDOWNLIST | CBS_AUTOHSCROLL | CBS_OEMCONVERT | CBS_DISABLENOSCROLL,
+                CRect(5, 25, 105, 145), &m_dialog->list, 0, row, 0, kinds, text, selection));
+            if (selection == -1) combo->SelectString(-1, text);
+        });
+        const HWND combo = Opened(d, L"ComboBox");
         EXPECT_EQ(d.Focus(), combo);
         d.Move(Dialog::Centre(d.Control(IDOK)));  // away from the list that drops down
         return combo;

@@ -16,6 +16,13 @@ protected:
     static void Leave(Dialog& d) {
         PostMessageW(d.Window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(d.Control(IDC_ELSEWHERE)), TRUE);
     }
+    // Has the key checked, by Tab or by leaving it.
+    static void Check(Dialog& d, bool byTab) {
+        if (byTab)
+            d.Key(VK_TAB);
+        else
+            Leave(d);
+    }
     // The editor is closed and the next one may open.
     void ExpectClosed(Dialog& d, HWND edit) {
         d.WaitFor("the editor's end", [&] { return !IsWindow(edit); });

@@ -9,10 +9,7 @@ TEST_F(InPlaceEdit, FocusThatMovesWhileTheBoxIsUpAsksNothingAgain) {
             const HWND edit = OpenEdit(d, 0, kKey, L"HKCU\\old");
             SetText(edit, L"HKCU\\a\\");
             for (const int answer : {IDOK, IDCANCEL}) {
-                if (byTab)
-                    d.Key(VK_TAB);
-                else
-                    Leave(d);
+                Check(d, byTab);
                 EXPECT_EQ(d.ExpectBox(), kTrailing);
                 d.OnGuiThread([&] {
                     SetFocus(edit);
@@ -58,27 +55,25 @@ TEST_F(InPlaceEdit, AnEndThatIsUnderWayIsNotRepeated) {
 
 TEST_F(InPlaceEdit, DeletingItWhileItsBoxIsUpWaitsForTheAnswer) {
     Run([&](Dialog& d) {
-        for (const bool byTab : {true, false}) {
-            for (const wchar_t* text : {L"not a key", L""}) {
-                if (byTab && *text == 0) continue;  // Tab finds nothing wrong with an empty text
-                for (const int answer : {IDOK, IDCANCEL}) {
-                    const HWND edit = OpenEdit(d, 0, kKey, text);
-                    if (byTab)
-                        d.Key(VK_TAB);
-                    else
-                        Leave(d);
-                    d.ExpectBox();
-                    d.OnGuiThread([] { CInPlaceEdit::DeleteInstance(); });
-                    EXPECT_FALSE(IsWindow(edit));
-                    EXPECT_EQ(CInPlaceEdit::IsActive(), 0);
-                    // A new editor may be wanted while the old one is still answering.
-                    CInPlaceEdit* next = nullptr;
-                    d.OnGuiThread([&] { next = CInPlaceEdit::GetInstance(); });
-                    d.AnswerBox(answer);
-                    EXPECT_NE(d.Focus(), nullptr);
-                    EXPECT_EQ(Events(), EventLog{});
-                    EXPECT_EQ(CInPlaceEdit::GetInstance(), next);
-                }
+        const struct {
+            const wchar_t* text;
+            bool byTab;  // which finds nothing wrong with an empty text
+        } cases[] = {{L"not a key", true}, {L"not a key", false}, {L"", false}};
+        for (const auto& c : cases) {
+            for (const int answer : {IDOK, IDCANCEL}) {
+                const HWND edit = OpenEdit(d, 0, kKey, c.text);
+                Check(d, c.byTab);
+                d.ExpectBox();
+                d.OnGuiThread([] { CInPlaceEdit::DeleteInstance(); });
+                EXPECT_FALSE(IsWindow(edit));
+                EXPECT_EQ(CInPlaceEdit::IsActive(), 0);
+                // A new editor may be wanted while the old one is still answering.
+                CInPlaceEdit* next = nullptr;
+                d.OnGuiThread([&] { next = CInPlaceEdit::GetInstance(); });
+                d.AnswerBox(answer);
+                EXPECT_NE(d.Focus(), nullptr);
+                EXPECT_EQ(Events(), EventLog{});
+                EXPECT_EQ(CInPlaceEdit::GetInstance(), next);
             }
         }
         Close(d);

@@ -41,10 +41,11 @@ private:
 
 class HostRoad : public testing::Test {
 protected:
-    // Runs the host on the file while the script works its dialog; gives the exit code.
-    int Run(const std::function<void(Dialog&)>& script) {
+    // Runs the host, on the file unless told otherwise, while the script works its dialog; gives the exit code.
+    int Run(const std::function<void(Dialog&)>& script) { return Run({m_path}, script); }
+    int Run(const std::vector<std::wstring>& arguments, const std::function<void(Dialog&)>& script) {
         int exitCode = -1;
-        DialogDriver().Run([&] { exitCode = RunBare({m_path}); }, script);
+        DialogDriver().Run([&] { exitCode = RunBare(arguments); }, script);
         return exitCode;
     }
     int RunBare(const std::vector<std::wstring>& arguments) {
@@ -87,12 +88,9 @@ TEST_F(HostRoad, AChangedSetIsSavedInRowOrderWithFullHiveNames) {
                   d.Click(IDOK);
               }),
               0);
-    const std::vector<HostRule> expected{{RuleKind::Branch, "HKEY_LOCAL_MACHINE\\Software\\\xE4\xB8\xAD", "", 0},
+    const std::vector<HostRule> expected{{RuleKind::Branch, "HKEY_LOCAL_MACHINE\\Software\\\u4E2D", "", 0},
                                          {RuleKind::Value, "HKEY_CURRENT_USER\\Environment", "", 1},
-                                         {RuleKind::Key,
-                                          "HKEY_CURRENT_USER\\Gr\xC3\xB6\xC3\x9F"
-                                          "e",
-                                          "", 2}};
+                                         {RuleKind::Key, "HKEY_CURRENT_USER\\Gr\u00F6\u00DFe", "", 2}};
     EXPECT_EQ(ParseRules(ReadFileText(m_path).value_or("")), expected);
     EXPECT_EQ(m_errors, "");
     const std::size_t after = m_output.find("Rules after:\n");
@@ -101,22 +99,27 @@ TEST_F(HostRoad, AChangedSetIsSavedInRowOrderWithFullHiveNames) {
     EXPECT_NE(m_output.find("HKEY_LOCAL_MACHINE\\Software\\\xE4\xB8\xAD", after), std::string::npos) << m_output;
 }
 
-TEST_F(HostRoad, AMissingFileIsAnEmptySetAndIsMade) {
-    EXPECT_EQ(Run([](Dialog& d) {
-                  EXPECT_EQ(d.List(IDC_RULE_LIST).RowCount(), 0);
-                  AddRuleByStrip(d, L"HKCU\\Software");
-                  d.Click(IDOK);
-              }),
-              0);
+TEST_F(HostRoad, AMissingFileIsAnEmptySetAndIsMadeButNoFileIsNotSaved) {
+    const auto script = [](Dialog& d) {
+        EXPECT_EQ(d.List(IDC_RULE_LIST).RowCount(), 0);
+        AddRuleByStrip(d, L"HKCU\\Software");
+        d.Click(IDOK);
+    };
+    EXPECT_EQ(Run(script), 0);
     EXPECT_EQ(ParseRules(ReadFileText(m_path).value_or("")),
               std::vector<HostRule>({{RuleKind::Branch, "HKEY_CURRENT_USER\\Software", "", 0}}));
     EXPECT_NE(m_output.find("(no rules)"), std::string::npos) << m_output;
+    EXPECT_EQ(Run({}, script), 0);
+    EXPECT_TRUE(m_output.ends_with("branch  HKEY_CURRENT_USER\\Software\nNot saved: no file.\n")) << m_output;
+    EXPECT_EQ(RunBare({L"--help"}), 0);
+    EXPECT_TRUE(m_output.starts_with("Usage: RulesHost [FILE]\n")) << m_output;
 }
 
 TEST_F(HostRoad, CancelAndAnOkWithoutChangeLeaveTheFileByteForByte) {
     ReplaceFileText(m_path, Rules);
     EXPECT_EQ(Run([](Dialog& d) { d.Click(IDOK); }), 0);
     EXPECT_EQ(ReadFileText(m_path), Rules);
+    EXPECT_TRUE(m_output.ends_with("Nothing to save.\n")) << m_output;
     EXPECT_EQ(Run([](Dialog& d) {
                   AddRuleByStrip(d, L"HKCU\\Software");
                   d.Click(IDCANCEL);

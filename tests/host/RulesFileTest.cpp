@@ -16,10 +16,7 @@ TEST(RulesFile, TypeKeyValueAndPositionOfEachRuleAreRead) {
         {"type": "value", "key": "no hive\\\\", "value": "tab\there", "position": -2147483648}
     )"));
     const std::vector<HostRule> expected{
-        {RuleKind::Branch,
-         "HKCU\\Software\\Gr\xC3\xB6\xC3\x9F"
-         "e \xF0\x9F\x98\x80",
-         "", 0},
+        {RuleKind::Branch, "HKCU\\Software\\Gr\u00F6\u00DFe \U0001F600", "", 0},
         {RuleKind::Key, "", "", -1},
         {RuleKind::Value, "HKLM\\a", "", 2147483647},
         {RuleKind::Value, "no hive\\\\", "tab\there", -2147483647 - 1},

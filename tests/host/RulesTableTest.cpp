@@ -5,15 +5,11 @@
 namespace {
 
 TEST(RulesTable, ColumnsStandInLineAlsoWithLettersOfSeveralBytes) {
-    EXPECT_EQ(RulesTable({{RuleKind::Branch,
-                           "HKCU\\Gr\xC3\xB6\xC3\x9F"
-                           "e",
-                           "", 0},
+    EXPECT_EQ(RulesTable({{RuleKind::Branch, "HKCU\\Gr\u00F6\u00DFe", "", 0},
                           {RuleKind::Value, "HKCU\\Environment", "TEMP", 10},
                           {RuleKind::Value, "HKCU\\a", "", -1}}),
               "Position  Type    Key               Value\n"
-              "0         branch  HKCU\\Gr\xC3\xB6\xC3\x9F"
-              "e\n"
+              "0         branch  HKCU\\Gr\u00F6\u00DFe\n"
               "10        value   HKCU\\Environment  TEMP\n"
               "-1        value   HKCU\\a            (Default)\n");
 }

@@ -3,101 +3,76 @@
 #include <cstring>
 #include <gtest/gtest.h>
 #include <limits>
+#include <string>
+
+#include "rules/Raises.h"
 
 namespace {
 
-struct KeyRule {
+// The result of a read and what it left in its outputs: "1|HKCU\a|BRANCH|POSITION".
+std::wstring KeyRule(CRegistryRulesCtrl& editor, long index) {
     CString key = L"untouched";
     int isBranch = 99;
     long position = 99;
-    int result = -1;
-};
-
-KeyRule ReadKeyRule(CRegistryRulesCtrl& editor, long index) {
-    KeyRule rule;
-    rule.result = editor.GetKeyRule(index, rule.key, &rule.isBranch, &rule.position);
-    return rule;
+    const int result = editor.GetKeyRule(index, key, &isBranch, &position);
+    return std::to_wstring(result) + L"|" + key.GetString() + L"|" + std::to_wstring(isBranch) + L"|" +
+           std::to_wstring(position);
 }
 
-struct ValueRule {
+// "1|HKCU\a|NAME|POSITION".
+std::wstring ValueRule(CRegistryRulesCtrl& editor, long index) {
     CString key = L"untouched";
     CString value = L"untouched";
     long position = 99;
-    int result = -1;
-};
-
-ValueRule ReadValueRule(CRegistryRulesCtrl& editor, long index) {
-    ValueRule rule;
-    rule.result = editor.GetValueRule(index, rule.key, rule.value, &rule.position);
-    return rule;
+    const int result = editor.GetValueRule(index, key, value, &position);
+    return std::to_wstring(result) + L"|" + key.GetString() + L"|" + value.GetString() + L"|" +
+           std::to_wstring(position);
 }
 
-template <class Call>
-bool RaisesInvalidArgument(Call call) {
-    try {
-        call();
-    } catch (CInvalidArgException* problem) {
-        problem->Delete();
-        return true;
-    }
-    return false;
-}
+constexpr wchar_t NoKeyRule[] = L"0|untouched|99|99";
+constexpr wchar_t NoValueRule[] = L"0|untouched|untouched|99";
 
 TEST(RegistryRulesCtrl, WhatWasAddedComesBackUnchangedBeforeTheDialogRuns) {
     CRegistryRulesCtrl editor;
-    const CString longText(L'x', 32000);
+    const std::wstring longText(32000, L'x');
     EXPECT_EQ(editor.AddKeyRule(L"HKCU\\Software", -7, 32767), 1);
-    EXPECT_EQ(editor.AddValueRule(L"no hive\\\\", longText, -32768), 1);
-    EXPECT_EQ(editor.AddKeyRule(longText, 0, -1), 1);
+    EXPECT_EQ(editor.AddValueRule(L"no hive\\\\", longText.c_str(), -32768), 1);
+    EXPECT_EQ(editor.AddKeyRule(longText.c_str(), 0, -1), 1);
     EXPECT_EQ(editor.AddKeyRule(nullptr, 1, 5), 1);
     EXPECT_EQ(editor.AddKeyRule(nullptr, 1, 5), 1) << "a duplicate";
     EXPECT_EQ(editor.GetKeyRuleCount(), 4);
     EXPECT_EQ(editor.GetValueRuleCount(), 1);
-
-    const KeyRule first = ReadKeyRule(editor, 0);
-    EXPECT_EQ(first.result, 1);
-    EXPECT_STREQ(first.key, L"HKCU\\Software");
-    EXPECT_EQ(first.isBranch, -7);
-    EXPECT_EQ(first.position, 32767);
-    const KeyRule second = ReadKeyRule(editor, 1);
-    EXPECT_EQ(second.key, longText);
-    EXPECT_EQ(second.isBranch, 0);
-    EXPECT_EQ(second.position, -1);
-    EXPECT_TRUE(ReadKeyRule(editor, 2).key.IsEmpty());
-    EXPECT_TRUE(ReadKeyRule(editor, 3).key.IsEmpty());
-    const ValueRule value = ReadValueRule(editor, 0);
-    EXPECT_EQ(value.result, 1);
-    EXPECT_STREQ(value.key, L"no hive\\\\");
-    EXPECT_EQ(value.value, longText);
-    EXPECT_EQ(value.position, -32768);
+    EXPECT_EQ(KeyRule(editor, 0), L"1|HKCU\\Software|-7|32767");
+    EXPECT_EQ(KeyRule(editor, 1), L"1|" + longText + L"|0|-1");
+    EXPECT_EQ(KeyRule(editor, 2), L"1||1|5");
+    EXPECT_EQ(KeyRule(editor, 3), L"1||1|5");
+    EXPECT_EQ(ValueRule(editor, 0), L"1|no hive\\\\|" + longText + L"|-32768");
 }
 
 TEST(RegistryRulesCtrl, TheDefaultValueComesBackWithAnEmptyNameHoweverItWasWritten) {
     CRegistryRulesCtrl editor;
-    for (const wchar_t* name : {L"", L"(Default)", L"(DEFAULT)", L"(default)"})
-        editor.AddValueRule(L"HKCU\\a", name, 0);
-    editor.AddValueRule(L"HKCU\\a", nullptr, 0);
-    editor.AddValueRule(nullptr, L"Default", 0);
-    editor.AddValueRule(L"HKCU\\a", L" (Default)", 0);
-    for (long index = 0; index < 5; ++index) EXPECT_TRUE(ReadValueRule(editor, index).value.IsEmpty()) << index;
-    EXPECT_STREQ(ReadValueRule(editor, 5).value, L"Default");
-    EXPECT_TRUE(ReadValueRule(editor, 5).key.IsEmpty());
-    EXPECT_STREQ(ReadValueRule(editor, 6).value, L" (Default)");
+    const struct {
+        const wchar_t* name;
+        const wchar_t* readBack;
+    } cases[] = {{nullptr, L""},
+                 {L"", L""},
+                 {L"(Default)", L""},
+                 {L"(DEFAULT)", L""},
+                 {L"(default)", L""},
+                 {L"Default", L"Default"},
+                 {L" (Default)", L" (Default)"}};
+    for (const auto& c : cases) {
+        editor.AddValueRule(nullptr, c.name, 0);
+        EXPECT_EQ(ValueRule(editor, editor.GetValueRuleCount() - 1), std::wstring(L"1||") + c.readBack + L"|0");
+    }
 }
 
 TEST(RegistryRulesCtrl, AnIndexPastTheEndGivesZeroAndTouchesNothing) {
     CRegistryRulesCtrl editor;
     for (const long end : {0, 1}) {
         for (const long index : {end, end + 1, end + 2, std::numeric_limits<long>::max()}) {
-            SCOPED_TRACE(testing::Message() << index << " of " << end);
-            const KeyRule key = ReadKeyRule(editor, index);
-            EXPECT_EQ(key.result, 0);
-            EXPECT_STREQ(key.key, L"untouched");
-            EXPECT_EQ(key.isBranch + key.position, 2 * 99);
-            const ValueRule value = ReadValueRule(editor, index);
-            EXPECT_EQ(value.result, 0);
-            EXPECT_STREQ(value.key + value.value, L"untoucheduntouched");
-            EXPECT_EQ(value.position, 99);
+            EXPECT_EQ(KeyRule(editor, index), NoKeyRule) << index << " of " << end;
+            EXPECT_EQ(ValueRule(editor, index), NoValueRule) << index << " of " << end;
         }
         editor.AddKeyRule(L"HKCU\\a", 1, 0);
         editor.AddValueRule(L"HKCU\\a", L"b", 0);
@@ -106,15 +81,15 @@ TEST(RegistryRulesCtrl, AnIndexPastTheEndGivesZeroAndTouchesNothing) {
 
 TEST(RegistryRulesCtrl, ANegativeIndexRaisesOnlyWhereThereAreRules) {
     CRegistryRulesCtrl editor;
-    EXPECT_EQ(ReadKeyRule(editor, -1).result, 0);
-    EXPECT_EQ(ReadValueRule(editor, -1).result, 0);
+    EXPECT_EQ(KeyRule(editor, -1), NoKeyRule);
+    EXPECT_EQ(ValueRule(editor, -1), NoValueRule);
     editor.AddKeyRule(L"HKCU\\a", 1, 0);
     editor.AddValueRule(L"HKCU\\a", L"b", 0);
     for (const long index : {-1L, std::numeric_limits<long>::min()}) {
-        EXPECT_TRUE(RaisesInvalidArgument([&] { ReadKeyRule(editor, index); })) << index;
-        EXPECT_TRUE(RaisesInvalidArgument([&] { ReadValueRule(editor, index); })) << index;
+        EXPECT_TRUE(RaisesInvalidArgument([&] { KeyRule(editor, index); })) << index;
+        EXPECT_TRUE(RaisesInvalidArgument([&] { ValueRule(editor, index); })) << index;
     }
-    EXPECT_EQ(ReadKeyRule(editor, 0).result, 1);
+    EXPECT_EQ(KeyRule(editor, 0), L"1|HKCU\\a|1|0");
 }
 
 TEST(RegistryRulesCtrl, AssignmentSharesTheDialog) {

@@ -1,7 +1,9 @@
 #include "rules/RuleSet.h"
 
 #include <gtest/gtest.h>
+#include <limits>
 
+#include "rules/Raises.h"
 #include "rules/Rule.h"
 
 namespace {
@@ -16,26 +18,13 @@ private:
     int& m_destroyed;
 };
 
-bool RaisesInvalidArgument(const RuleSet<CKeyRule>& set, int index) {
-    try {
-        set.At(index);
-    } catch (CInvalidArgException* problem) {
-        problem->Delete();
-        return true;
-    }
-    return false;
-}
-
 TEST(RuleSet, TheTwoIndicesBehindTheEndRaiseAndThoseAfterThemGiveNull) {
     RuleSet<CKeyRule> set;
     for (int count = 0; count < 3; ++count) {
-        SCOPED_TRACE(count);
-        EXPECT_TRUE(RaisesInvalidArgument(set, -1));
-        EXPECT_TRUE(RaisesInvalidArgument(set, -2147483647 - 1));
-        EXPECT_TRUE(RaisesInvalidArgument(set, count));
-        EXPECT_TRUE(RaisesInvalidArgument(set, count + 1));
-        EXPECT_EQ(set.At(count + 2), nullptr);
-        EXPECT_EQ(set.At(2147483647), nullptr);
+        for (const int index : {-1, std::numeric_limits<int>::min(), count, count + 1})
+            EXPECT_TRUE(RaisesInvalidArgument([&] { set.At(index); })) << index << " of " << count;
+        for (const int index : {count + 2, std::numeric_limits<int>::max()})
+            EXPECT_EQ(set.At(index), nullptr) << index << " of " << count;
         set.Add(new CKeyRule(L"HKCU\\a", 1, count));
     }
     set.Clear();
@@ -52,7 +41,7 @@ TEST(RuleSet, ClearDeletesEachRecordOnceAndTheSetServesOn) {
     set.Clear();
     EXPECT_EQ(destroyed, 2);
     EXPECT_EQ(set.Count(), 0);
-    EXPECT_TRUE(RaisesInvalidArgument(set, 0));
+    EXPECT_TRUE(RaisesInvalidArgument([&] { set.At(0); }));
     CKeyRule* const rule = new CCountedRule(destroyed);
     set.Add(rule);
     EXPECT_EQ(set.At(0), rule);
