@@ -32,7 +32,7 @@ for program in "${programs[@]}"; do
     step "running: $area"
     run=(scripts/wine-run "$program")
     [ "$area" != usb ] || run=(scripts/two-machines "$program" build/windows-release/bin/usb_end.exe)
-    output=$(WINE_RUN_TIMEOUT=1200 "${run[@]}")
+    output=$(WINEDEBUG=-all WINE_RUN_TIMEOUT=1200 "${run[@]}")
     code=$?
     lines=$(sed -nE 's/\r//; /^.+: ratio [0-9.-]+, limit [0-9.-]+ \(ours .+, bare .+\)$/p' <<<"$output")
     if [ $code -ne 0 ] || [ -z "$lines" ]; then

@@ -39,7 +39,7 @@ lane() {
     passed=$((passed + ok)) failed=$((failed + bad))
     if [ $code -ne 0 ]; then
         sed -n '/The following tests FAILED/,$p' "$log"
-        grep -E -A8 'FAILED|Failure|watchdog|timed out|wine: Unhandled|=>' "$log" | head -80
+        grep -E -A8 'FAILED|Failure|watchdog|timed out|wine: Unhandled|:heap:|=>' "$log" | head -80
         [ "$bad" -gt 0 ] || fail "the lane '$1' ended without a count (whole log: $log)"
     fi
 }

@@ -17,6 +17,7 @@
 #include "peers/LinkSocket.h"
 #include "peers/StartProgram.h"
 #include "support/Narrow.h"
+#include "support/WriteCoverage.h"
 #include "transports/WinUsbSession.h"
 
 namespace {
@@ -180,6 +181,7 @@ private:
 
 void Obey(const LinkSocket& connection, const std::function<std::string(const Words&)>& act) {
     while (const auto line = connection.ReceiveLine()) connection.SendLine(act(SplitWords(*line)));
+    WriteCoverage();
     TerminateProcess(GetCurrentProcess(), kAgain);
 }
 

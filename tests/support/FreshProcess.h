@@ -14,6 +14,8 @@
 #include <cstdlib>
 #include <gtest/gtest.h>
 
+#include "support/WriteCoverage.h"
+
 // The framework prints nothing in the new process, so what failed goes out with its error output.
 inline void PrintFailures() {
     const testing::TestResult& result = *testing::UnitTest::GetInstance()->current_test_info()->result();
@@ -28,6 +30,7 @@ template <class Check>
     check();
     PrintFailures();
     std::fflush(stderr);
+    WriteCoverage();
     std::_Exit(testing::Test::HasFailure() ? 1 : 0);
 }
 
