@@ -187,6 +187,24 @@ TEST_F(DialogTest, TheOwnerIsDisabledMeanwhileAndActiveAfterwards) {
     EXPECT_EQ(::GetActiveWindow(), owner);
 }
 
+TEST_F(DialogTest, ATemplateWithoutAPlaceIsCenteredInTheOwnerAndStaysOnTheScreen) {
+    CPlainOwner owner;
+    CProbeDialog dialog(IDD_NO_PLACE, &owner);
+    CRect place;
+    dialog.m_inLoop = [&] {
+        dialog.GetWindowRect(place);
+        dialog.EndDialog(IDOK);
+    };
+    dialog.DoModal();
+    EXPECT_NEAR(place.left + place.right, 300 + 700, 2);
+    EXPECT_NEAR(place.top + place.bottom, 200 + 500, 2);
+    owner.MoveWindow(-300, -200, 400, 300);
+    dialog.DoModal();
+    CRect work;
+    SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
+    EXPECT_EQ(place.TopLeft(), work.TopLeft());
+}
+
 TEST_F(DialogTest, WhatAHandlerThrowsLeavesDoModalWhenAllIsTakenDown) {
     const auto throwPointer = [] { AfxThrowInvalidArgException(); };
     CPlainOwner owner;
