@@ -3,7 +3,6 @@
 #include <windows.h>
 #include <bcrypt.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <vector>
 
@@ -15,10 +14,6 @@ namespace {
 
 constexpr DWORD kBytes = 64 << 20;
 constexpr ULONG kChunkBytes = 0x800;
-
-void Require(bool condition) {
-    if (!condition) std::abort();
-}
 
 // A key of the system without the class under test.
 BCRYPT_KEY_HANDLE BareKey() {

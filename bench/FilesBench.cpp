@@ -1,6 +1,5 @@
 // The long-path wrappers and the directory tree against the bare calls that they stand for. The test for a
 // preinstallation boot is asked afresh for every path, so the bare side asks it as well.
-#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -14,10 +13,6 @@ constexpr int kPaths = 10000;
 constexpr int kLevels = 30;
 constexpr int kTrees = 20;  // in each run
 constexpr int kRuns = 25;   // short and many, because a busy machine disturbs long ones
-
-void Require(bool condition) {
-    if (!condition) std::abort();
-}
 
 void TestForPreinstallationBare() {
     HKEY key = nullptr;

@@ -1,6 +1,5 @@
 // Hexadecimal text of 16 MB against plain table loops, and the growth of replacing.
 #include <array>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -12,10 +11,6 @@
 namespace {
 
 constexpr size_t kBytes = 16 << 20;
-
-void Require(bool condition) {
-    if (!condition) std::abort();
-}
 
 std::wstring HexBare(const std::vector<BYTE>& bytes) {
     static constexpr wchar_t kDigits[] = L"0123456789abcdef";

@@ -2,7 +2,6 @@
 #include <windows.h>
 #include <aclapi.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -19,10 +18,6 @@ constexpr int kFilesInFolder = 100;
 
 const std::wstring s_folder = (std::filesystem::temp_directory_path() / L"ProfileCopyBench").wstring();
 SID s_everyone{SID_REVISION, 1, {SECURITY_WORLD_SID_AUTHORITY}, {SECURITY_WORLD_RID}};
-
-void Require(bool condition) {
-    if (!condition) std::abort();
-}
 
 void MakeSource(const std::wstring& source) {
     const std::string bytes(4096, 'x');

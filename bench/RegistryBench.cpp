@@ -1,5 +1,4 @@
 // Walking a tree of 20,000 keys and reading a text from each, by the toolkit and by the bare calls.
-#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -19,10 +18,6 @@ struct Seen {
     size_t chars = 0;
     bool operator==(const Seen&) const = default;
 };
-
-void Require(bool condition) {
-    if (!condition) std::abort();
-}
 
 void AddKey(const std::wstring& path) {
     HKEY key = nullptr;

@@ -9,24 +9,24 @@
 
 namespace {
 
-constexpr const wchar_t* Key = L"HKEY_CURRENT_USER\\Software\\Example\\Settings";
-constexpr const wchar_t* Value = L"WindowPlacement";
-constexpr int Passes = 5;
+constexpr const wchar_t* kKey = L"HKEY_CURRENT_USER\\Software\\Example\\Settings";
+constexpr const wchar_t* kValue = L"WindowPlacement";
+constexpr int kPasses = 5;
 
 struct BareRule {
-    std::wstring key = Key;
-    std::wstring value = Value;
+    std::wstring key = kKey;
+    std::wstring value = kValue;
     long position = 0;
 };
 
 double ReadKeyRules(int rules) {
     CRegistryRulesCtrl editor;
-    for (int i = 0; i < rules; ++i) editor.AddKeyRule(Key, 1, 0);
+    for (int i = 0; i < rules; ++i) editor.AddKeyRule(kKey, 1, 0);
     CString key;
     int isBranch = 0;
     long position = 0;
     return SecondsOf([&] {
-        for (int pass = 0; pass < Passes; ++pass) {
+        for (int pass = 0; pass < kPasses; ++pass) {
             for (long i = 0; i < rules; ++i) editor.GetKeyRule(i, key, &isBranch, &position);
         }
     });
@@ -34,12 +34,12 @@ double ReadKeyRules(int rules) {
 
 double ReadValueRules(int rules) {
     CRegistryRulesCtrl editor;
-    for (int i = 0; i < rules; ++i) editor.AddValueRule(Key, Value, 0);
+    for (int i = 0; i < rules; ++i) editor.AddValueRule(kKey, kValue, 0);
     CString key;
     CString value;
     long position = 0;
     return SecondsOf([&] {
-        for (int pass = 0; pass < Passes; ++pass) {
+        for (int pass = 0; pass < kPasses; ++pass) {
             for (long i = 0; i < rules; ++i) editor.GetValueRule(i, key, value, &position);
         }
     });
@@ -49,7 +49,7 @@ double ReadBare(int rules) {
     const std::list<BareRule> list(static_cast<std::size_t>(rules));
     volatile std::size_t characters = 0;
     return SecondsOf([&] {
-        for (int pass = 0; pass < Passes; ++pass) {
+        for (int pass = 0; pass < kPasses; ++pass) {
             for (const BareRule& rule : list) {
                 const BareRule copy = rule;
                 characters = characters + copy.key.size() + copy.value.size();
@@ -60,7 +60,7 @@ double ReadBare(int rules) {
 
 }  // namespace
 
-extern "C" int wmain() {
+int wmain() {
     Ratios ratios;
     for (const int rules : {10000, 20000, 40000}) {
         const std::string count = std::to_string(rules);

@@ -21,10 +21,6 @@ constexpr int kLineBytes = 25;
 constexpr int kMegabyte = 1 << 20;
 constexpr int kLinesForMegabyte = 10'000;
 
-void Require(bool condition) {
-    if (!condition) std::abort();
-}
-
 int LinesIn(int megabytes) {
     return megabytes * (kMegabyte / kLineBytes);
 }

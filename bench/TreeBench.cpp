@@ -129,7 +129,7 @@ double ExpandBare(int subkeys) {
 
 }  // namespace
 
-extern "C" int wmain() {
+int wmain() {
     const std::vector<int> sizes{5000, 10000, 20000};
     for (const int subkeys : sizes) {
         MakeKey(subkeys, subkeys / 20);

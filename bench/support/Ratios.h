@@ -7,14 +7,21 @@
 //             PrepareList();
 //             return SecondsOf(FillListBare);   // only this part is measured
 //         });
-//         ratios.Grow("opening", kLinear, {2500, 5000, 10000}, [](int rules) { return SecondsOf([=] { Open(rules); });
-//         }); ratios.Print(); return 0;
+//         ratios.Grow("opening", kLinear, {2500, 5000, 10000}, SecondsToOpen);
+//         ratios.Print();
+//         return 0;
 //     }
 #pragma once
 
+#include <cstdlib>
 #include <functional>
 #include <string>
 #include <vector>
+
+// Ends the program when a work did not do what is measured.
+inline void Require(bool holds) {
+    if (!holds) std::abort();
+}
 
 // Does its work once and gives the seconds of the part to be measured.
 using Work = std::function<double()>;

@@ -65,8 +65,8 @@ int CComboListCtrl::ColumnCount() const {
     return header != nullptr ? header->GetItemCount() : 0;
 }
 
-bool CComboListCtrl::HasCell(int row, int column) const {
-    return row >= 0 && row < GetItemCount() && column >= 0 && column < ColumnCount();
+bool CComboListCtrl::HasColumn(int column) const {
+    return column >= 0 && column < ColumnCount();
 }
 
 std::vector<int> CComboListCtrl::ColumnWidths() const {
@@ -86,9 +86,8 @@ bool CComboListCtrl::HitTestEx(CPoint point, int* row, int* column) const {
     if ((GetStyle() & LVS_TYPEMASK) != LVS_REPORT) {
         return false;
     }
-    // The system may give bounds for row -1 too.
     CRect bounds;
-    if (*row < 0 || !GetItemRect(*row, &bounds, LVIR_BOUNDS) || !bounds.PtInRect(point)) {
+    if (*row == -1 || !GetItemRect(*row, &bounds, LVIR_BOUNDS) || !bounds.PtInRect(point)) {
         return false;
     }
     const int hit = ColumnAt(ColumnWidths(), bounds.left, point.x);
@@ -101,7 +100,8 @@ bool CComboListCtrl::HitTestEx(CPoint point, int* row, int* column) const {
 
 bool CComboListCtrl::CalculateCellRect(int column, int row, CRect& rect) {
     CRect bounds;
-    if (!HasCell(row, column) || !GetItemRect(row, &bounds, LVIR_BOUNDS)) {
+    // The system may give bounds for rows that do not exist.
+    if (!HasColumn(column) || row < 0 || row >= GetItemCount() || !GetItemRect(row, &bounds, LVIR_BOUNDS)) {
         return false;
     }
     CRect client;
@@ -115,6 +115,9 @@ bool CComboListCtrl::CalculateCellRect(int column, int row, CRect& rect) {
 }
 
 void CComboListCtrl::ScrollToView(int column, CRect& rect) {
+    if (!HasColumn(column)) {
+        return;
+    }
     CRect client;
     GetClientRect(&client);
     const CellPlacement placed = PlaceCell(ColumnWidths(), column, rect.left, client.left, client.right);
@@ -155,7 +158,7 @@ void CComboListCtrl::ShowInPlaceEdit(int row, int column, const CString& text) {
 CInPlaceCombo* CComboListCtrl::ShowInPlaceCombo(int row, int column, const CStringList& items, const CString& text,
                                                 int selection) {
     CRect rect;
-    if (!EnsureVisible(row, TRUE) || column >= ColumnCount() || GetColumnWidth(column) < kNarrowestDropDown ||
+    if (!EnsureVisible(row, TRUE) || !HasColumn(column) || GetColumnWidth(column) < kNarrowestDropDown ||
         !CalculateCellRect(column, row, rect)) {
         return nullptr;
     }

@@ -36,7 +36,8 @@ public:
     // Scrolls the cell into view and gives the place where it then stands, in client coordinates. False, and the
     // rectangle as it was, for a cell that does not exist.
     bool CalculateCellRect(int column, int row, CRect& rect);
-    // Scrolls sideways until `column` (which must exist) is in view, and narrows `rect`, the bounds of a row, to it.
+    // Scrolls sideways until the column is in view, and narrows `rect`, the bounds of a row, to it. Nothing happens for
+    // a column that does not exist.
     void ScrollToView(int column, CRect& rect);
 
     // Opens the editor of a cell: a drop-down or an edit. Nothing happens while another edit is open, for a row that
@@ -62,7 +63,7 @@ protected:
 
 private:
     int ColumnCount() const;
-    bool HasCell(int row, int column) const;
+    bool HasColumn(int column) const;
     std::vector<int> ColumnWidths() const;
     LRESULT TellParent(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const;
     void EndOpenEdit();

@@ -34,7 +34,7 @@ void EnumerateValues(HKEY key, std::unique_ptr<wchar_t[]>& buffer,
                          nullptr) != ERROR_SUCCESS) {
         return;
     }
-    buffer.reset(new (std::nothrow) wchar_t[longest + 2]);
+    buffer.reset(new (std::nothrow) wchar_t[std::size_t{longest} + 2]);
     if (!buffer) {
         return;
     }

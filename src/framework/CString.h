@@ -76,12 +76,11 @@ public:
 
     // At least `minLength` writable characters plus a terminator; the text so far stays at their start. Until
     // ReleaseBuffer, GetLength may answer the size of the buffer.
-    PXSTR GetBuffer(int minLength) {
+    PXSTR GetBuffer(int minLength = 0) {
         if (minLength < 0) AfxThrowInvalidArgException();
         if (minLength > GetLength()) m_text.resize(static_cast<size_t>(minLength));
         return m_text.data();
     }
-    PXSTR GetBuffer() { return m_text.data(); }
     PXSTR GetBufferSetLength(int length) {
         if (length < 0) AfxThrowInvalidArgException();
         m_text.resize(static_cast<size_t>(length));
@@ -93,7 +92,6 @@ public:
         m_text.resize(newLength < 0 ? std::char_traits<XCHAR>::length(m_text.c_str()) : static_cast<size_t>(newLength));
     }
 
-    void Append(PCXSTR text) { m_text += View(text); }
     void Append(PCXSTR text, int length) { m_text += CStringT(text, length).m_text; }
     void AppendChar(XCHAR character) { m_text += character; }
     CStringT& operator+=(const CStringT& text) {
@@ -101,7 +99,7 @@ public:
         return *this;
     }
     CStringT& operator+=(PCXSTR text) {
-        Append(text);
+        m_text += View(text);
         return *this;
     }
     CStringT& operator+=(XCHAR character) {
@@ -124,8 +122,6 @@ public:
         return Position(m_text.find(text, static_cast<size_t>(start)));
     }
     int ReverseFind(XCHAR character) const { return Position(m_text.rfind(character)); }
-    // The first character that is one of `set`.
-    int FindOneOf(PCXSTR set) const { return Position(m_text.find_first_of(View(set))); }
 
     CStringT Left(int count) const { return Mid(0, count); }
     CStringT Right(int count) const { return Mid(GetLength() - std::clamp(count, 0, GetLength())); }
@@ -158,23 +154,7 @@ public:
     void __cdecl Format(PCXSTR format, ...) {
         va_list arguments;
         va_start(arguments, format);
-        FormatV(format, arguments);
-        va_end(arguments);
-    }
-    void FormatV(PCXSTR format, va_list arguments) { m_text = StringTraits::FormatV(format, arguments); }
-    void __cdecl AppendFormat(PCXSTR format, ...) {
-        va_list arguments;
-        va_start(arguments, format);
-        m_text += StringTraits::FormatV(format, arguments);
-        va_end(arguments);
-    }
-    // The format is a string resource; CInvalidArgException if there is none.
-    void __cdecl Format(UINT formatId, ...) {
-        CStringT format;
-        if (!format.LoadString(formatId)) AfxThrowInvalidArgException();
-        va_list arguments;
-        va_start(arguments, formatId);
-        FormatV(format, arguments);
+        m_text = StringTraits::FormatV(format, arguments);
         va_end(arguments);
     }
     // From the current module state's resources. FALSE and the text as it was if the string is not there.
@@ -189,25 +169,10 @@ public:
         return *this;
     }
 
-    // These four change the text. The first three answer how many places changed, the last two the new length.
-    int Replace(XCHAR from, XCHAR to) {
-        const auto count = std::count(m_text.begin(), m_text.end(), from);
-        std::replace(m_text.begin(), m_text.end(), from, to);
-        return from == to ? 0 : static_cast<int>(count);
-    }
-    // Scans from the left and never looks again at what it put in. An empty `from` changes nothing.
+    // Both answer how many places changed. Replace scans from the left and never looks again at what it put in; an
+    // empty `from` changes nothing.
     int Replace(PCXSTR from, PCXSTR to);
     int Remove(XCHAR character) { return static_cast<int>(std::erase(m_text, character)); }
-    int Insert(int index, PCXSTR text) {
-        m_text.insert(static_cast<size_t>(std::clamp(index, 0, GetLength())), View(text));
-        return GetLength();
-    }
-    int Insert(int index, XCHAR character) { return Insert(index, CStringT(character).GetString()); }
-    int Delete(int index, int count = 1) {
-        index = std::clamp(index, 0, GetLength());
-        m_text.erase(static_cast<size_t>(index), static_cast<size_t>(std::max(count, 0)));
-        return GetLength();
-    }
 
     friend CStringT operator+(CStringT left, const CStringT& right) { return std::move(left += right); }
     friend CStringT operator+(CStringT left, PCXSTR right) { return std::move(left += right); }
@@ -217,8 +182,6 @@ public:
 
     friend bool operator==(const CStringT& left, const CStringT& right) { return left.Compare(right) == 0; }
     friend bool operator==(const CStringT& left, PCXSTR right) { return left.Compare(right) == 0; }
-    friend bool operator<(const CStringT& left, const CStringT& right) { return left.Compare(right) < 0; }
-    friend bool operator<(const CStringT& left, PCXSTR right) { return left.Compare(right) < 0; }
 
 private:
     using TextView = std::basic_string_view<XCHAR>;

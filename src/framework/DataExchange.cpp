@@ -4,9 +4,7 @@ namespace {
 
 CString TextOf(HWND control) {
     CString text;
-    const int length = ::GetWindowTextLengthW(control);
-    const int copied = ::GetWindowTextW(control, text.GetBuffer(length), length + 1);
-    text.ReleaseBuffer(copied);
+    CWnd::FromHandle(control)->GetWindowText(text);
     return text;
 }
 

@@ -1,9 +1,10 @@
 #include "framework/Dialog.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "framework/DialogInit.h"
-#include "framework/WinApp.h"
+#include "framework/WindowProcedure.h"
 #include "framework/WindowThread.h"
 
 IMPLEMENT_DYNAMIC(CDialog, CWnd)
@@ -65,6 +66,34 @@ bool LeavesPlaceOpen(const DLGTEMPLATE* resource) {
     const DWORD style = isExtended ? extended->style : resource->style;
     const bool isAtOrigin = isExtended ? extended->x == 0 && extended->y == 0 : resource->x == 0 && resource->y == 0;
     return isAtOrigin && (style & (DS_CENTER | DS_CENTERMOUSE | DS_ABSALIGN | WS_CHILD)) == 0;
+}
+
+// Into the middle of the owner, or of the work area if there is none to be seen, and wholly inside the work area.
+void Center(CWnd& dialog) {
+    const HWND owner = ::GetWindow(dialog, GW_OWNER);
+    MONITORINFO monitor{};
+    monitor.cbSize = sizeof(monitor);
+    ::GetMonitorInfoW(::MonitorFromWindow(owner != nullptr ? owner : dialog.m_hWnd, MONITOR_DEFAULTTOPRIMARY),
+                      &monitor);
+    const CRect work(monitor.rcWork);
+    CRect around = work;
+    if (owner != nullptr && ::IsWindowVisible(owner) && !::IsIconic(owner)) ::GetWindowRect(owner, around);
+    CRect own;
+    dialog.GetWindowRect(own);
+    const int left = (around.left + around.right) / 2 - own.Width() / 2;
+    const int top = (around.top + around.bottom) / 2 - own.Height() / 2;
+    const int x = std::max<int>(work.left, std::min<int>(left, work.right - own.Width()));
+    const int y = std::max<int>(work.top, std::min<int>(top, work.bottom - own.Height()));
+    dialog.SetWindowPos(nullptr, x, y, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+// The window that the message is for is asked first, then its parents up to the top.
+bool PreTranslate(MSG& message) {
+    for (HWND window = message.hwnd; window != nullptr; window = ::GetParent(window)) {
+        CWnd* const object = CWnd::FromHandlePermanent(window);
+        if (object != nullptr && CWindowProcedure::PreTranslate(object, &message)) return true;
+    }
+    return false;
 }
 
 }  // namespace
@@ -129,7 +158,7 @@ void CDialog::PumpMessage() {
         m_isModal = false;
         return;
     }
-    if (WalkPreTranslateTree(nullptr, &message)) return;
+    if (PreTranslate(message)) return;
     ::TranslateMessage(&message);
     ::DispatchMessageW(&message);
 }
@@ -147,17 +176,6 @@ BOOL CDialog::PreTranslateMessage(MSG* message) {
     return isInput && ::IsDialogMessageW(m_hWnd, message);
 }
 
-BOOL CDialog::OnCmdMsg(UINT id, int code, void* extra, AFX_CMDHANDLERINFO* info) {
-    if (CWnd::OnCmdMsg(id, code, extra, info)) return TRUE;
-    constexpr UINT kFirstCommand = 0x8000;
-    constexpr UINT kFirstSystemCommand = 0xF000;
-    if (code != 0 || id < kFirstCommand || id >= kFirstSystemCommand) return FALSE;
-    CWnd* const owner = FromHandlePermanent(::GetParent(m_hWnd));
-    if (owner != nullptr && owner->OnCmdMsg(id, code, extra, info)) return TRUE;
-    CWinApp* const app = AfxGetApp();
-    return app != nullptr && app->OnCmdMsg(id, code, extra, info);
-}
-
 INT_PTR CALLBACK CDialog::DialogProcedure(HWND, UINT, WPARAM, LPARAM) {
     return FALSE;
 }
@@ -168,7 +186,7 @@ LRESULT CDialog::HandleInitDialog(WPARAM, LPARAM) {
     const BOOL setFocus = OnInitDialog();
     CRect now;
     GetWindowRect(now);
-    if (m_centers && now == created) CenterWindow();
+    if (m_centers && now == created) Center(*this);
     return setFocus;
 }
 

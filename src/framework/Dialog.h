@@ -45,8 +45,6 @@ public:
 
     // Dialog keys: Tab, arrows, Return, Escape, shortcuts.
     BOOL PreTranslateMessage(MSG* message) override;
-    // Behind the dialog come its owner and the application object, for ids of 0x8000 and up.
-    BOOL OnCmdMsg(UINT id, int code, void* extra, AFX_CMDHANDLERINFO* info) override;
 
 protected:
     // Before the dialog is shown. The base runs the dialog's initialisation resource and UpdateData(FALSE). TRUE gives

@@ -2,16 +2,14 @@
 #include "framework/WinApp.h"
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID) {
+    if (reason != DLL_PROCESS_ATTACH) return TRUE;
     AFX_MANAGE_STATE(AfxGetStaticModuleState())
     CWinApp* const app = AfxGetApp();
     if (app == nullptr) return TRUE;
     try {
-        // After a refusal the loader calls again with DLL_PROCESS_DETACH.
-        if (reason == DLL_PROCESS_ATTACH) return app->InitInstance();
-        if (reason == DLL_PROCESS_DETACH) app->ExitInstance();
+        return app->InitInstance();
     } catch (...) {
         // Nothing thrown may reach the loader.
         return FALSE;
     }
-    return TRUE;
 }

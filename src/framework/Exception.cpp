@@ -3,47 +3,29 @@
 #include <cwchar>
 
 IMPLEMENT_DYNAMIC(CException, CObject)
-IMPLEMENT_DYNAMIC(CMemoryException, CException)
-IMPLEMENT_DYNAMIC(CNotSupportedException, CException)
-IMPLEMENT_DYNAMIC(CResourceException, CException)
+IMPLEMENT_DYNAMIC(CSimpleException, CException)
+IMPLEMENT_DYNAMIC(CMemoryException, CSimpleException)
+IMPLEMENT_DYNAMIC(CNotSupportedException, CSimpleException)
+IMPLEMENT_DYNAMIC(CResourceException, CSimpleException)
+IMPLEMENT_DYNAMIC(CInvalidArgException, CSimpleException)
 IMPLEMENT_DYNAMIC(CUserException, CException)
-IMPLEMENT_DYNAMIC(CInvalidArgException, CException)
-
-namespace {
-
-BOOL Answer(const wchar_t* message, LPWSTR text, UINT maxChars, PUINT helpContext) {
-    if (helpContext != nullptr) *helpContext = 0;
-    if (text == nullptr || maxChars == 0) return FALSE;
-    wcsncpy(text, message, maxChars - 1);
-    text[maxChars - 1] = L'\0';
-    return TRUE;
-}
-
-}  // namespace
 
 void CException::Delete() {
     if (m_bAutoDelete) delete this;
 }
 
 BOOL CException::GetErrorMessage(LPWSTR text, UINT maxChars, PUINT helpContext) const {
-    Answer(L"", text, maxChars, helpContext);
+    if (helpContext != nullptr) *helpContext = 0;
+    if (text != nullptr && maxChars != 0) text[0] = L'\0';
     return FALSE;
 }
 
-BOOL CMemoryException::GetErrorMessage(LPWSTR text, UINT maxChars, PUINT helpContext) const {
-    return Answer(L"There is not enough memory.", text, maxChars, helpContext);
-}
-
-BOOL CNotSupportedException::GetErrorMessage(LPWSTR text, UINT maxChars, PUINT helpContext) const {
-    return Answer(L"This operation is not supported.", text, maxChars, helpContext);
-}
-
-BOOL CResourceException::GetErrorMessage(LPWSTR text, UINT maxChars, PUINT helpContext) const {
-    return Answer(L"A resource is missing.", text, maxChars, helpContext);
-}
-
-BOOL CInvalidArgException::GetErrorMessage(LPWSTR text, UINT maxChars, PUINT helpContext) const {
-    return Answer(L"An argument is not valid.", text, maxChars, helpContext);
+BOOL CSimpleException::GetErrorMessage(LPWSTR text, UINT maxChars, PUINT helpContext) const {
+    CException::GetErrorMessage(text, maxChars, helpContext);
+    if (text == nullptr || maxChars == 0) return FALSE;
+    wcsncpy(text, m_message, maxChars - 1);
+    text[maxChars - 1] = L'\0';
+    return TRUE;
 }
 
 void AfxThrowMemoryException() {

@@ -28,33 +28,47 @@ private:
 };
 
 // The exceptions that carry nothing but their kind.
-class AFX_API CMemoryException : public CException {
+class AFX_API CSimpleException : public CException {
+    DECLARE_DYNAMIC(CSimpleException)
+
+public:
+    BOOL GetErrorMessage(LPWSTR text, UINT maxChars, PUINT helpContext = nullptr) const override;
+
+protected:
+    // A literal.
+    explicit CSimpleException(LPCWSTR message) : m_message(message) {}
+
+private:
+    LPCWSTR m_message;
+};
+
+class AFX_API CMemoryException : public CSimpleException {
     DECLARE_DYNAMIC(CMemoryException)
 public:
-    BOOL GetErrorMessage(LPWSTR text, UINT maxChars, PUINT helpContext = nullptr) const override;
+    CMemoryException() : CSimpleException(L"There is not enough memory.") {}
 };
 
-class AFX_API CNotSupportedException : public CException {
+class AFX_API CNotSupportedException : public CSimpleException {
     DECLARE_DYNAMIC(CNotSupportedException)
 public:
-    BOOL GetErrorMessage(LPWSTR text, UINT maxChars, PUINT helpContext = nullptr) const override;
+    CNotSupportedException() : CSimpleException(L"This operation is not supported.") {}
 };
 
-class AFX_API CResourceException : public CException {
+class AFX_API CResourceException : public CSimpleException {
     DECLARE_DYNAMIC(CResourceException)
 public:
-    BOOL GetErrorMessage(LPWSTR text, UINT maxChars, PUINT helpContext = nullptr) const override;
+    CResourceException() : CSimpleException(L"A resource is missing.") {}
+};
+
+class AFX_API CInvalidArgException : public CSimpleException {
+    DECLARE_DYNAMIC(CInvalidArgException)
+public:
+    CInvalidArgException() : CSimpleException(L"An argument is not valid.") {}
 };
 
 // Ends an operation after the user has been told why; it has no text of its own.
 class AFX_API CUserException : public CException {
     DECLARE_DYNAMIC(CUserException)
-};
-
-class AFX_API CInvalidArgException : public CException {
-    DECLARE_DYNAMIC(CInvalidArgException)
-public:
-    BOOL GetErrorMessage(LPWSTR text, UINT maxChars, PUINT helpContext = nullptr) const override;
 };
 
 [[noreturn]] AFX_API void AfxThrowMemoryException();

@@ -119,10 +119,6 @@ ULONGLONG CFile::GetLength() const {
     return static_cast<ULONGLONG>(length.QuadPart);
 }
 
-void CFile::Flush() {
-    if (m_hFile != hFileNull && !FlushFileBuffers(m_hFile)) ThrowLastError();
-}
-
 void CFile::Close() {
     const HANDLE file = std::exchange(m_hFile, hFileNull);
     m_bCloseOnDelete = FALSE;

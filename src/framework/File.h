@@ -57,7 +57,6 @@ public:
     virtual ULONGLONG Seek(LONGLONG offset, UINT from);
     virtual ULONGLONG GetPosition() const;
     virtual ULONGLONG GetLength() const;
-    virtual void Flush();
     // A closed file may be closed again.
     virtual void Close();
 

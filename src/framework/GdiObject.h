@@ -1,4 +1,4 @@
-// Fonts, brushes, pens and bitmaps that are deleted with their object.
+// Fonts, brushes and bitmaps that are deleted with their object.
 #pragma once
 
 #include "framework/Geometry.h"

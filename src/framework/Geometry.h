@@ -20,10 +20,6 @@ public:
     // The low and the high half of a message's parameter, each with its sign.
     explicit CPoint(LPARAM packed) : POINT{static_cast<short>(LOWORD(packed)), static_cast<short>(HIWORD(packed))} {}
 
-    void Offset(int right, int down) {
-        x += right;
-        y += down;
-    }
     friend bool operator==(CPoint left, CPoint right) { return left.x == right.x && left.y == right.y; }
 };
 
@@ -41,9 +37,7 @@ public:
     // Negative when the edges stand crosswise.
     int Width() const { return right - left; }
     int Height() const { return bottom - top; }
-    CSize Size() const { return {Width(), Height()}; }
     CPoint TopLeft() const { return {left, top}; }
-    CPoint CenterPoint() const { return {(left + right) / 2, (top + bottom) / 2}; }
 
     BOOL PtInRect(POINT point) const { return ::PtInRect(this, point); }
     void DeflateRect(int x, int y) { ::InflateRect(this, -x, -y); }

@@ -26,7 +26,6 @@ public:
     // Temporary, see CWnd::FromHandle; null for null.
     static CImageList* FromHandle(HIMAGELIST list);
 
-    HIMAGELIST GetSafeHandle() const { return m_hImageList; }
     // `width` and `height` in pixels, `flags` ILC_..., `initial` and `grow` in pictures. FALSE on failure or if there
     // is a list already.
     BOOL Create(int width, int height, UINT flags, int initial, int grow) {
@@ -41,9 +40,6 @@ public:
     // The index of the new picture, or -1. The list keeps copies; icon and bitmap stay the caller's.
     int Add(HICON icon) { return ::ImageList_ReplaceIcon(m_hImageList, -1, icon); }
     int Add(CBitmap* bitmap, COLORREF mask) { return ::ImageList_AddMasked(m_hImageList, *bitmap, mask); }
-    BOOL Draw(CDC* context, int image, POINT point, UINT style) {
-        return ::ImageList_Draw(m_hImageList, image, context->m_hDC, point.x, point.y, style);
-    }
 
     BOOL BeginDrag(int image, CPoint hotSpot) {
         return ::ImageList_BeginDrag(m_hImageList, image, hotSpot.x, hotSpot.y);

@@ -6,13 +6,12 @@
 //         const CString& name = names.GetNext(place);    // `place` goes on to the next, null behind the last
 //     }
 //
-// A position stays good until its element is removed. A null position given to a member that needs an element, and the
-// head or tail of an empty list, throw CInvalidArgException.
+// Elements stay until RemoveAll, and positions are good as long. A null position given to a member that needs an
+// element, and the tail of an empty list, throw CInvalidArgException.
 #pragma once
 
 #include <list>
 #include <memory_resource>
-#include <utility>
 
 #include "framework/CString.h"
 
@@ -23,14 +22,10 @@ public:
     explicit CList(INT_PTR blockSize = 10) { static_cast<void>(blockSize); }
 
     INT_PTR GetCount() const { return static_cast<INT_PTR>(m_nodes.size()); }
-    INT_PTR GetSize() const { return GetCount(); }
     BOOL IsEmpty() const { return m_nodes.empty(); }
 
     POSITION AddHead(ARG_TYPE element) { return Link(m_nodes.begin(), element); }
     POSITION AddTail(ARG_TYPE element) { return Link(m_nodes.end(), element); }
-    TYPE RemoveHead() { return Take(At(GetHeadPosition())); }
-    TYPE RemoveTail() { return Take(At(GetTailPosition())); }
-    void RemoveAt(POSITION place) { Take(At(place)); }
     void RemoveAll() {
         m_nodes.clear();
         m_blocks.release();
@@ -38,14 +33,9 @@ public:
     }
 
     POSITION GetHeadPosition() const { return m_nodes.empty() ? nullptr : Place(m_nodes.front()); }
-    POSITION GetTailPosition() const { return m_nodes.empty() ? nullptr : Place(m_nodes.back()); }
-    TYPE& GetHead() { return At(GetHeadPosition()).element; }
-    const TYPE& GetHead() const { return At(GetHeadPosition()).element; }
-    TYPE& GetTail() { return At(GetTailPosition()).element; }
-    const TYPE& GetTail() const { return At(GetTailPosition()).element; }
+    TYPE& GetTail() { return At(m_nodes.empty() ? nullptr : Place(m_nodes.back())).element; }
     TYPE& GetAt(POSITION place) { return At(place).element; }
     const TYPE& GetAt(POSITION place) const { return At(place).element; }
-    void SetAt(POSITION place, ARG_TYPE element) { At(place).element = element; }
 
     // The element at `place`, which moves on to the following one, or becomes null behind the last.
     TYPE& GetNext(POSITION& place) {
@@ -55,14 +45,11 @@ public:
     }
     const TYPE& GetNext(POSITION& place) const { return const_cast<CList*>(this)->GetNext(place); }
 
-    // The first element equal to `element`, looking behind `after` if that is given; else null.
-    POSITION Find(ARG_TYPE element, POSITION after = nullptr) const {
-        for (POSITION place = after == nullptr ? GetHeadPosition() : After(At(after)); place != nullptr;) {
-            Node& node = At(place);
-            if (node.element == element) return place;
-            place = After(node);
-        }
-        return nullptr;
+    // The first element equal to `element`, or null.
+    POSITION Find(ARG_TYPE element) const {
+        POSITION place = GetHeadPosition();
+        while (place != nullptr && !(At(place).element == element)) place = After(At(place));
+        return place;
     }
     // Null if `index` is negative or past the end. Indexes in rising order cost one step each.
     POSITION FindIndex(INT_PTR index) const;
@@ -88,12 +75,6 @@ private:
         node->self = node;
         return Place(*node);
     }
-    TYPE Take(Node& node) {
-        m_cursor = nullptr;
-        TYPE element = std::move(node.element);
-        m_nodes.erase(node.self);
-        return element;
-    }
 
     // Nodes come from blocks: a long list would else be mostly the system's work, which takes long for small pieces.
     std::pmr::unsynchronized_pool_resource m_blocks;
@@ -116,11 +97,6 @@ POSITION CList<TYPE, ARG_TYPE>::FindIndex(INT_PTR index) const {
 }
 
 class CStringList : public CList<CString, LPCWSTR> {
-public:
-    using CList::CList;
-};
-
-class CPtrList : public CList<void*, void*> {
 public:
     using CList::CList;
 };

@@ -55,21 +55,6 @@ BOOL CListCtrl::SetItemText(int row, int column, LPCWSTR text) {
     return Ask(LVM_SETITEMTEXTW, row, reinterpret_cast<LPARAM>(&item));
 }
 
-DWORD_PTR CListCtrl::GetItemData(int row) const {
-    LVITEMW item{};
-    item.mask = LVIF_PARAM;
-    item.iItem = row;
-    return Ask(LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item)) ? static_cast<DWORD_PTR>(item.lParam) : 0;
-}
-
-BOOL CListCtrl::SetItemData(int row, DWORD_PTR data) {
-    LVITEMW item{};
-    item.mask = LVIF_PARAM;
-    item.iItem = row;
-    item.lParam = static_cast<LPARAM>(data);
-    return Ask(LVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
-}
-
 BOOL CListCtrl::SetItemState(int row, UINT state, UINT mask) {
     LVITEMW item{};
     item.state = state;

@@ -21,15 +21,11 @@ public:
     int InsertItem(int row, LPCWSTR text) { return InsertItem(LVIF_TEXT, row, text, 0, 0, 0, 0); }
     int InsertItem(UINT mask, int row, LPCWSTR text, UINT state, UINT stateMask, int image, LPARAM data);
     BOOL DeleteItem(int row) { return Ask(LVM_DELETEITEM, row); }
-    BOOL DeleteAllItems() { return Ask(LVM_DELETEALLITEMS); }
     int GetItemCount() const { return Ask(LVM_GETITEMCOUNT); }
 
     // The text of a cell, of any length; empty for a cell that is not there.
     CString GetItemText(int row, int column) const;
     BOOL SetItemText(int row, int column, LPCWSTR text);
-    // 0 for a row that is not there.
-    DWORD_PTR GetItemData(int row) const;
-    BOOL SetItemData(int row, DWORD_PTR data);
     UINT GetItemState(int row, UINT mask) const { return static_cast<UINT>(Ask(LVM_GETITEMSTATE, row, mask)); }
     // Row -1 means every row.
     BOOL SetItemState(int row, UINT state, UINT mask);

@@ -37,7 +37,6 @@ public:
     ULONGLONG GetLength() const override { return m_nFileSize; }
     // The bytes of a longer file are lost, its memory is kept; a shorter one is filled with zeros.
     void SetLength(ULONGLONG length);
-    void Flush() override {}
     // Frees the buffer; the file cannot grow afterwards.
     void Close() override;
 

@@ -40,8 +40,7 @@ using AFX_PMSG = bool (*)(CCmdTarget& target, AFX_MSG_CALL& call);
 struct AFX_MSGMAP_ENTRY {
     UINT nMessage;
     UINT nCode;    // notification code, in 16 bits
-    UINT nID;      // first id of the control or command
-    UINT nLastID;  // last id
+    UINT nID;      // of the control or command
     AFX_PMSG pfn;  // null ends the table
 };
 
@@ -155,16 +154,16 @@ protected:                                        \
         using TheBaseClass = base_class;                 \
         static const AFX_MSGMAP_ENTRY messageEntries[] = {
 #define END_MESSAGE_MAP()                                                                    \
-    { 0, 0, 0, 0, nullptr }                                                                  \
+    { 0, 0, 0, nullptr }                                                                     \
     }                                                                                        \
     ;                                                                                        \
     static const AFX_MSGMAP messageMap = {&TheBaseClass::GetThisMessageMap, messageEntries}; \
     return &messageMap;                                                                      \
     }
 
-#define AFX_MESSAGE_ENTRY(message, arguments, handler) {message, 0, 0, 0, &afx::Handle<afx::arguments, handler>},
-#define AFX_CONTROL_ENTRY(message, code, first_id, last_id, arguments, handler) \
-    {message, static_cast<WORD>(code), first_id, last_id, &afx::Handle<afx::arguments, handler>},
+#define AFX_MESSAGE_ENTRY(message, arguments, handler) {message, 0, 0, &afx::Handle<afx::arguments, handler>},
+#define AFX_CONTROL_ENTRY(message, code, id, arguments, handler) \
+    {message, static_cast<WORD>(code), id, &afx::Handle<afx::arguments, handler>},
 
 #define ON_WM_CREATE() AFX_MESSAGE_ENTRY(WM_CREATE, CreateArguments, &ThisClass::OnCreate)
 #define ON_WM_DESTROY() AFX_MESSAGE_ENTRY(WM_DESTROY, NoArguments, &ThisClass::OnDestroy)
@@ -193,9 +192,8 @@ protected:                                        \
 #define ON_MESSAGE(message, handler) AFX_MESSAGE_ENTRY(message, RawArguments, handler)
 
 // void OnX()
-#define ON_CONTROL(code, id, handler) AFX_CONTROL_ENTRY(WM_COMMAND, code, id, id, NoArguments, handler)
-#define ON_CONTROL_REFLECT(code, handler) \
-    AFX_CONTROL_ENTRY(WM_REFLECT_BASE + WM_COMMAND, code, 0, 0, NoArguments, handler)
+#define ON_CONTROL(code, id, handler) AFX_CONTROL_ENTRY(WM_COMMAND, code, id, NoArguments, handler)
+#define ON_CONTROL_REFLECT(code, handler) AFX_CONTROL_ENTRY(WM_REFLECT_BASE + WM_COMMAND, code, 0, NoArguments, handler)
 #define ON_COMMAND(id, handler) ON_CONTROL(0, id, handler)
 #define ON_BN_CLICKED(id, handler) ON_CONTROL(BN_CLICKED, id, handler)
 #define ON_EN_CHANGE(id, handler) ON_CONTROL(EN_CHANGE, id, handler)
@@ -204,6 +202,6 @@ protected:                                        \
 #define ON_CBN_SELCHANGE(id, handler) ON_CONTROL(CBN_SELCHANGE, id, handler)
 
 // void OnX(NMHDR*, LRESULT*)
-#define ON_NOTIFY(code, id, handler) AFX_CONTROL_ENTRY(WM_NOTIFY, code, id, id, NotifyArguments, handler)
+#define ON_NOTIFY(code, id, handler) AFX_CONTROL_ENTRY(WM_NOTIFY, code, id, NotifyArguments, handler)
 #define ON_NOTIFY_REFLECT(code, handler) \
-    AFX_CONTROL_ENTRY(WM_REFLECT_BASE + WM_NOTIFY, code, 0, 0, NotifyArguments, handler)
+    AFX_CONTROL_ENTRY(WM_REFLECT_BASE + WM_NOTIFY, code, 0, NotifyArguments, handler)

@@ -40,14 +40,6 @@ HINSTANCE AfxGetResourceHandle() {
     return AfxGetModuleState()->m_hCurrentResourceHandle;
 }
 
-void AfxSetResourceHandle(HINSTANCE module) {
-    AfxGetModuleState()->m_hCurrentResourceHandle = module;
-}
-
 HINSTANCE AfxFindResourceHandle(LPCWSTR, LPCWSTR) {
-    return AfxGetResourceHandle();
-}
-
-HINSTANCE AfxFindStringResourceHandle(UINT) {
     return AfxGetResourceHandle();
 }

@@ -57,8 +57,6 @@ private:
 AFX_API CWinApp* AfxGetApp();
 AFX_API HINSTANCE AfxGetInstanceHandle();
 AFX_API HINSTANCE AfxGetResourceHandle();
-AFX_API void AfxSetResourceHandle(HINSTANCE module);
 
 // The module in which to look for a resource: the current state's. The framework brings no resources of its own.
 AFX_API HINSTANCE AfxFindResourceHandle(LPCWSTR name, LPCWSTR type);
-AFX_API HINSTANCE AfxFindStringResourceHandle(UINT id);

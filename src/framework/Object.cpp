@@ -1,6 +1,6 @@
 #include "framework/Object.h"
 
-CRuntimeClass CObject::classCObject = {"CObject", sizeof(CObject), 0xFFFF, nullptr, nullptr};
+CRuntimeClass CObject::classCObject = {"CObject", nullptr, nullptr};
 
 CObject* CRuntimeClass::CreateObject() const {
     return m_pfnCreateObject != nullptr ? m_pfnCreateObject() : nullptr;

@@ -19,8 +19,6 @@ class CObject;
 // Describes one class. Records are compared by address: there is one per class and process.
 struct CRuntimeClass {
     LPCSTR m_lpszClassName;
-    int m_nObjectSize;  // bytes
-    UINT m_wSchema;
     CObject* (*m_pfnCreateObject)();  // null: objects cannot be made by the record
     CRuntimeClass* (*m_pfnGetBaseClass)();
 
@@ -67,21 +65,19 @@ public:                               \
 private:
 
 // The base's record is reached through a function, because the address of another DLL's data is no constant.
-#define IMPLEMENT_RUNTIMECLASS(class_name, base_class_name, schema, create)                         \
-    CRuntimeClass* class_name::GetBaseRuntimeClass() {                                              \
-        return RUNTIME_CLASS(base_class_name);                                                      \
-    }                                                                                               \
-    CRuntimeClass class_name::class##class_name = {#class_name, sizeof(class_name), schema, create, \
-                                                   &class_name::GetBaseRuntimeClass};               \
-    CRuntimeClass* class_name::GetRuntimeClass() const {                                            \
-        return RUNTIME_CLASS(class_name);                                                           \
+#define IMPLEMENT_RUNTIMECLASS(class_name, base_class_name, create)                                        \
+    CRuntimeClass* class_name::GetBaseRuntimeClass() {                                                     \
+        return RUNTIME_CLASS(base_class_name);                                                             \
+    }                                                                                                      \
+    CRuntimeClass class_name::class##class_name = {#class_name, create, &class_name::GetBaseRuntimeClass}; \
+    CRuntimeClass* class_name::GetRuntimeClass() const {                                                   \
+        return RUNTIME_CLASS(class_name);                                                                  \
     }
 
-#define IMPLEMENT_DYNAMIC(class_name, base_class_name) \
-    IMPLEMENT_RUNTIMECLASS(class_name, base_class_name, 0xFFFF, nullptr)
+#define IMPLEMENT_DYNAMIC(class_name, base_class_name) IMPLEMENT_RUNTIMECLASS(class_name, base_class_name, nullptr)
 
 #define IMPLEMENT_DYNCREATE(class_name, base_class_name) \
     CObject* class_name::CreateObject() {                \
         return new class_name;                           \
     }                                                    \
-    IMPLEMENT_RUNTIMECLASS(class_name, base_class_name, 0xFFFF, &class_name::CreateObject)
+    IMPLEMENT_RUNTIMECLASS(class_name, base_class_name, &class_name::CreateObject)

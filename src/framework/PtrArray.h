@@ -15,22 +15,19 @@
 class CPtrArray : public CObject {
 public:
     INT_PTR GetCount() const { return static_cast<INT_PTR>(m_elements.size()); }
-    void* GetAt(INT_PTR index) const { return m_elements[Checked(index, 1)]; }
+    void* GetAt(INT_PTR index) const { return m_elements[Checked(index)]; }
     // Returns the index of the new element.
     INT_PTR Add(void* element) {
         m_elements.push_back(element);
         return GetCount() - 1;
     }
-    // Those behind it move up. Elements that are not there cannot be removed: CInvalidArgException.
-    void RemoveAt(INT_PTR index, INT_PTR count = 1) {
-        const auto first = m_elements.begin() + static_cast<INT_PTR>(Checked(index, count));
-        m_elements.erase(first, first + count);
-    }
+    // Those behind it move up.
+    void RemoveAt(INT_PTR index) { m_elements.erase(m_elements.begin() + static_cast<INT_PTR>(Checked(index))); }
     void RemoveAll() { m_elements.clear(); }
 
 private:
-    size_t Checked(INT_PTR index, INT_PTR count) const {
-        if (index < 0 || count < 0 || index > GetCount() || count > GetCount() - index) AfxThrowInvalidArgException();
+    size_t Checked(INT_PTR index) const {
+        if (index < 0 || index >= GetCount()) AfxThrowInvalidArgException();
         return static_cast<size_t>(index);
     }
 

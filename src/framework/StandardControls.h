@@ -27,13 +27,6 @@ public:
         SendMessage(EM_SETSEL, static_cast<WPARAM>(start), end);
         if (!noScroll) SendMessage(EM_SCROLLCARET);
     }
-    void GetSel(int& start, int& end) const {
-        DWORD from = 0;
-        DWORD to = 0;
-        SendMessage(EM_GETSEL, reinterpret_cast<WPARAM>(&from), reinterpret_cast<LPARAM>(&to));
-        start = static_cast<int>(from);
-        end = static_cast<int>(to);
-    }
     BOOL SetReadOnly(BOOL readOnly = TRUE) {
         return static_cast<BOOL>(SendMessage(EM_SETREADONLY, static_cast<WPARAM>(readOnly)));
     }
@@ -50,7 +43,6 @@ public:
     BOOL Create(DWORD style, const RECT& rect, CWnd* parent, UINT id) {
         return CWnd::Create(L"COMBOBOX", nullptr, style, rect, parent, id);
     }
-    int GetCount() const { return Ask(CB_GETCOUNT); }
     int GetCurSel() const { return Ask(CB_GETCURSEL); }
     int SetCurSel(int index) { return Ask(CB_SETCURSEL, static_cast<WPARAM>(index)); }
     int AddString(LPCWSTR text) { return Ask(CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text)); }
@@ -59,8 +51,6 @@ public:
     int SelectString(int after, LPCWSTR text) {
         return Ask(CB_SELECTSTRING, static_cast<WPARAM>(after), reinterpret_cast<LPARAM>(text));
     }
-    // CInvalidArgException if there is no such item.
-    void GetLBText(int index, CString& text) const;
 
 private:
     int Ask(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const {

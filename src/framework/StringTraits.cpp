@@ -53,35 +53,8 @@ std::wstring ChTraitsCRT<wchar_t>::Convert(const char* text, int length) {
     return wide;
 }
 
-bool ChTraitsCRT<char>::IsSpace(char character) {
-    return std::strchr(" \t\n\v\f\r", character) && character != '\0';
-}
-
 int ChTraitsCRT<char>::Compare(const char* first, const char* second) {
     return Sign(std::strcmp(first, second));
-}
-
-int ChTraitsCRT<char>::CompareNoCase(const char* first, const char* second) {
-    return Sign(_stricmp(first, second));
-}
-
-void ChTraitsCRT<char>::MakeLower(char* text, int length) {
-    CharLowerBuffA(text, static_cast<DWORD>(length));
-}
-
-void ChTraitsCRT<char>::MakeUpper(char* text, int length) {
-    CharUpperBuffA(text, static_cast<DWORD>(length));
-}
-
-std::string ChTraitsCRT<char>::FormatV(const char* format, va_list arguments) {
-    va_list counting;
-    va_copy(counting, arguments);
-    const int length = format != nullptr ? _vscprintf(format, counting) : -1;
-    va_end(counting);
-    if (length < 0) AfxThrowInvalidArgException();
-    std::string text(static_cast<size_t>(length), '\0');
-    _vsnprintf(text.data(), text.size() + 1, format, arguments);
-    return text;
 }
 
 std::string ChTraitsCRT<char>::Convert(const wchar_t* text, int length) {
@@ -94,15 +67,8 @@ std::string ChTraitsCRT<char>::Convert(const wchar_t* text, int length) {
 BOOL StrTraitMFC_DLL<wchar_t, ChTraitsCRT<wchar_t>>::LoadResourceText(UINT id, std::wstring& text) {
     // With a size of 0 the call answers a pointer into the resource itself, so the text may have any length.
     const wchar_t* resource = nullptr;
-    const int length = LoadStringW(AfxFindStringResourceHandle(id), id, reinterpret_cast<wchar_t*>(&resource), 0);
+    const int length = LoadStringW(AfxGetResourceHandle(), id, reinterpret_cast<wchar_t*>(&resource), 0);
     if (length <= 0) return FALSE;
     text.assign(resource, static_cast<size_t>(length));
-    return TRUE;
-}
-
-BOOL StrTraitMFC_DLL<char, ChTraitsCRT<char>>::LoadResourceText(UINT id, std::string& text) {
-    std::wstring wide;
-    if (!StrTraitMFC_DLL<wchar_t>::LoadResourceText(id, wide)) return FALSE;
-    text = Convert(wide.c_str(), static_cast<int>(wide.size()));
     return TRUE;
 }

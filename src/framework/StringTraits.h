@@ -26,34 +26,23 @@ public:
     static std::wstring Convert(const char* text, int length);
 };
 
+// No more than conversions need.
 template <>
 class AFX_API ChTraitsCRT<char> {
 public:
     using OtherChar = wchar_t;
 
-    static bool IsSpace(char character);
     static int Compare(const char* first, const char* second);
-    static int CompareNoCase(const char* first, const char* second);
-    static void MakeLower(char* text, int length);
-    static void MakeUpper(char* text, int length);
-    static std::string FormatV(const char* format, va_list arguments);
     // To the process's ANSI code page.
     static std::string Convert(const wchar_t* text, int length);
 };
 
 template <typename CharType, typename Traits = ChTraitsCRT<CharType>>
-class StrTraitMFC_DLL;
+class StrTraitMFC_DLL : public Traits {};
 
-// String resources are searched in the current module state's resources first.
 template <>
 class AFX_API StrTraitMFC_DLL<wchar_t, ChTraitsCRT<wchar_t>> : public ChTraitsCRT<wchar_t> {
 public:
-    // FALSE and an untouched `text` if no module has the string.
+    // FALSE and an untouched `text` if the current module state's resources do not have the string.
     static BOOL LoadResourceText(UINT id, std::wstring& text);
-};
-
-template <>
-class AFX_API StrTraitMFC_DLL<char, ChTraitsCRT<char>> : public ChTraitsCRT<char> {
-public:
-    static BOOL LoadResourceText(UINT id, std::string& text);
 };

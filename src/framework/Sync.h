@@ -23,30 +23,20 @@ private:
     std::recursive_mutex m_mutex;
 };
 
-// Holds a critical section for a block; one object belongs to one thread.
+// Holds a critical section until the end of a block, or does nothing if `initialLock` is FALSE.
 class CSingleLock {
 public:
     // `section` must outlive this object.
-    explicit CSingleLock(CCriticalSection* section, BOOL initialLock = FALSE) : m_section(section) {
-        if (initialLock) Lock();
+    explicit CSingleLock(CCriticalSection* section, BOOL initialLock = FALSE)
+        : m_section(initialLock ? section : nullptr) {
+        if (m_section != nullptr) m_section->Lock();
     }
-    ~CSingleLock() { Unlock(); }
+    ~CSingleLock() {
+        if (m_section != nullptr) m_section->Unlock();
+    }
     CSingleLock(const CSingleLock&) = delete;
     CSingleLock& operator=(const CSingleLock&) = delete;
 
-    BOOL Lock() {
-        if (!m_isLocked) m_isLocked = m_section->Lock();
-        return m_isLocked;
-    }
-    // FALSE if this object does not hold the section.
-    BOOL Unlock() {
-        if (!m_isLocked) return FALSE;
-        m_isLocked = FALSE;
-        return m_section->Unlock();
-    }
-    BOOL IsLocked() const { return m_isLocked; }
-
 private:
     CCriticalSection* m_section;
-    BOOL m_isLocked = FALSE;
 };

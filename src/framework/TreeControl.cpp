@@ -10,18 +10,7 @@ HTREEITEM CTreeCtrl::InsertItem(LPCWSTR text, HTREEITEM parent, HTREEITEM after)
     insert.hInsertAfter = after;
     insert.item.mask = TVIF_TEXT;
     insert.item.pszText = const_cast<LPWSTR>(text);
-    return InsertItem(&insert);
-}
-
-HTREEITEM CTreeCtrl::InsertItem(LPCWSTR text, int image, int selectedImage, HTREEITEM parent, HTREEITEM after) {
-    TVINSERTSTRUCTW insert{};
-    insert.hParent = parent;
-    insert.hInsertAfter = after;
-    insert.item.mask = TVIF_TEXT | TVIF_IMAGE | TVIF_SELECTEDIMAGE;
-    insert.item.pszText = const_cast<LPWSTR>(text);
-    insert.item.iImage = image;
-    insert.item.iSelectedImage = selectedImage;
-    return InsertItem(&insert);
+    return Item(TVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&insert));
 }
 
 CString CTreeCtrl::GetItemText(HTREEITEM item) const {
@@ -68,20 +57,6 @@ BOOL CTreeCtrl::SetItemImage(HTREEITEM item, int image, int selectedImage) {
     change.iImage = image;
     change.iSelectedImage = selectedImage;
     return SetItem(change);
-}
-
-HTREEITEM CTreeCtrl::HitTest(CPoint point, UINT* flags) const {
-    TVHITTESTINFO hit{};
-    hit.pt = point;
-    const HTREEITEM item = Item(TVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit));
-    if (flags != nullptr) *flags = hit.flags;
-    return item;
-}
-
-BOOL CTreeCtrl::GetItemRect(HTREEITEM item, RECT* rect, BOOL textOnly) const {
-    *reinterpret_cast<HTREEITEM*>(rect) = item;  // the control reads the item from where it puts the rectangle
-    return static_cast<BOOL>(
-        SendMessage(TVM_GETITEMRECT, static_cast<WPARAM>(textOnly), reinterpret_cast<LPARAM>(rect)));
 }
 
 CImageList* CTreeCtrl::SetImageList(CImageList* list, int kind) {

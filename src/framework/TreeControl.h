@@ -12,12 +12,8 @@ public:
     }
 
     // The new item, or null. `after` is a sibling, TVI_FIRST, TVI_LAST or TVI_SORT.
-    HTREEITEM InsertItem(TVINSERTSTRUCTW* insert) { return Item(TVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(insert)); }
     HTREEITEM InsertItem(LPCWSTR text, HTREEITEM parent = TVI_ROOT, HTREEITEM after = TVI_LAST);
-    HTREEITEM InsertItem(LPCWSTR text, int image, int selectedImage, HTREEITEM parent = TVI_ROOT,
-                         HTREEITEM after = TVI_LAST);
     BOOL DeleteItem(HTREEITEM item) { return Ask(TVM_DELETEITEM, 0, item); }
-    UINT GetCount() const { return static_cast<UINT>(Ask(TVM_GETCOUNT, 0, nullptr)); }
 
     // Relatives: null if there is none.
     HTREEITEM GetRootItem() const { return Relative(TVGN_ROOT, nullptr); }
@@ -32,19 +28,12 @@ public:
     BOOL SetItemData(HTREEITEM item, DWORD_PTR data);
     BOOL GetItemImage(HTREEITEM item, int& image, int& selectedImage) const;
     BOOL SetItemImage(HTREEITEM item, int image, int selectedImage);
-    UINT GetItemState(HTREEITEM item, UINT mask) const {
-        return static_cast<UINT>(SendMessage(TVM_GETITEMSTATE, reinterpret_cast<WPARAM>(item), mask));
-    }
 
     // `code` is TVE_...
     BOOL Expand(HTREEITEM item, UINT code) { return Ask(TVM_EXPAND, code, item); }
-    BOOL EnsureVisible(HTREEITEM item) { return Ask(TVM_ENSUREVISIBLE, 0, item); }
     BOOL SortChildrenCB(TVSORTCB* sort) {
         return static_cast<BOOL>(SendMessage(TVM_SORTCHILDRENCB, 0, reinterpret_cast<LPARAM>(sort)));
     }
-    // Client coordinates in pixels; `flags` gets TVHT_... if given.
-    HTREEITEM HitTest(CPoint point, UINT* flags = nullptr) const;
-    BOOL GetItemRect(HTREEITEM item, RECT* rect, BOOL textOnly) const;
 
     // The list stays the caller's. Returns what was set before, as a temporary object, or null; `kind` is TVSIL_...
     CImageList* SetImageList(CImageList* list, int kind);

@@ -22,10 +22,10 @@ std::wstring ModuleName(HINSTANCE module) {
 }  // namespace
 
 void CWinApp::Register(LPCWSTR appName) {
-    m_hInstance = m_state->m_hCurrentInstanceHandle;
-    m_pszAppName = _wcsdup(appName != nullptr ? appName : ModuleName(m_hInstance).c_str());
+    const HINSTANCE module = m_state->m_hCurrentInstanceHandle;
+    m_pszAppName = _wcsdup(appName != nullptr ? appName : ModuleName(module).c_str());
     m_state->m_pCurrentWinApp = this;
-    if (m_hInstance == GetModuleHandleW(nullptr)) AfxSetBaseModuleState(m_state);
+    if (module == GetModuleHandleW(nullptr)) AfxSetBaseModuleState(m_state);
 }
 
 CWinApp::~CWinApp() {
@@ -35,13 +35,4 @@ CWinApp::~CWinApp() {
 
 BOOL CWinApp::InitInstance() {
     return TRUE;
-}
-
-int CWinApp::ExitInstance() {
-    return 0;
-}
-
-LPCWSTR AfxGetAppName() {
-    const CWinApp* const app = AfxGetApp();
-    return app != nullptr ? app->m_pszAppName : L"";
 }

@@ -12,7 +12,7 @@
 //     };
 //     CEditorApp theApp;
 //
-// In a DLL that links `framework_dll_module`, InitInstance runs when the DLL is loaded and ExitInstance when it goes.
+// In a DLL that links `framework_dll_module`, InitInstance runs when the DLL is loaded.
 #pragma once
 
 #include "framework/CommandTarget.h"
@@ -27,13 +27,10 @@ public:
     explicit CWinApp(LPCWSTR appName = nullptr) : m_state(AfxGetStaticModuleState()) { Register(appName); }
     ~CWinApp() override;
 
-    HINSTANCE m_hInstance = nullptr;
     LPCWSTR m_pszAppName = nullptr;  // on the heap: free() it before putting another _wcsdup there
 
     // TRUE if the work may begin.
     virtual BOOL InitInstance();
-    // Returns the exit code.
-    virtual int ExitInstance();
     // Shows a message box with the application's name as title and returns its answer. AfxMessageBox ends here.
     virtual int DoMessageBox(LPCWSTR text, UINT type, UINT helpId);
 
@@ -43,11 +40,6 @@ private:
     AFX_MODULE_STATE* m_state;
 };
 
-// The name of the current state's application; empty without one.
-AFX_API LPCWSTR AfxGetAppName();
-
-// A message box with the current application's name as title, owned by the thread's active window. Returns the button's
-// id, or 0 if it could not be shown. `helpId` is kept for its callers; no help is called. With an id the text comes
-// from the current module state's string table.
+// A message box with the current application's name as title, empty without one, owned by the thread's active window.
+// Returns the button's id, or 0 if it could not be shown. `helpId` is kept for its callers; no help is called.
 AFX_API int AfxMessageBox(LPCWSTR text, UINT type = MB_OK, UINT helpId = 0);
-AFX_API int AfxMessageBox(UINT textId, UINT type = MB_OK, UINT helpId = static_cast<UINT>(-1));

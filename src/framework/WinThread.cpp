@@ -34,7 +34,6 @@ CWinThread* AfxBeginThread(AFX_THREADPROC procedure, LPVOID parameter, int prior
         _beginthreadex(security, stackSize, CWinThread::Start, thread.get(), createFlags | CREATE_SUSPENDED, &id);
     if (handle == 0) return nullptr;
     thread->m_hThread = reinterpret_cast<HANDLE>(handle);
-    thread->m_nThreadID = id;
     SetThreadPriority(thread->m_hThread, priority);
     CWinThread* const started = thread.release();
     if ((createFlags & CREATE_SUSPENDED) == 0) ResumeThread(started->m_hThread);

@@ -22,7 +22,6 @@ public:
     // Cleared, by the thread itself at the latest, the object stays; it must outlive the thread and be deleted then.
     BOOL m_bAutoDelete = TRUE;
     HANDLE m_hThread = nullptr;
-    DWORD m_nThreadID = 0;
 
 private:
     friend AFX_API CWinThread* AfxBeginThread(AFX_THREADPROC, LPVOID, int, UINT, DWORD, LPSECURITY_ATTRIBUTES);

@@ -18,8 +18,8 @@
 //     CPad pad;
 //     pad.Create(nullptr, L"Pad", WS_CHILD | WS_VISIBLE, CRect(0, 0, 80, 60), parent, 100);
 //
-// Override: PreCreateWindow, PreSubclassWindow, WindowProc, PreTranslateMessage, OnCommand, OnNotify, OnCmdMsg,
-// DoDataExchange, PostNcDestroy, and the On... handlers. Everything else is called, not overridden.
+// Override: PreSubclassWindow, WindowProc, PreTranslateMessage, DoDataExchange, PostNcDestroy, and the On... handlers.
+// Everything else is called, not overridden.
 //
 // A window belongs to the thread that bound it: on another thread its object is not found. Its handlers run in the
 // module state that was current when it was bound. What a handler throws never crosses the system: inside a modal
@@ -59,19 +59,13 @@ public:
     // How many temporary objects of all classes this thread has.
     static size_t TemporaryCountForTesting();
 
-    HWND GetSafeHwnd() const { return m_hWnd; }
     operator HWND() const { return m_hWnd; }  // NOLINT(google-explicit-constructor)
 
-    // Binding. Attach only makes the object findable by its handle. SubclassWindow also sends the window's messages
-    // through the message map. FALSE if the window or the object is bound already.
-    BOOL Attach(HWND window);
-    HWND Detach();
+    // Binds an existing window: its messages go through the message map from now on. FALSE if the window or the object
+    // is bound already.
     BOOL SubclassWindow(HWND window);
-    BOOL SubclassDlgItem(UINT id, CWnd* parent);
     // Called when a window is about to be bound: by SubclassWindow, or at its creation, when it takes no messages yet.
     virtual void PreSubclassWindow() {}
-    // Gives the window its own procedure back and returns it.
-    HWND UnsubclassWindow();
 
     // Creation; handlers run from the first message on. A null class name makes a plain window. For a child `id` is its
     // control id. FALSE if the window was not created.
@@ -90,18 +84,12 @@ public:
     BOOL PostMessage(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const {
         return ::PostMessageW(m_hWnd, message, wParam, lParam);
     }
-    LRESULT SendDlgItemMessage(int id, UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const {
-        return ::SendDlgItemMessageW(m_hWnd, id, message, wParam, lParam);
-    }
     // Sees a message of the modal loop before it is translated; TRUE ends its way. The loop asks the window with the
     // focus first, then its parents up to the top.
     virtual BOOL PreTranslateMessage(MSG* message);
-    // Asks the windows from the message's own up to `stop`, or to the top for null.
-    static BOOL WalkPreTranslateTree(HWND stop, MSG* message);
 
     // Relatives.
     CWnd* GetParent() const { return FromHandle(::GetParent(m_hWnd)); }
-    CWnd* GetOwner() const { return FromHandle(::GetWindow(m_hWnd, GW_OWNER)); }
     CWnd* GetDlgItem(int id) const { return FromHandle(::GetDlgItem(m_hWnd, id)); }
     int GetDlgCtrlID() const { return ::GetDlgCtrlID(m_hWnd); }
     static CWnd* WindowFromPoint(POINT screenPoint) { return FromHandle(::WindowFromPoint(screenPoint)); }
@@ -109,10 +97,8 @@ public:
 
     // Text, of any length.
     void GetWindowText(CString& text) const;
-    int GetWindowTextLength() const { return ::GetWindowTextLengthW(m_hWnd); }
     void SetWindowText(LPCWSTR text) { ::SetWindowTextW(m_hWnd, text); }
     CFont* GetFont() const { return CFont::FromHandle(reinterpret_cast<HFONT>(SendMessage(WM_GETFONT))); }
-    void SetFont(CFont* font, BOOL redraw = TRUE);
 
     // Place and look. Rectangles of children are in client coordinates of their parent.
     DWORD GetStyle() const { return static_cast<DWORD>(::GetWindowLongPtrW(m_hWnd, GWL_STYLE)); }
@@ -127,8 +113,6 @@ public:
     BOOL SetWindowPos(const CWnd* after, int x, int y, int width, int height, UINT flags) {
         return ::SetWindowPos(m_hWnd, after != nullptr ? after->m_hWnd : nullptr, x, y, width, height, flags);
     }
-    // Into the middle of `other`, of the owner or of the work area, and wholly inside the work area.
-    void CenterWindow(CWnd* other = nullptr);
     void BringWindowToTop() { ::BringWindowToTop(m_hWnd); }
     BOOL ShowWindow(int command) { return ::ShowWindow(m_hWnd, command); }
     BOOL IsWindowVisible() const { return ::IsWindowVisible(m_hWnd); }
@@ -139,9 +123,7 @@ public:
     void ScreenToClient(POINT* point) const { ::ScreenToClient(m_hWnd, point); }
     void ScreenToClient(RECT* rect) const { ::MapWindowPoints(nullptr, m_hWnd, reinterpret_cast<POINT*>(rect), 2); }
 
-    // Painting. GetDC's object is temporary; the context is the caller's to release.
-    CDC* GetDC() { return CDC::FromHandle(::GetDC(m_hWnd)); }
-    int ReleaseDC(CDC* context) { return ::ReleaseDC(m_hWnd, context->Detach()); }
+    // Painting.
     void Invalidate(BOOL erase = TRUE) { ::InvalidateRect(m_hWnd, nullptr, erase); }
     void InvalidateRect(const RECT* rect, BOOL erase = TRUE) { ::InvalidateRect(m_hWnd, rect, erase); }
     void UpdateWindow() { ::UpdateWindow(m_hWnd); }
@@ -157,7 +139,6 @@ public:
     CWnd* SetFocus() { return FromHandle(::SetFocus(m_hWnd)); }
     static CWnd* GetFocus() { return FromHandle(::GetFocus()); }
     CWnd* SetCapture() { return FromHandle(::SetCapture(m_hWnd)); }
-    static CWnd* GetActiveWindow() { return FromHandle(::GetActiveWindow()); }
 
     // Runs DoDataExchange: from the controls into the members for TRUE, the other way for FALSE. WM_COMMAND
     // notifications of the window's controls are swallowed meanwhile. FALSE if the exchange ended with a
@@ -165,21 +146,18 @@ public:
     BOOL UpdateData(BOOL saveAndValidate = TRUE);
 
 protected:
-    virtual BOOL PreCreateWindow(CREATESTRUCTW& create);
     // The last call for a window: the object is unbound and may delete itself.
     virtual void PostNcDestroy();
     virtual void DoDataExchange(CDataExchange* exchange);
 
     // Every message comes through here: the message map, then DefWindowProc.
     virtual LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam);
-    virtual BOOL OnWndMsg(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* result);
     // What the window does by itself: the procedure that it had before it was bound.
     virtual LRESULT DefWindowProc(UINT message, WPARAM wParam, LPARAM lParam);
     // DefWindowProc with the message that is being handled, as it came.
     LRESULT Default();
-    // The child that sent the message is asked first, by its reflected handlers; then the own message map.
-    virtual BOOL OnCommand(WPARAM wParam, LPARAM lParam);
-    virtual BOOL OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* result);
+    // Lets go of the window, which goes on without its object.
+    HWND Detach();
 
     // Message handlers: each does Default().
     afx_msg int OnCreate(CREATESTRUCTW*) { return static_cast<int>(Default()); }
@@ -208,6 +186,12 @@ protected:
 private:
     friend class CWindowProcedure;
 
+    // Makes the object findable by the window's handle. FALSE if one of them is bound already.
+    BOOL Attach(HWND window);
+    // Each is true if a handler took the message. OnCommand and OnNotify ask the child that sent it first.
+    bool OnWndMsg(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* result);
+    bool OnCommand(WPARAM wParam, LPARAM lParam, LRESULT* result);
+    bool OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* result);
     // Offers the message to the child's reflected handlers.
     static bool Reflect(HWND child, UINT message, UINT code, WPARAM wParam, LPARAM lParam, LRESULT* result);
 

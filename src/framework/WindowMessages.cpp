@@ -6,6 +6,21 @@
 #include "framework/WindowProcedure.h"
 #include "framework/WindowThread.h"
 
+namespace {
+
+UINT NumberInMaps(UINT message) {
+    return message >= WM_CTLCOLORMSGBOX && message <= WM_CTLCOLORSTATIC ? WM_CTLCOLOR : message;
+}
+
+// Gives the message to the entry's handler; false if there is none or it declined.
+bool Handles(CCmdTarget& target, const AFX_MSGMAP_ENTRY* entry, AFX_MSG_CALL call, LRESULT* result) {
+    if (entry == nullptr || !entry->pfn(target, call)) return false;
+    *result = call.result;
+    return true;
+}
+
+}  // namespace
+
 BEGIN_MESSAGE_MAP(CWnd, CCmdTarget)
 ON_WM_NCDESTROY()
 ON_WM_CTLCOLOR()
@@ -46,48 +61,36 @@ LRESULT CWnd::Default() {
     return DefWindowProc(current.message, current.wParam, current.lParam);
 }
 
-BOOL CWnd::OnWndMsg(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* result) {
-    if (message == WM_COMMAND) return OnCommand(wParam, lParam);
+bool CWnd::OnWndMsg(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* result) {
+    if (message == WM_COMMAND) return OnCommand(wParam, lParam, result);
     if (message == WM_NOTIFY) return OnNotify(wParam, lParam, result);
-    const bool isColor = message >= WM_CTLCOLORMSGBOX && message <= WM_CTLCOLORSTATIC;
-    const AFX_MSGMAP_ENTRY* entry = FindEntry(isColor ? WM_CTLCOLOR : message);
-    if (entry == nullptr) return FALSE;
-    AFX_MSG_CALL call{message, wParam, lParam, 0};
-    const bool taken = entry->pfn(*this, call);
-    *result = call.result;
-    return taken;
+    return Handles(*this, FindEntry(NumberInMaps(message)), {message, wParam, lParam, 0}, result);
 }
 
-BOOL CWnd::OnCommand(WPARAM wParam, LPARAM lParam) {
+bool CWnd::OnCommand(WPARAM wParam, LPARAM lParam, LRESULT* result) {
     const auto control = reinterpret_cast<HWND>(lParam);
     const UINT code = control != nullptr ? HIWORD(wParam) : 0;  // 1 for an accelerator, which is a command all the same
     if (control != nullptr) {
-        if (afx::ThisThread().lockedOut == m_hWnd) return TRUE;
-        LRESULT unused = 0;
-        if (Reflect(control, WM_COMMAND, code, wParam, lParam, &unused)) return TRUE;
+        if (afx::ThisThread().lockedOut == m_hWnd) return true;
+        if (Reflect(control, WM_COMMAND, code, wParam, lParam, result)) return true;
     }
-    return OnCmdMsg(LOWORD(wParam), static_cast<int>(code), nullptr, nullptr);
+    return Handles(*this, FindEntry(WM_COMMAND, code, LOWORD(wParam)), {WM_COMMAND, wParam, lParam, 0}, result);
 }
 
-BOOL CWnd::OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* result) {
-    auto* const header = reinterpret_cast<NMHDR*>(lParam);
-    if (Reflect(header->hwndFrom, WM_NOTIFY, header->code, wParam, lParam, result)) return TRUE;
-    AFX_NOTIFY notify{result, header};
-    return OnCmdMsg(static_cast<UINT>(header->idFrom), MAKELONG(header->code, WM_NOTIFY), &notify, nullptr);
+bool CWnd::OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* result) {
+    const NMHDR& header = *reinterpret_cast<const NMHDR*>(lParam);
+    const UINT code = LOWORD(header.code);
+    if (Reflect(header.hwndFrom, WM_NOTIFY, code, wParam, lParam, result)) return true;
+    const AFX_MSGMAP_ENTRY* entry = FindEntry(WM_NOTIFY, code, static_cast<UINT>(header.idFrom));
+    return Handles(*this, entry, {WM_NOTIFY, wParam, lParam, 0}, result);
 }
 
 bool CWnd::Reflect(HWND child, UINT message, UINT code, WPARAM wParam, LPARAM lParam, LRESULT* result) {
     CWnd* const object = FromHandlePermanent(child);
     if (object == nullptr) return false;
-    const bool isColor = message >= WM_CTLCOLORMSGBOX && message <= WM_CTLCOLORSTATIC;
-    const AFX_MSGMAP_ENTRY* entry =
-        object->FindEntry(WM_REFLECT_BASE + (isColor ? WM_CTLCOLOR : message), static_cast<WORD>(code));
-    if (entry == nullptr) return false;
     AFX_MANAGE_STATE(object->m_pModuleState)
-    AFX_MSG_CALL call{message, wParam, lParam, 0};
-    if (!entry->pfn(*object, call)) return false;
-    *result = call.result;
-    return true;
+    const AFX_MSGMAP_ENTRY* entry = object->FindEntry(WM_REFLECT_BASE + NumberInMaps(message), code);
+    return Handles(*object, entry, {message, wParam, lParam, 0}, result);
 }
 
 HBRUSH CWnd::OnCtlColor(CDC* context, CWnd* control, UINT type) {

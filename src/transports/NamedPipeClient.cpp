@@ -58,7 +58,7 @@ void ReadReply(HANDLE pipe, CString* reply) {
             Logger().LogErrorMessageFormat(L"ReadFile from pipe failed. Error=%d\n", error);
             return;
         }
-        if (reply != nullptr && reply->GetLength() < kMostReplyCharacters) reply->Append(piece);
+        if (reply != nullptr && reply->GetLength() < kMostReplyCharacters) *reply += piece;
         Logger().LogTraceMessage(piece);
     }
 }

@@ -43,6 +43,11 @@ protected:
         MapWindowPoints(nullptr, GetParent(window), reinterpret_cast<POINT*>(&place), 2);
         return place;
     }
+    // By a first click, which selects the row, and a second one.
+    static void OpenEditor(ListSteps& list, int row, int column) {
+        list.Click(row, column);
+        list.Click(row, column);
+    }
     static bool NoEditor(const ListSteps& list) { return Edit(list) == nullptr && Combo(list) == nullptr; }
 
     CControlsHost m_host;
@@ -116,8 +121,7 @@ TEST_F(ComboListCtrlTest, ScrollingEndsAnEdit) {
         m_host.m_rows.push_back({L"Value", L"HKCU\\row", L"old"});
     }
     Run([&](Dialog& d, ListSteps& list) {
-        list.Click(3, 2);
-        list.Click(3, 2);
+        OpenEditor(list, 3, 2);
         d.Type(L"new");
         // The arrow at the bottom of the scroll bar.
         RECT area{};
@@ -154,7 +158,39 @@ TEST_F(ComboListCtrlTest, EditCellNeedsAFocusedRowAnExistingCellAndLeave) {
             control.EditCell(1, 1);
             EXPECT_FALSE(NoEditor(list));
             EXPECT_EQ(control.ShowInPlaceCombo(7, 0, CStringList(), L"", -1), nullptr);
-            EXPECT_EQ(control.ShowInPlaceCombo(1, 3, CStringList(), L"", -1), nullptr);
+            for (const int column : {-1, 3, 1000000}) {
+                EXPECT_EQ(control.ShowInPlaceCombo(1, column, CStringList(), L"", -1), nullptr) << column;
+                CRect rect(1, 2, 3, 4);
+                control.ScrollToView(column, rect);
+                EXPECT_FALSE(control.CalculateCellRect(column, 1, rect));
+                EXPECT_EQ(rect, CRect(1, 2, 3, 4)) << column;
+            }
+        });
+    });
+}
+
+TEST_F(ComboListCtrlTest, NarrowColumnHasNoDropDownButAnEditOfTheAllowedCharacters) {
+    Run([&](Dialog& d, ListSteps& list) {
+        CComboListCtrl& control = m_host.m_list;
+        list.Click(1, 2);
+        d.OnGuiThread([&] {
+            ListView_SetColumnWidth(list.Window(), 0, 9);
+            control.EditCell(1, 0);
+            EXPECT_TRUE(NoEditor(list));
+            ListView_SetColumnWidth(list.Window(), 2, 9);
+            control.SetValidEditCtrlCharacters(L"xyz");
+            control.EditCell(1, 2);
+        });
+        ASSERT_NE(Edit(list), nullptr);
+        d.Type(L"x");
+        d.Type(L"a");
+        d.AnswerBox(IDOK);
+        EXPECT_EQ(WindowText(Edit(list)), L"x");
+        d.Key(VK_ESCAPE);
+        d.OnGuiThread([&] {
+            ListView_SetColumnWidth(list.Window(), 0, 10);
+            control.EditCell(1, 0);
+            EXPECT_NE(Combo(list), nullptr);
         });
     });
 }
@@ -177,8 +213,7 @@ TEST_F(ComboListCtrlTest, SystemsOwnLabelEditKeepsOffReadOnlyColumns) {
 
 TEST_F(ComboListCtrlTest, ClickOnANeighbourCellEndsTheEditAndTheNextOneEditsThere) {
     Run([&](Dialog& d, ListSteps& list) {
-        list.Click(1, 1);
-        list.Click(1, 1);
+        OpenEditor(list, 1, 1);
         d.Type(L"HKLM\\New");
         // The old edit's window is still on its way out.
         list.Click(1, 2);
@@ -195,8 +230,7 @@ TEST_F(ComboListCtrlTest, ClickOnANeighbourCellEndsTheEditAndTheNextOneEditsTher
 
 TEST_F(ComboListCtrlTest, EditorOfADeletedRowEndsQuietly) {
     Run([&](Dialog& d, ListSteps& list) {
-        list.Click(2, 2);
-        list.Click(2, 2);
+        OpenEditor(list, 2, 2);
         ASSERT_NE(Edit(list), nullptr);
         d.OnGuiThread([&] { m_host.m_list.DeleteItem(2); });
         d.Type(L"late");
@@ -204,10 +238,9 @@ TEST_F(ComboListCtrlTest, EditorOfADeletedRowEndsQuietly) {
         EXPECT_TRUE(NoEditor(list));
         EXPECT_EQ(list.Rows(),
                   (std::vector<std::vector<std::wstring>>{{L"Branch", L"HKCU\\a", L""}, {L"Value", L"HKCU\\b", L"v"}}));
-        list.Click(1, 0);
-        list.Click(1, 0);
+        OpenEditor(list, 1, 0);
         ASSERT_NE(Combo(list), nullptr);
-        d.OnGuiThread([&] { m_host.m_list.DeleteAllItems(); });
+        d.OnGuiThread([&] { ListView_DeleteAllItems(list.Window()); });
         d.Key(VK_RETURN);
         d.WaitFor("the drop-down to close", [&] { return NoEditor(list); });
         EXPECT_EQ(list.RowCount(), 0);

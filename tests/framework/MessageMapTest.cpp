@@ -149,6 +149,7 @@ class Reflection : public testing::Test {
 protected:
     void SetUp() override {
         CreateHidden(m_parent);
+        AFX_MANAGE_STATE(&m_childState)
         ASSERT_TRUE(m_child.CWnd::Create(L"STATIC", L"", WS_CHILD, CRect(0, 0, 9, 9), &m_parent, kChildId));
         s_order.clear();
     }
@@ -161,6 +162,7 @@ protected:
         return ::SendMessageW(to, WM_NOTIFY, header.idFrom, reinterpret_cast<LPARAM>(&header));
     }
 
+    AFX_MODULE_STATE m_childState{nullptr};
     CNotifiedParent m_parent;
     CReflectingChild m_child;
 };
@@ -170,6 +172,7 @@ protected:
 TEST_F(Reflection, TheChildThatHandlesItKeepsItFromTheParent) {
     Command(5, m_child);
     EXPECT_EQ(Notify(m_parent, kCode, m_child), 21);
+    EXPECT_EQ(m_child.m_state, &m_childState);
     EXPECT_EQ(s_order, (Log{"child command", "child notify"}));
 }
 

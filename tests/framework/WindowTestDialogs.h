@@ -2,6 +2,7 @@
 #pragma once
 
 #define IDD_PROBE 300
+#define IDD_NO_PLACE 301
 #define IDD_BAD_INIT 302
 
 #define IDC_PROBE_EDIT 311

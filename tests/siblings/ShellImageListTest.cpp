@@ -19,7 +19,7 @@ int PixelsDrawn(CImageList& list, int index) {
     bitmap.CreateCompatibleBitmap(&screen, width, height);
     CBitmap* const before = memory.SelectObject(&bitmap);
     memory.FillSolidRect(CRect(0, 0, width, height), kGround);
-    list.Draw(&memory, index, CPoint(0, 0), ILD_NORMAL);
+    ::ImageList_Draw(list.m_hImageList, index, memory.m_hDC, 0, 0, ILD_NORMAL);
     int drawn = 0;
     for (int x = 0; x < width; ++x) {
         for (int y = 0; y < height; ++y) drawn += ::GetPixel(memory.m_hDC, x, y) != kGround;

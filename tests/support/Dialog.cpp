@@ -213,8 +213,8 @@ void Dialog::Type(std::wstring_view text) {
 std::wstring Dialog::ExpectBox() {
     m_steps.push_back("expect a message box");
     if (m_expectedBox == nullptr || OpenBox() != m_expectedBox) {
-        PollUntil(
-            "a message box", [this] { return OpenBox() != nullptr && GetForegroundWindow() == OpenBox(); }, true);
+        PollUntil("a message box", Boxes::Allowed,
+                  [this] { return OpenBox() != nullptr && GetForegroundWindow() == OpenBox(); });
         m_expectedBox = OpenBox();
         Settle();
         m_boxTexts.push_back(BoxText(m_expectedBox));
@@ -228,47 +228,38 @@ std::wstring Dialog::AnswerBox(int button) {
     const HWND box = m_expectedBox;
     if (GetDlgItem(box, button) == nullptr) Fail("the box has no button " + std::to_string(button));
     PressButton(box, button);
-    PollUntil(
-        "the end of the message box", [&] { return !IsWindowVisible(box); }, true);
+    PollUntil("the end of the message box", Boxes::Allowed, [&] { return !IsWindowVisible(box); });
     m_expectedBox = nullptr;
     // The window behind it comes to the front a moment later, unless the answer closed it or led to the next box.
-    PollUntil(
-        "the dialog in front again",
-        [&] {
-            const HWND next = OpenBox();
-            return m_modalReturned || (next != nullptr && next != box) || GetForegroundWindow() == m_window ||
-                   !IsWindowVisible(m_window);
-        },
-        true);
+    PollUntil("the dialog in front again", Boxes::Allowed, [&] {
+        const HWND next = OpenBox();
+        return m_modalReturned || (next != nullptr && next != box) || GetForegroundWindow() == m_window ||
+               !IsWindowVisible(m_window);
+    });
     if (!m_modalReturned) Settle();
     return text;
 }
 
 void Dialog::WaitFor(std::string_view what, const std::function<bool()>& condition) {
     m_steps.push_back("wait for " + std::string(what));
-    PollUntil(what, condition, false);
+    PollUntil(what, Boxes::Unexpected, condition);
 }
 
 void Dialog::WaitUntilClosed() {
     m_steps.push_back("wait until the dialog is closed");
-    PollUntil(
-        "the end of the modal call", [this] { return m_modalReturned.load(); }, false);
+    PollUntil("the end of the modal call", Boxes::Unexpected, [this] { return m_modalReturned.load(); });
 }
 
 void Dialog::WaitUntilOpen() {
     m_steps.push_back("open the dialog");
-    PollUntil(
-        "an open dialog",
-        [this] {
-            const std::vector<HWND> dialogs = VisibleDialogs(m_gui.Id());
-            if (!dialogs.empty()) m_window = dialogs.back();
-            return m_window != nullptr;
-        },
-        true);
+    PollUntil("an open dialog", Boxes::Allowed, [this] {
+        const std::vector<HWND> dialogs = VisibleDialogs(m_gui.Id());
+        if (!dialogs.empty()) m_window = dialogs.back();
+        return m_window != nullptr;
+    });
     m_gui.AskForLoop();
-    PollUntil(
-        "the dialog in its loop and in front", [this] { return m_gui.LoopRuns() && GetForegroundWindow() == m_window; },
-        true);
+    PollUntil("the dialog in its loop and in front", Boxes::Allowed,
+              [this] { return m_gui.LoopRuns() && GetForegroundWindow() == m_window; });
     Settle();
 }
 
@@ -305,13 +296,8 @@ void Dialog::Step(const std::string& what, const std::function<void()>& action) 
 
 void Dialog::KeyStep(const std::string& what, const std::function<void()>& action) {
     Step(what, [&] {
-        PollUntil(
-            "the dialog in front",
-            [this] {
-                DWORD process = 0;
-                return GetWindowThreadProcessId(GetForegroundWindow(), &process) == m_gui.Id();
-            },
-            true);
+        PollUntil("the dialog in front", Boxes::Allowed,
+                  [this] { return GetWindowThreadProcessId(GetForegroundWindow(), nullptr) == m_gui.Id(); });
         action();
     });
 }
@@ -328,13 +314,13 @@ void Dialog::Settle() {
     if (!m_gui.Settle() && !m_modalReturned) Fail("the dialog's thread does not come to rest");
 }
 
-void Dialog::PollUntil(std::string_view what, const std::function<bool()>& condition, bool boxesAllowed) {
+void Dialog::PollUntil(std::string_view what, Boxes boxes, const std::function<bool()>& condition) {
     const ULONGLONG start = GetTickCount64();
     for (;;) {
         // Read first: what the end of the modal call made true must still be seen.
         const bool over = m_modalReturned;
         if (condition()) return;
-        if (!boxesAllowed) FailOnUnexpectedBox();
+        if (boxes == Boxes::Unexpected) FailOnUnexpectedBox();
         if (over) Fail("the dialog closed while waiting for " + std::string(what));
         if (GetTickCount64() - start > kPatienceMs) Fail("waited in vain for " + std::string(what));
         Sleep(1);

@@ -94,7 +94,8 @@ private:
     void KeyStep(const std::string& what, const std::function<void()>& action);
     void FailOnUnexpectedBox();
     void Settle();
-    void PollUntil(std::string_view what, const std::function<bool()>& condition, bool boxesAllowed);
+    enum class Boxes { Allowed, Unexpected };
+    void PollUntil(std::string_view what, Boxes boxes, const std::function<bool()>& condition);
     [[noreturn]] void Fail(const std::string& why) const;
     // The message box in front of the dialog, or null.
     HWND OpenBox() const;

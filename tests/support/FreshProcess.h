@@ -2,8 +2,8 @@
 // process:
 //
 //     EXPECT_IN_FRESH_PROCESS([] {
-//         const ImportPatch<decltype(&GetVersionExW)> patch(GetModuleHandleW(nullptr), "GetVersionExW",
-//         AnswerWindows8); EXPECT_TRUE(CWindowsVersion::IsWindows8OrLater());
+//         const ImportPatch<decltype(&GetVersionExW)> patch(kProgram, "GetVersionExW", AnswerWindows8);
+//         EXPECT_TRUE(CWindowsVersion::IsWindows8OrLater());
 //     });
 //
 // The new process repeats the test up to this place, so nothing before it in the test may use those facts. What fails

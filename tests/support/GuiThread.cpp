@@ -13,6 +13,7 @@ constexpr UINT kPatienceMs = 10000;
 struct Task {
     const std::function<void()>& function;
     std::exception_ptr thrown;
+    bool hasEnded = false;
 };
 
 }  // namespace
@@ -46,6 +47,7 @@ LRESULT CALLBACK GuiThread::Procedure(HWND window, UINT message, WPARAM wParam, 
             } catch (...) {
                 task->thrown = std::current_exception();
             }
+            task->hasEnded = true;
             return 0;
         }
         case kLoopRuns:
@@ -75,6 +77,8 @@ bool GuiThread::Settle() const {
 void GuiThread::Run(const std::function<void()>& function) const {
     Task task{function, nullptr};
     SendMessageW(m_window, kRun, 0, reinterpret_cast<LPARAM>(&task));
+    // The system hides an access violation in a window procedure: the call comes back as if nothing had been.
+    if (!task.hasEnded) throw std::runtime_error("a crash on the dialog's thread");
     if (task.thrown) std::rethrow_exception(task.thrown);
 }
 

@@ -20,7 +20,8 @@ public:
     // Waits until no input, posted message or repaint waits in the thread's queue. False when the thread does not come
     // to rest in time. Timers that have not run out are not waited for.
     bool Settle() const;
-    // Runs the function on the thread and returns after it; what it throws is thrown here.
+    // Runs the function on the thread and returns after it; what it throws is thrown here, and std::runtime_error when
+    // it crashed.
     void Run(const std::function<void()>& function) const;
     // Posts a message; once it has come back, a message loop runs.
     void AskForLoop();

@@ -1,8 +1,5 @@
 #include "support/ListSteps.h"
 
-#include <windows.h>
-#include <commctrl.h>
-
 #include "support/Dialog.h"
 
 namespace {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <windows.h>
+#include <commctrl.h>
 
 #include <string>
 #include <vector>
@@ -21,7 +22,7 @@ public:
     std::vector<std::vector<std::wstring>> Rows() const;
     // The first row that has all the bits of state (LVIS_SELECTED, LVIS_FOCUSED, LVIS_DROPHILITED), or -1.
     int RowWithState(UINT state) const;
-    int SelectedRow() const { return RowWithState(LVIS_SELECTED_BIT); }
+    int SelectedRow() const { return RowWithState(LVIS_SELECTED); }
 
     // The cell's middle on the screen, and its rectangle; the row is scrolled into view first.
     POINT Centre(int row, int column) const;
@@ -32,8 +33,6 @@ public:
     void DoubleClick(int row, int column);
 
 private:
-    static constexpr UINT LVIS_SELECTED_BIT = 0x0002;
-
     Dialog& m_dialog;
     HWND m_list;
 };
