@@ -22,10 +22,10 @@ std::string ToText(const CString& text) {
 void AddRules(CRegistryRulesCtrl& editor, const std::vector<HostRule>& rules) {
     for (const HostRule& rule : rules) {
         const std::wstring key = FromUtf8(rule.key);
-        if (rule.kind == RuleKind::Value) {
+        if (rule.kind == HostRuleKind::Value) {
             editor.AddValueRule(key.c_str(), FromUtf8(rule.value).c_str(), ToShort(rule.position));
         } else {
-            editor.AddKeyRule(key.c_str(), rule.kind == RuleKind::Branch ? 1 : 0, ToShort(rule.position));
+            editor.AddKeyRule(key.c_str(), rule.kind == HostRuleKind::Branch ? 1 : 0, ToShort(rule.position));
         }
     }
 }
@@ -37,11 +37,11 @@ std::vector<HostRule> ReadRules(CRegistryRulesCtrl& editor) {
     int isBranch = 0;
     for (long index = 0; editor.GetKeyRule(index, key, &isBranch, &position) == 1; ++index) {
         rules.push_back(
-            {isBranch != 0 ? RuleKind::Branch : RuleKind::Key, ToText(key), "", static_cast<int>(position)});
+            {isBranch != 0 ? HostRuleKind::Branch : HostRuleKind::Key, ToText(key), "", static_cast<int>(position)});
     }
     CString value;
     for (long index = 0; editor.GetValueRule(index, key, value, &position) == 1; ++index) {
-        rules.push_back({RuleKind::Value, ToText(key), ToText(value), static_cast<int>(position)});
+        rules.push_back({HostRuleKind::Value, ToText(key), ToText(value), static_cast<int>(position)});
     }
     std::stable_sort(rules.begin(), rules.end(),
                      [](const HostRule& left, const HostRule& right) { return left.position < right.position; });

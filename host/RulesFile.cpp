@@ -13,10 +13,10 @@ using nlohmann::json;
 using nlohmann::ordered_json;
 
 constexpr int FormatVersion = 1;
-constexpr std::array<std::pair<std::string_view, RuleKind>, 3> Kinds{{
-    {"branch", RuleKind::Branch},
-    {"key", RuleKind::Key},
-    {"value", RuleKind::Value},
+constexpr std::array<std::pair<std::string_view, HostRuleKind>, 3> Kinds{{
+    {"branch", HostRuleKind::Branch},
+    {"key", HostRuleKind::Key},
+    {"value", HostRuleKind::Value},
 }};
 
 // A text of the file inside a message: quoted, control characters escaped, so that the message stays one line.
@@ -158,7 +158,7 @@ HostRule ReadRule(const json& object, const std::string& place) {
     if (kind == Kinds.end()) reader.Fail("type", Quoted(type) + R"( is none of "branch", "key" and "value")");
     rule.kind = kind->second;
     rule.key = reader.TakeText("key");
-    if (rule.kind == RuleKind::Value) rule.value = reader.TakeText("value");
+    if (rule.kind == HostRuleKind::Value) rule.value = reader.TakeText("value");
     rule.position = reader.TakeInteger("position");
     reader.ExpectNothingElse();
     return rule;
@@ -187,7 +187,7 @@ std::string FormatRules(const std::vector<HostRule>& rules) {
     ordered_json list = ordered_json::array();
     for (const HostRule& rule : rules) {
         ordered_json entry{{"type", KindName(rule.kind)}, {"key", rule.key}};
-        if (rule.kind == RuleKind::Value) entry["value"] = rule.value;
+        if (rule.kind == HostRuleKind::Value) entry["value"] = rule.value;
         entry["position"] = rule.position;
         list.push_back(std::move(entry));
     }
@@ -195,6 +195,6 @@ std::string FormatRules(const std::vector<HostRule>& rules) {
     return file.dump(2) + "\n";
 }
 
-std::string_view KindName(RuleKind kind) {
+std::string_view KindName(HostRuleKind kind) {
     return std::find_if(Kinds.begin(), Kinds.end(), [&](const auto& entry) { return entry.second == kind; })->first;
 }

@@ -6,11 +6,11 @@
 #include <string_view>
 #include <vector>
 
-enum class RuleKind { Branch, Key, Value };
+enum class HostRuleKind { Branch, Key, Value };
 
 // One rule as host and file know it; texts are UTF-8.
 struct HostRule {
-    RuleKind kind = RuleKind::Branch;
+    HostRuleKind kind = HostRuleKind::Branch;
     std::string key;
     std::string value;  // of the kind Value only; empty for the key's default value
     int position = 0;   // row in the list, over all kinds
@@ -37,4 +37,4 @@ std::vector<HostRule> ParseRules(std::string_view text);
 std::string FormatRules(const std::vector<HostRule>& rules);
 
 // The name of a kind in the file: "branch", "key" or "value".
-std::string_view KindName(RuleKind kind);
+std::string_view KindName(HostRuleKind kind);

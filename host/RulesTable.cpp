@@ -32,7 +32,7 @@ std::string Printable(const std::string& text) {
 
 Row MakeRow(const HostRule& rule) {
     Row row{std::to_string(rule.position), std::string(KindName(rule.kind)), Printable(rule.key), ""};
-    if (rule.kind == RuleKind::Value) row[3] = rule.value.empty() ? "(Default)" : Printable(rule.value);
+    if (rule.kind == HostRuleKind::Value) row[3] = rule.value.empty() ? "(Default)" : Printable(rule.value);
     return row;
 }
 

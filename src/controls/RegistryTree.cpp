@@ -8,6 +8,7 @@
 #include "controls/ScopedRedrawOff.h"
 #include "controls/TreePath.h"
 #include "controls/ValueType.h"
+#include "entry/TextView.h"
 #include "helpers/CursorHelper.h"
 #include "resources/resource.h"
 
@@ -19,10 +20,6 @@ constexpr auto kKeyIcon = static_cast<ShellIcons::ShellIconId>(3);
 // Stands below a key that was not read yet, so that the tree draws a plus sign. Found by its place; nobody compares the
 // text.
 constexpr wchar_t kPlaceholder[] = L"{A5E3444A-0357-4a91-8394-AD8F8E641A72}";
-
-std::wstring_view View(const CString& text) {
-    return {text.GetString(), static_cast<std::size_t>(text.GetLength())};
-}
 
 class ScopedWaitCursor {
 public:

@@ -1,6 +1,8 @@
 #include "helpers/Fonts.h"
 
+#include <algorithm>
 #include <cwchar>
+#include <limits>
 
 #include "registry/WindowsVersion.h"
 
@@ -22,7 +24,9 @@ LOGFONTW DescribeFont(LPCWSTR face, LONG height, LONG weight, bool italic) {
 // A height below 0 means characters, one above 0 cells; either grows away from 0, and 0, the system's choice, stays.
 LONG Enlarged(LONG height, LONG delta) {
     if (height == 0) return 0;
-    return height > 0 ? height + delta : height - delta;
+    const LONGLONG enlarged = height > 0 ? LONGLONG{height} + delta : LONGLONG{height} - delta;
+    using Limits = std::numeric_limits<LONG>;
+    return static_cast<LONG>(std::clamp<LONGLONG>(enlarged, Limits::min(), Limits::max()));
 }
 
 }  // namespace

@@ -88,9 +88,9 @@ TEST_F(HostRoad, AChangedSetIsSavedInRowOrderWithFullHiveNames) {
                   d.Click(IDOK);
               }),
               0);
-    const std::vector<HostRule> expected{{RuleKind::Branch, "HKEY_LOCAL_MACHINE\\Software\\\u4E2D", "", 0},
-                                         {RuleKind::Value, "HKEY_CURRENT_USER\\Environment", "", 1},
-                                         {RuleKind::Key, "HKEY_CURRENT_USER\\Gr\u00F6\u00DFe", "", 2}};
+    const std::vector<HostRule> expected{{HostRuleKind::Branch, "HKEY_LOCAL_MACHINE\\Software\\\u4E2D", "", 0},
+                                         {HostRuleKind::Value, "HKEY_CURRENT_USER\\Environment", "", 1},
+                                         {HostRuleKind::Key, "HKEY_CURRENT_USER\\Gr\u00F6\u00DFe", "", 2}};
     EXPECT_EQ(ParseRules(ReadFileText(m_path).value_or("")), expected);
     EXPECT_EQ(m_errors, "");
     const std::size_t after = m_output.find("Rules after:\n");
@@ -107,7 +107,7 @@ TEST_F(HostRoad, AMissingFileIsAnEmptySetAndIsMadeButNoFileIsNotSaved) {
     };
     EXPECT_EQ(Run(script), 0);
     EXPECT_EQ(ParseRules(ReadFileText(m_path).value_or("")),
-              std::vector<HostRule>({{RuleKind::Branch, "HKEY_CURRENT_USER\\Software", "", 0}}));
+              std::vector<HostRule>({{HostRuleKind::Branch, "HKEY_CURRENT_USER\\Software", "", 0}}));
     EXPECT_NE(m_output.find("(no rules)"), std::string::npos) << m_output;
     EXPECT_EQ(Run({}, script), 0);
     EXPECT_TRUE(m_output.ends_with("branch  HKEY_CURRENT_USER\\Software\nNot saved: no file.\n")) << m_output;

@@ -16,10 +16,10 @@ TEST(RulesFile, TypeKeyValueAndPositionOfEachRuleAreRead) {
         {"type": "value", "key": "no hive\\\\", "value": "tab\there", "position": -2147483648}
     )"));
     const std::vector<HostRule> expected{
-        {RuleKind::Branch, "HKCU\\Software\\Gr\u00F6\u00DFe \U0001F600", "", 0},
-        {RuleKind::Key, "", "", -1},
-        {RuleKind::Value, "HKLM\\a", "", 2147483647},
-        {RuleKind::Value, "no hive\\\\", "tab\there", -2147483647 - 1},
+        {HostRuleKind::Branch, "HKCU\\Software\\Gr\u00F6\u00DFe \U0001F600", "", 0},
+        {HostRuleKind::Key, "", "", -1},
+        {HostRuleKind::Value, "HKLM\\a", "", 2147483647},
+        {HostRuleKind::Value, "no hive\\\\", "tab\there", -2147483647 - 1},
     };
     EXPECT_EQ(rules, expected);
     EXPECT_TRUE(ParseRules(WithRules("")).empty());
@@ -79,7 +79,7 @@ TEST(RulesFile, WhatIsNoRulesFileIsRefusedWithPlaceAndReason) {
 }
 
 TEST(RulesFile, TheTextWrittenIsTheDocumentedForm) {
-    EXPECT_EQ(FormatRules({{RuleKind::Branch, "HKCU\\\xC3\x84", "", 0}, {RuleKind::Value, "HKCU\\b", "", 1}}),
+    EXPECT_EQ(FormatRules({{HostRuleKind::Branch, "HKCU\\\xC3\x84", "", 0}, {HostRuleKind::Value, "HKCU\\b", "", 1}}),
               R"({
   "format": "registry-rules",
   "version": 1,
@@ -104,10 +104,10 @@ TEST(RulesFile, TheTextWrittenIsTheDocumentedForm) {
 
 TEST(RulesFile, HardTextsComeBackAsTheyWereWritten) {
     const std::vector<HostRule> rules{
-        {RuleKind::Key, "HKCU\\\"quoted\"\\/slash\\\x01\x1F\x7F", "", 32767},
-        {RuleKind::Value, std::string(32000, 'k'), std::string(32000, '\\'), 0},
-        {RuleKind::Value, "", "\xE4\xB8\xAD \xF0\x9F\x98\x80 line\r\nbreak", -32768},
-        {RuleKind::Value, "", "\xE4\xB8\xAD \xF0\x9F\x98\x80 line\r\nbreak", -32768},
+        {HostRuleKind::Key, "HKCU\\\"quoted\"\\/slash\\\x01\x1F\x7F", "", 32767},
+        {HostRuleKind::Value, std::string(32000, 'k'), std::string(32000, '\\'), 0},
+        {HostRuleKind::Value, "", "\xE4\xB8\xAD \xF0\x9F\x98\x80 line\r\nbreak", -32768},
+        {HostRuleKind::Value, "", "\xE4\xB8\xAD \xF0\x9F\x98\x80 line\r\nbreak", -32768},
     };
     EXPECT_EQ(ParseRules(FormatRules(rules)), rules);
     EXPECT_TRUE(ParseRules(FormatRules({})).empty());

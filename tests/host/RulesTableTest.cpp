@@ -5,9 +5,9 @@
 namespace {
 
 TEST(RulesTable, ColumnsStandInLineAlsoWithLettersOfSeveralBytes) {
-    EXPECT_EQ(RulesTable({{RuleKind::Branch, "HKCU\\Gr\u00F6\u00DFe", "", 0},
-                          {RuleKind::Value, "HKCU\\Environment", "TEMP", 10},
-                          {RuleKind::Value, "HKCU\\a", "", -1}}),
+    EXPECT_EQ(RulesTable({{HostRuleKind::Branch, "HKCU\\Gr\u00F6\u00DFe", "", 0},
+                          {HostRuleKind::Value, "HKCU\\Environment", "TEMP", 10},
+                          {HostRuleKind::Value, "HKCU\\a", "", -1}}),
               "Position  Type    Key               Value\n"
               "0         branch  HKCU\\Gr\u00F6\u00DFe\n"
               "10        value   HKCU\\Environment  TEMP\n"
@@ -15,7 +15,7 @@ TEST(RulesTable, ColumnsStandInLineAlsoWithLettersOfSeveralBytes) {
 }
 
 TEST(RulesTable, ControlCharactersCannotBreakTheLine) {
-    EXPECT_EQ(RulesTable({{RuleKind::Key, "a\nb\x1B[2J\x7F", "", 0}}),
+    EXPECT_EQ(RulesTable({{HostRuleKind::Key, "a\nb\x1B[2J\x7F", "", 0}}),
               "Position  Type  Key                Value\n"
               "0         key   a\\x0Ab\\x1B[2J\\x7F\n");
     EXPECT_EQ(RulesTable({}), "(no rules)\n");

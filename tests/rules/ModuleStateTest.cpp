@@ -26,11 +26,8 @@ constexpr char SetModuleStateName[] = "_Z17AfxSetModuleStateP16AFX_MODULE_STATE"
 
 std::vector<AFX_MODULE_STATE*> g_statesSet;
 
-// Only of the test's own thread: the library's entry point also runs for threads that start meanwhile.
-const DWORD g_thread = GetCurrentThreadId();
-
 AFX_MODULE_STATE* NoteState(AFX_MODULE_STATE* state) {
-    if (GetCurrentThreadId() == g_thread) g_statesSet.push_back(state);
+    g_statesSet.push_back(state);
     return AfxSetModuleState(state);
 }
 
