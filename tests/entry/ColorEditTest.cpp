@@ -50,6 +50,10 @@ TEST_F(ColorEdit, PaintsWithTheColoursThatEachCallSets) {
             edit.ShowWatermark();
             EXPECT_EQ(LookOf(edit),
                       (Look{L"Click here to create a new rule", RGB(128, 128, 128), white, white, false}));
+            // A key that clears nothing shows the watermark as if it were typed.
+            edit.SendMessage(WM_KEYDOWN, VK_RIGHT);
+            EXPECT_EQ(LookOf(edit).textColour, RGB(0, 0, 0));
+            edit.SetTextColor(red);
             edit.SetBackgroundColor(blue);
             edit.ClearWatermark();
             EXPECT_EQ(LookOf(edit), (Look{L"", RGB(0, 0, 0), white, white, false}));

@@ -7,6 +7,7 @@
 #include "files/DeepFolder.h"
 #include "files/NotedCall.h"
 #include "files/PathHelper.h"
+#include "support/ImportPatch.h"
 #include "support/ReparseVolume.h"
 #include "support/ScopedPreinstallation.h"
 #include "support/ScopedTestDir.h"
@@ -50,6 +51,22 @@ TEST(FileFindEx, ListsAsTheBaseDoes) {
     search.Close();
     EXPECT_EQ(search.GetFileName(), L"");
     EXPECT_FALSE(search.FindNextFile());
+}
+
+TEST(FileFindEx, ASearchEndsWithItsObjectAndBeforeTheNext) {
+    static int s_ended = 0;
+    const ImportPatch<decltype(&FindClose)> patch(LoadedModule(L"framework.dll"), "FindClose", [](HANDLE search) {
+        ++s_ended;
+        return FindClose(search);
+    });
+    const ScopedTestDir dir;
+    {
+        CFileFindEx search;
+        EXPECT_TRUE(search.FindFile(dir.Path(L"*").c_str()));
+        EXPECT_TRUE(search.FindFile(dir.Path(L"*").c_str()));
+        EXPECT_EQ(s_ended, 1);
+    }
+    EXPECT_EQ(s_ended, 2);
 }
 
 TEST(FileFindEx, WhatItAsksTheSystemFor) {

@@ -10,6 +10,7 @@
 #include "framework/WindowTestApp.h"
 #include "framework/WindowTestDialogs.h"
 #include "support/DialogDriver.h"
+#include "support/Throws.h"
 
 namespace {
 
@@ -65,17 +66,6 @@ ON_MESSAGE(kInLoop, &CProbeDialog::OnInLoop)
 ON_EN_CHANGE(IDC_PROBE_EDIT, &CProbeDialog::OnEditChange)
 ON_BN_CLICKED(IDC_PROBE_BUTTON, &CProbeDialog::OnButton)
 END_MESSAGE_MAP()
-
-template <typename Work>
-bool ThrowsHeapException(Work work) {
-    try {
-        work();
-    } catch (CException* problem) {
-        problem->Delete();
-        return true;
-    }
-    return false;
-}
 
 class CPlainOwner : public CWnd {
 public:

@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "framework/WindowTestApp.h"
+#include "support/ImportPatch.h"
 
 namespace {
 
@@ -63,6 +64,26 @@ TEST(Window, IsBoundFromItsFirstMessageToItsLast) {
     ::DestroyWindow(window);
     EXPECT_EQ(window.m_ended, 2);
     EXPECT_EQ(CWnd::PermanentCountForTesting(), before);
+}
+
+TEST(Window, IsNotTheInputMethodWindowThatTheSystemMakesBeforeIt) {
+    static HWND s_first = nullptr;
+    const ImportPatch<decltype(&CreateWindowExW)> patch(
+        LoadedModule(L"framework.dll"), "CreateWindowExW",
+        [](DWORD exStyle, LPCWSTR className, LPCWSTR title, DWORD style, int x, int y, int width, int height,
+           HWND parent, HMENU menu, HINSTANCE instance, LPVOID parameter) {
+            s_first = ::CreateWindowExW(0, L"IME", L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
+            return ::CreateWindowExW(exStyle, className, title, style, x, y, width, height, parent, menu, instance,
+                                     parameter);
+        });
+    CWnd window;
+    ASSERT_TRUE(CreateHidden(window, L"ours"));
+    ASSERT_NE(s_first, nullptr);
+    EXPECT_EQ(CWnd::FromHandlePermanent(s_first), nullptr);
+    CString title;
+    window.GetWindowText(title);
+    EXPECT_EQ(title, L"ours");
+    ::DestroyWindow(s_first);
 }
 
 TEST(Window, ARefusedCreationLeavesNothingBehind) {

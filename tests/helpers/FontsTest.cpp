@@ -48,7 +48,14 @@ TEST(Fonts, TheInterfacesFaceFollowsTheVersion) {
 TEST(Fonts, ADeltaMakesTheIconTitleFontLargerOnBothSidesOfZero) {
     const ImportPatch<decltype(&SystemParametersInfoW)> patch(GetModuleHandleW(nullptr), "SystemParametersInfoW",
                                                               TellIconFont);
-    const LONG cases[][3] = {{-12, 2, -14}, {12, 2, 14}, {-12, -2, -10}, {12, -2, 10}, {0, 2, 0}, {-12, 0, -12}};
+    const LONG cases[][3] = {{-12, 2, -14},
+                             {12, 2, 14},
+                             {-12, -2, -10},
+                             {12, -2, 10},
+                             {0, 2, 0},
+                             {-12, 0, -12},
+                             {-12, LONG_MAX, LONG_MIN},
+                             {12, LONG_MAX, LONG_MAX}};
     for (const auto& [height, delta, expected] : cases) {
         s_height = height;
         CFont font;

@@ -6,8 +6,8 @@
 
 #include "profiles/ProfileKeys.h"
 #include "registry/Thrown.h"
+#include "support/FakeVersion.h"
 #include "support/FreshProcess.h"
-#include "support/ImportPatch.h"
 #include "support/LogCapture.h"
 #include "support/ScopedPreinstallation.h"
 #include "support/ScopedRegistryPlace.h"
@@ -22,12 +22,6 @@ CString UserPath(LPCWSTR userName = L"") {
 
 CString LocalPath() {
     return CProfilePathHelper::GetLocalProfilePath(kSid);
-}
-
-BOOL WINAPI TellWindows8(LPOSVERSIONINFOW info) {
-    info->dwMajorVersion = 6;
-    info->dwMinorVersion = 2;
-    return TRUE;
 }
 
 }  // namespace
@@ -121,7 +115,7 @@ TEST(ProfileRegistryValue, GivesAStatusForWhatIsNoText) {
 
 TEST(ProfilePathSuffix, OnWindows8TheServiceHasASetting) {
     EXPECT_IN_FRESH_PROCESS([] {
-        const ImportPatch<decltype(&GetVersionExW)> version(GetModuleHandleW(nullptr), "GetVersionExW", TellWindows8);
+        const FakeVersion windows8(6, 2);
         EXPECT_EQ(CProfilePathHelper::GetProfilePathExtension(), L".V2");
         ScopedRegistryPlace service(HKEY_LOCAL_MACHINE, kProfileService);
         EXPECT_EQ(CProfilePathHelper::GetProfilePathExtension(), L".V2");

@@ -2,16 +2,12 @@
 #pragma once
 
 #include "registry/RegistryException.h"
+#include "support/Throws.h"
 
 // The status of the CRegistryException that the function throws, or ERROR_SUCCESS when it throws none.
 template <class Function>
 DWORD StatusThrownBy(Function function) {
-    try {
-        function();
-    } catch (CRegistryException* problem) {
-        const DWORD status = problem->GetStatus();
-        problem->Delete();
-        return status;
-    }
-    return ERROR_SUCCESS;
+    DWORD status = ERROR_SUCCESS;
+    Throws<CRegistryException>(function, [&](const CRegistryException& problem) { status = problem.GetStatus(); });
+    return status;
 }

@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "resources/resource.h"
-#include "rules/Raises.h"
 #include "rules/RegistryRulesCtrl.h"
 #include "support/DialogDriver.h"
 #include "support/ImportPatch.h"
+#include "support/Throws.h"
 #include "support/WindowText.h"
 
 namespace {
@@ -77,10 +77,10 @@ TEST_F(ModuleState, EachExportedMemberWorksInTheLibrarysStateAndGivesTheHostItsO
     ExpectLibraryStateDuring("GetValueRule", [&] { editor->GetValueRule(0, key, value, &position); });
     EXPECT_TRUE(value.IsEmpty()) << "the default value's text is the library's";
     ExpectLibraryStateDuring("GetKeyRule that raises", [&] {
-        EXPECT_TRUE(RaisesInvalidArgument([&] { editor->GetKeyRule(-1, key, &isBranch, &position); }));
+        EXPECT_TRUE(Throws<CInvalidArgException>([&] { editor->GetKeyRule(-1, key, &isBranch, &position); }));
     });
     ExpectLibraryStateDuring("GetValueRule that raises", [&] {
-        EXPECT_TRUE(RaisesInvalidArgument([&] { editor->GetValueRule(-1, key, value, &position); }));
+        EXPECT_TRUE(Throws<CInvalidArgException>([&] { editor->GetValueRule(-1, key, value, &position); }));
     });
     ExpectLibraryStateDuring("destructor", [&] { editor.reset(); });
 }

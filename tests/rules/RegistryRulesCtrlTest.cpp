@@ -5,7 +5,7 @@
 #include <limits>
 #include <string>
 
-#include "rules/Raises.h"
+#include "support/Throws.h"
 
 namespace {
 
@@ -86,8 +86,8 @@ TEST(RegistryRulesCtrl, ANegativeIndexRaisesOnlyWhereThereAreRules) {
     editor.AddKeyRule(L"HKCU\\a", 1, 0);
     editor.AddValueRule(L"HKCU\\a", L"b", 0);
     for (const long index : {-1L, std::numeric_limits<long>::min()}) {
-        EXPECT_TRUE(RaisesInvalidArgument([&] { KeyRule(editor, index); })) << index;
-        EXPECT_TRUE(RaisesInvalidArgument([&] { ValueRule(editor, index); })) << index;
+        EXPECT_TRUE(Throws<CInvalidArgException>([&] { KeyRule(editor, index); })) << index;
+        EXPECT_TRUE(Throws<CInvalidArgException>([&] { ValueRule(editor, index); })) << index;
     }
     EXPECT_EQ(KeyRule(editor, 0), L"1|HKCU\\a|1|0");
 }

@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 #include <limits>
 
-#include "rules/Raises.h"
 #include "rules/Rule.h"
+#include "support/Throws.h"
 
 namespace {
 
@@ -22,7 +22,7 @@ TEST(RuleSet, TheTwoIndicesBehindTheEndRaiseAndThoseAfterThemGiveNull) {
     RuleSet<CKeyRule> set;
     for (int count = 0; count < 3; ++count) {
         for (const int index : {-1, std::numeric_limits<int>::min(), count, count + 1})
-            EXPECT_TRUE(RaisesInvalidArgument([&] { set.At(index); })) << index << " of " << count;
+            EXPECT_TRUE(Throws<CInvalidArgException>([&] { set.At(index); })) << index << " of " << count;
         for (const int index : {count + 2, std::numeric_limits<int>::max()})
             EXPECT_EQ(set.At(index), nullptr) << index << " of " << count;
         set.Add(new CKeyRule(L"HKCU\\a", 1, count));
@@ -41,7 +41,7 @@ TEST(RuleSet, ClearDeletesEachRecordOnceAndTheSetServesOn) {
     set.Clear();
     EXPECT_EQ(destroyed, 2);
     EXPECT_EQ(set.Count(), 0);
-    EXPECT_TRUE(RaisesInvalidArgument([&] { set.At(0); }));
+    EXPECT_TRUE(Throws<CInvalidArgException>([&] { set.At(0); }));
     CKeyRule* const rule = new CCountedRule(destroyed);
     set.Add(rule);
     EXPECT_EQ(set.At(0), rule);

@@ -9,6 +9,8 @@
 #include <string>
 #include <string_view>
 
+#include "support/Throws.h"
+
 inline constexpr std::string_view kMark = "\xEF\xBB\xBF";
 
 inline std::string BytesOf(const std::wstring& path) {
@@ -23,12 +25,7 @@ inline void PutBytes(const std::wstring& path, std::string_view bytes) {
 // The cause of the CFileException that `work` throws; -1 if it throws none.
 template <class Work>
 int CauseOf(Work work) {
-    try {
-        work();
-    } catch (CFileException* problem) {
-        const int cause = problem->m_cause;
-        problem->Delete();
-        return cause;
-    }
-    return -1;
+    int cause = -1;
+    Throws<CFileException>(work, [&](const CFileException& problem) { cause = problem.m_cause; });
+    return cause;
 }
