@@ -14,6 +14,9 @@ public:
     CAtlTransactionManager(const CAtlTransactionManager&) = delete;
     CAtlTransactionManager& operator=(const CAtlTransactionManager&) = delete;
 
+    // Null while there is no transaction. Stays the object's.
+    HANDLE GetHandle() const { return m_hTransaction; }
+
     // FindFirstFileW within the transaction. INVALID_HANDLE_VALUE and ERROR_INVALID_FUNCTION where the system lacks the
     // transacted form, and where there is neither a transaction nor the fall-back.
     HANDLE FindFirstFile(LPCWSTR pattern, LPWIN32_FIND_DATAW data);
@@ -30,6 +33,6 @@ public:
                       DWORD flags, HANDLE templateFile);
 
 protected:
-    HANDLE m_hTransaction = nullptr;  // null while there is no transaction
+    HANDLE m_hTransaction = nullptr;
     BOOL m_bFallback;
 };
