@@ -2,7 +2,6 @@
 
 #include <string>
 #include <string_view>
-#include <unordered_map>
 
 #include "controls/KeyReader.h"
 #include "controls/ScopedRedrawOff.h"
@@ -29,7 +28,6 @@ public:
     ScopedWaitCursor& operator=(const ScopedWaitCursor&) = delete;
 };
 
-// The texts of the items that are being sorted, asked of the tree once each and not at every comparison.
 using ItemTexts = std::unordered_map<HTREEITEM, CString>;
 
 int CALLBACK CompareItems(LPARAM first, LPARAM second, LPARAM itemTexts) {
@@ -69,7 +67,7 @@ void CRegistryTree::Initialize(bool showValues) {
         m_hiveRecords[i] = {TreeItemKind::Key, rootKey, item};
         SetItemData(item, reinterpret_cast<DWORD_PTR>(&m_hiveRecords[i]));
     }
-    SortSiblings(TVI_ROOT);
+    SortSiblings(top);
 }
 
 int CRegistryTree::AddIcon(UINT id) {
@@ -81,6 +79,7 @@ HTREEITEM CRegistryTree::InsertChild(GrowingBranch& branch, const wchar_t* text,
     const HTREEITEM item = InsertItem(text, branch.parent, branch.last);
     if (item != nullptr) {
         branch.last = item;
+        branch.texts.emplace(item, text);
         SetItemImage(item, image, image);
     }
     return item;
@@ -146,15 +145,11 @@ void CRegistryTree::ReadChildren(HTREEITEM item) {
     if (m_bShowValues) {
         InsertValues(branch, key);
     }
-    SortSiblings(item);
+    SortSiblings(branch);
 }
 
-void CRegistryTree::SortSiblings(HTREEITEM parent) {
-    ItemTexts texts;
-    for (HTREEITEM item = GetChildItem(parent); item != nullptr; item = GetNextSiblingItem(item)) {
-        texts.emplace(item, GetItemText(item));
-    }
-    TVSORTCB sort{parent, CompareItems, reinterpret_cast<LPARAM>(&texts)};
+void CRegistryTree::SortSiblings(const GrowingBranch& branch) {
+    TVSORTCB sort{branch.parent, CompareItems, reinterpret_cast<LPARAM>(&branch.texts)};
     SortChildrenCB(&sort);
 }
 

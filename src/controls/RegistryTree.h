@@ -7,6 +7,7 @@
 
 #include <array>
 #include <memory>
+#include <unordered_map>
 
 #include "controls/TreeOrder.h"
 #include "siblings/uictrl/ShellImageList.h"
@@ -36,11 +37,12 @@ protected:
     DECLARE_MESSAGE_MAP()
 
 private:
-    // The end of a row of siblings that grows. The next child goes behind `last`: the same place as "at the end", which
-    // some systems find only by walking all siblings.
+    // A row of siblings that grows. The next child goes behind `last`: the same place as "at the end", which some
+    // systems find only by walking all siblings. The texts are kept for the sort, which the tree would be slow to tell.
     struct GrowingBranch {
         HTREEITEM parent = nullptr;
         HTREEITEM last = TVI_LAST;
+        std::unordered_map<HTREEITEM, CString> texts = {};
     };
 
     RegTreeItemData* RecordOf(HTREEITEM item) const;
@@ -51,7 +53,7 @@ private:
     void InsertSubkeys(GrowingBranch& branch, HKEY rootKey, const CString& path, HKEY key);
     void InsertValues(GrowingBranch& branch, HKEY key);
     void GiveRecord(HTREEITEM item, TreeItemKind kind);
-    void SortSiblings(HTREEITEM parent);
+    void SortSiblings(const GrowingBranch& branch);
     void FreeRecordsBelow(HTREEITEM item);
 
     CShellImageList m_ImageList;
