@@ -60,4 +60,6 @@ click $OK_X $BUTTONS_Y
 end_host || fail "the host ended with an error"
 cat build/run/host.log
 [ "$(md5sum <"$rules" 2>/dev/null || true)" != "$before" ] || fail "the steps changed no rule: look at build/run/dialog.png"
+sed -n '/^Rules after/,$p' build/run/host.log | grep -q '^0 *key .*Instruments.Gauge' ||
+    fail "the new rule is not the first one, or no Key: look at build/run/dialog.png"
 step "the rules are in $rules, the picture is build/run/dialog.png"

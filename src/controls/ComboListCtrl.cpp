@@ -192,6 +192,8 @@ void CComboListCtrl::OnLButtonDown(UINT flags, CPoint point) {
         return;
     }
     CListCtrl::OnLButtonDown(flags, point);
+    // Wine 8.0 leaves the focus on another row when the clicked one was selected already; Windows moves it.
+    SetItemState(row, LVIS_FOCUSED, LVIS_FOCUSED);
     if (IsDown(VK_SHIFT) || IsDown(VK_CONTROL)) {
         return;
     }

@@ -108,6 +108,12 @@ TEST_F(ComboListCtrlTest, DoubleClickEditsAtOnce) {
         EXPECT_EQ(WindowText(Edit(list)), L"HKCU\\b");
         EXPECT_EQ(m_host.TakeTold(), (Told{RRM_ENABLE_CELL_EDIT, RRM_ENABLE_CELL_EDIT}));
         d.Key(VK_ESCAPE);
+
+        // The focus is still on row 1, as it is elsewhere when the strip has made a rule.
+        d.OnGuiThread([&] { m_host.m_list.SetItemState(0, LVIS_SELECTED, LVIS_SELECTED); });
+        list.DoubleClick(0, 1);
+        EXPECT_NE(Edit(list), nullptr);
+        d.Key(VK_ESCAPE);
         m_host.TakeTold();
 
         d.DoubleClick(list.BehindRows());
