@@ -2,7 +2,9 @@
 
 #include <windows.h>
 
+#include <filesystem>
 #include <memory>
+#include <stdexcept>
 #include <system_error>
 
 namespace {
@@ -26,38 +28,51 @@ Handle Open(const std::wstring& path, DWORD access, DWORD disposition) {
     return Handle(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
 }
 
-void WriteAll(HANDLE file, const std::string& text) {
+DWORD WriteAll(HANDLE file, const std::string& text) {
     DWORD written = 0;
     // The text of a rules file comes from memory that holds it whole; it is far below 4 GiB.
-    if (!WriteFile(file, text.data(), static_cast<DWORD>(text.size()), &written, nullptr)) {
-        Fail(GetLastError(), "cannot write");
-    }
-    if (written != text.size()) Fail(ERROR_DISK_FULL, "cannot write");
-    if (!FlushFileBuffers(file)) Fail(GetLastError(), "cannot write");
+    if (!WriteFile(file, text.data(), static_cast<DWORD>(text.size()), &written, nullptr)) return GetLastError();
+    if (written != text.size()) return ERROR_DISK_FULL;
+    return FlushFileBuffers(file) ? ERROR_SUCCESS : GetLastError();
 }
 
-// Removes the half-finished file unless it has taken its place.
-class TemporaryFile {
-public:
-    explicit TemporaryFile(std::wstring path) : m_path(std::move(path)) {}
-    ~TemporaryFile() {
-        if (!m_moved) DeleteFileW(m_path.c_str());
+// A file that could be written only in part is removed.
+void WriteNewFile(const std::wstring& path, DWORD disposition, const std::string& text) {
+    DWORD status = ERROR_SUCCESS;
+    {
+        const Handle file = Open(path, GENERIC_WRITE, disposition);
+        if (!file) Fail(GetLastError(), "cannot create a file beside it");
+        status = WriteAll(file.get(), text);
     }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
+    if (status == ERROR_SUCCESS) return;
+    DeleteFileW(path.c_str());
+    Fail(status, "cannot write");
+}
 
-    const std::wstring& Path() const { return m_path; }
-    void MoveTo(const std::wstring& target) {
-        if (!MoveFileExW(m_path.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
-            Fail(GetLastError(), "cannot replace the file");
+// Leaves as little time as it can between its last look at the file and the replacement.
+void MoveOver(const std::wstring& path, const std::optional<std::string>& before, const std::wstring& newFile) {
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    // Windows refuses to replace such a file, Wine does not where its user may write everywhere.
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
+        Fail(ERROR_FILE_READ_ONLY, "cannot replace the file");
+    }
+    if (ReadFileText(path) != before) throw std::runtime_error("another program has changed the file meanwhile");
+    if (!MoveFileExW(newFile.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
+        Fail(GetLastError(), "cannot replace the file");
+    }
+}
+
+std::wstring WriteNumberedFile(const std::wstring& stem, const std::string& text) {
+    for (int number = 1;; ++number) {
+        std::wstring path = stem + L".unsaved-" + std::to_wstring(number) + L".json";
+        try {
+            WriteNewFile(path, CREATE_NEW, text);
+            return path;
+        } catch (const std::system_error& error) {
+            if (error.code().value() != ERROR_FILE_EXISTS) throw;
         }
-        m_moved = true;
     }
-
-private:
-    std::wstring m_path;
-    bool m_moved = false;
-};
+}
 
 }  // namespace
 
@@ -80,12 +95,26 @@ std::optional<std::string> ReadFileText(const std::wstring& path) {
     return text;
 }
 
-void ReplaceFileText(const std::wstring& path, const std::string& text) {
-    TemporaryFile temporary(path + L"." + std::to_wstring(GetCurrentProcessId()) + L".new");
-    {
-        const Handle file = Open(temporary.Path(), GENERIC_WRITE, CREATE_ALWAYS);
-        if (!file) Fail(GetLastError(), "cannot create a file beside it");
-        WriteAll(file.get(), text);
+void ReplaceFileText(const std::wstring& path, const std::optional<std::string>& before, const std::string& text) {
+    const std::wstring newFile = path + L"." + std::to_wstring(GetCurrentProcessId()) + L".new";
+    WriteNewFile(newFile, CREATE_ALWAYS, text);
+    try {
+        MoveOver(path, before, newFile);
+    } catch (...) {
+        DeleteFileW(newFile.c_str());
+        throw;
     }
-    temporary.MoveTo(path);
+}
+
+std::wstring WriteUnsavedText(const std::wstring& path, const std::string& text) {
+    const std::filesystem::path file(path);
+    std::error_code noFolder;
+    for (const auto& folder : {file.parent_path(), std::filesystem::temp_directory_path(noFolder)}) {
+        try {
+            return WriteNumberedFile((folder / file.stem()).wstring(), text);
+        } catch (const std::system_error&) {
+            continue;
+        }
+    }
+    return {};
 }

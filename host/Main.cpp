@@ -1,5 +1,5 @@
 #include "RulesHost.h"
 
 extern "C" int wmain(int count, wchar_t** arguments) {
-    return RunHost({arguments + 1, arguments + count});
+    return static_cast<int>(RunHost({arguments + 1, arguments + count}));
 }

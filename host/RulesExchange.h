@@ -7,9 +7,12 @@
 
 class CRegistryRulesCtrl;
 
-// Hands all rules to the editor. A position that does not fit into 16 bits goes as the nearest one that does.
+// Hands all rules to the editor, at their EditorPosition.
 void AddRules(CRegistryRulesCtrl& editor, const std::vector<HostRule>& rules);
 
-// The editor's rules by rising position; key rules before value rules where positions are equal. Throws
-// std::runtime_error for a text that is no valid Unicode.
-std::vector<HostRule> ReadRules(CRegistryRulesCtrl& editor);
+struct EditedRules {
+    std::vector<HostRule> rules;  // by rising position; key rules before value rules where positions are equal
+    bool isExact = true;          // false: U+FFFD stands where a text was no valid Unicode
+};
+
+EditedRules ReadRules(CRegistryRulesCtrl& editor);

@@ -1,5 +1,6 @@
 #include "RulesFile.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <limits>
@@ -81,20 +82,27 @@ private:
     std::vector<Container> m_open;
 };
 
-// The parser's message is "[id] parse error at line L, column C: reason".
-[[noreturn]] void ThrowSyntaxError(const json::parse_error& error) {
-    const std::string text = error.what();
-    const std::size_t line = text.find("line ");
-    const std::size_t reason = text.find(": ", line);
-    if (line == std::string::npos || reason == std::string::npos) throw RulesFileError("line 1, column 1", text);
-    throw RulesFileError(text.substr(line, reason - line), text.substr(reason + 2));
+// In words of our own, since the parser's change with its version. Its place is the number of bytes that it had read,
+// the one that it did not like included.
+[[noreturn]] void ThrowSyntaxError(std::string_view text, std::size_t bytesRead) {
+    const std::string_view before = text.substr(0, std::max<std::size_t>(bytesRead, 1) - 1);
+    const auto line = 1 + std::count(before.begin(), before.end(), '\n');
+    const std::size_t column = before.size() - (before.rfind('\n') + 1) + 1;
+    const std::string place = "line " + std::to_string(line) + ", column " + std::to_string(column);
+    if (before.size() == text.size()) throw RulesFileError(place, "the text ends too early");
+    const auto byte = static_cast<unsigned char>(text[before.size()]);
+    if (byte >= 0x80) throw RulesFileError(place, "no text in UTF-8, or none that JSON allows here");
+    throw RulesFileError(place, Quoted(std::string(1, text[before.size()])) + " is not what JSON allows here");
 }
 
 json ParseJson(std::string_view text) {
+    constexpr std::string_view Mark = "\xEF\xBB\xBF";
+    if (text.starts_with(Mark)) text.remove_prefix(Mark.size());
+    if (text.find_first_not_of(" \t\r\n") == text.npos) throw RulesFileError("line 1, column 1", "the file is empty");
     try {
         return json::parse(text.begin(), text.end(), DuplicateCheck());
     } catch (const json::parse_error& error) {
-        ThrowSyntaxError(error);
+        ThrowSyntaxError(text, error.byte);
     }
 }
 

@@ -3,9 +3,10 @@
 #include <windows.h>
 
 #include <exception>
-#include <memory>
+#include <stdexcept>
 
 #include "FileText.h"
+#include "RulePositions.h"
 #include "RulesExchange.h"
 #include "RulesFile.h"
 #include "RulesTable.h"
@@ -21,10 +22,17 @@ constexpr const char* Usage =
     "confirmed by OK, writes them back. A missing file is an empty set of rules. Without\n"
     "FILE nothing is saved. The rules are printed before and after the dialog.\n"
     "\n"
+    "If FILE cannot be replaced, or another program has changed it meanwhile, the rules go\n"
+    "to NAME.unsaved-1.json (or the next free number) beside it, or else in the folder for\n"
+    "temporary files.\n"
+    "\n"
     "  --help   print this text\n"
     "\n"
-    "Exit codes: 0 done; 1 wrong arguments, or the file cannot be read or written;\n"
-    "2 the file is not a rules file (it is left as it was).\n";
+    "Exit codes:\n"
+    "  0   done\n"
+    "  1   wrong arguments, FILE cannot be read, or the rules could be saved nowhere\n"
+    "  2   FILE is not a rules file (it is left as it was)\n"
+    "  3   not saved in place: the rules are in the file that is named\n";
 
 void Print(DWORD stream, const std::string& text) {
     const HANDLE handle = GetStdHandle(stream);
@@ -43,26 +51,47 @@ void PrintFailure(const std::string& text) {
     Print(STD_ERROR_HANDLE, "RulesHost: " + text + "\n");
 }
 
-std::vector<HostRule> LoadRules(const std::wstring& path) {
-    if (path.empty()) return {};
-    const std::optional<std::string> text = ReadFileText(path);
-    return text ? ParseRules(*text) : std::vector<HostRule>();
+// Saves what was edited, in the file or, when that cannot be, in another one.
+ExitCode SaveRules(const std::wstring& path, const std::optional<std::string>& before, const EditedRules& edited) {
+    const std::string name = ToReadableUtf8(path);
+    const std::string text = FormatRules(edited.rules);
+    std::string reason;
+    try {
+        if (!edited.isExact)
+            throw std::runtime_error("U+FFFD stands for half a surrogate pair, which no file can hold");
+        ReplaceFileText(path, before, text);
+        Print(STD_OUTPUT_HANDLE, "Saved to " + name + ".\n");
+        return ExitCode::Done;
+    } catch (const std::exception& error) {
+        reason = error.what();
+    }
+    const std::wstring other = WriteUnsavedText(path, text);
+    if (other.empty()) {
+        Print(STD_OUTPUT_HANDLE, text);
+        PrintFailure(name + ": " + reason + "; not saved anywhere: the text of the file is printed");
+        return ExitCode::Failed;
+    }
+    PrintFailure(name + ": " + reason + "; the rules are in " + ToReadableUtf8(other));
+    return ExitCode::NotInPlace;
 }
 
-void EditRules(const std::wstring& path) {
+ExitCode EditRules(const std::wstring& path) {
     const std::string name = path.empty() ? "(no file)" : ToReadableUtf8(path);
-    const std::vector<HostRule> before = LoadRules(path);
+    const std::optional<std::string> text = path.empty() ? std::nullopt : ReadFileText(path);
+    const std::vector<HostRule> before = text ? ParseRules(*text) : std::vector<HostRule>();
     Print(STD_OUTPUT_HANDLE, "Rules before, from " + name + ":\n" + RulesTable(before));
+    if (!EditorKeepsOrder(before)) {
+        PrintFailure(name + ": the dialog takes positions up to 32767 only: the rules beyond will change their order");
+    }
 
     CRegistryRulesCtrl editor;
     AddRules(editor, before);
     const bool changed = editor.Show() == 1;
-    const std::vector<HostRule> after = ReadRules(editor);
-    if (changed && !path.empty()) ReplaceFileText(path, FormatRules(after));
-    Print(STD_OUTPUT_HANDLE, "Rules after:\n" + RulesTable(after));
-    Print(STD_OUTPUT_HANDLE, !changed       ? "Nothing to save.\n"
-                             : path.empty() ? "Not saved: no file.\n"
-                                            : "Saved to " + name + ".\n");
+    const EditedRules after = ReadRules(editor);
+    Print(STD_OUTPUT_HANDLE, "Rules after:\n" + RulesTable(after.rules));
+    if (changed && !path.empty()) return SaveRules(path, text, after);
+    Print(STD_OUTPUT_HANDLE, changed ? "Not saved: no file.\n" : "Nothing to save.\n");
+    return ExitCode::Done;
 }
 
 std::string ExceptionText(CException* problem) {
@@ -74,29 +103,28 @@ std::string ExceptionText(CException* problem) {
 
 }  // namespace
 
-int RunHost(const std::vector<std::wstring>& arguments) {
+ExitCode RunHost(const std::vector<std::wstring>& arguments) {
     if (arguments.size() == 1 && arguments[0] == L"--help") {
         Print(STD_OUTPUT_HANDLE, Usage);
-        return HOST_EXIT_OK;
+        return ExitCode::Done;
     }
     const bool isOption = !arguments.empty() && arguments[0].starts_with(L"-");
     if (arguments.size() > 1 || isOption) {
         PrintFailure((isOption ? "unknown option " + ToReadableUtf8(arguments[0]) : "more than one file") +
                      "; RulesHost --help tells the usage");
-        return HOST_EXIT_FAILURE;
+        return ExitCode::Failed;
     }
     const std::wstring path = arguments.empty() ? L"" : arguments[0];
     const std::string prefix = path.empty() ? "" : ToReadableUtf8(path) + ": ";
     try {
-        EditRules(path);
-        return HOST_EXIT_OK;
+        return EditRules(path);
     } catch (const RulesFileError& error) {
         PrintFailure(prefix + error.what());
-        return HOST_EXIT_INVALID_FILE;
+        return ExitCode::InvalidFile;
     } catch (const std::exception& error) {
         PrintFailure(prefix + error.what());
     } catch (CException* problem) {
         PrintFailure(prefix + ExceptionText(problem));
     }
-    return HOST_EXIT_FAILURE;
+    return ExitCode::Failed;
 }

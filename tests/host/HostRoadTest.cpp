@@ -1,23 +1,32 @@
-// The whole program in this process: rules from the file, through the dialog, back into the file.
+// The whole program in this process: rules from the file, through the dialog, and back into the file or beside it.
 #include <windows.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <gtest/gtest.h>
+#include <memory>
 
-#include "FileText.h"
 #include "RulesFile.h"
 #include "RulesHost.h"
+#include "RulesTable.h"
+#include "Utf8.h"
 #include "resources/resource.h"
 #include "support/DialogDriver.h"
+#include "support/FileBytes.h"
 #include "support/ImportPatch.h"
 #include "support/ScopedTestDir.h"
 
 namespace {
 
+namespace fs = std::filesystem;
+
 constexpr char Rules[] =
     R"({"format": "registry-rules", "version": 1, "rules": [
         {"type": "value", "key": "HKCU\\Environment", "value": "", "position": 0},
         {"type": "key", "key": "HKEY_CURRENT_USER\\Gr\u00f6\u00dfe", "position": 1}]})";
+const std::vector<HostRule> Edited{{HostRuleKind::Branch, "HKEY_LOCAL_MACHINE\\Software\\\u4E2D", "", 0},
+                                   {HostRuleKind::Value, "HKEY_CURRENT_USER\\Environment", "", 1},
+                                   {HostRuleKind::Key, "HKEY_CURRENT_USER\\Gr\u00F6\u00DFe", "", 2}};
 
 // Sends one of the process's standard streams into a file as long as it lives.
 class RedirectedStream {
@@ -39,34 +48,30 @@ private:
     HANDLE m_file;
 };
 
+using Script = std::function<void(Dialog&)>;
+
 class HostRoad : public testing::Test {
 protected:
-    // Runs the host, on the file unless told otherwise, while the script works its dialog; gives the exit code.
-    int Run(const std::function<void(Dialog&)>& script) { return Run({m_path}, script); }
-    int Run(const std::vector<std::wstring>& arguments, const std::function<void(Dialog&)>& script) {
-        int exitCode = -1;
-        DialogDriver().Run([&] { exitCode = RunBare(arguments); }, script);
-        return exitCode;
-    }
-    int RunBare(const std::vector<std::wstring>& arguments) {
-        int exitCode = -1;
-        const ScopedTestDir streams;
+    // Runs the host while the script works its dialog; without a script none may appear.
+    ExitCode Run(const std::vector<std::wstring>& arguments, const Script& script = {}) {
+        auto exitCode = static_cast<ExitCode>(-1);
         {
-            const RedirectedStream output(STD_OUTPUT_HANDLE, streams.Path(L"output"));
-            const RedirectedStream errors(STD_ERROR_HANDLE, streams.Path(L"errors"));
-            exitCode = RunHost(arguments);
+            const RedirectedStream output(STD_OUTPUT_HANDLE, m_streams.Path(L"output"));
+            const RedirectedStream errors(STD_ERROR_HANDLE, m_streams.Path(L"errors"));
+            const auto run = [&] { exitCode = RunHost(arguments); };
+            script ? DialogDriver().Run(run, script) : run();
         }
-        m_output = ReadFileText(streams.Path(L"output")).value_or("");
-        m_errors = ReadFileText(streams.Path(L"errors")).value_or("");
+        m_output = BytesOf(m_streams.Path(L"output"));
+        m_errors = Errors();
         return exitCode;
     }
-    // A run that is refused before any dialog appears: one line that says why.
-    void ExpectRefused(const std::vector<std::wstring>& arguments, int code, const std::string& part) {
-        EXPECT_EQ(RunBare(arguments), code);
+    std::string Errors() const { return BytesOf(m_streams.Path(L"errors")); }
+
+    // One line that says why.
+    void ExpectError(const std::string& part) const {
         EXPECT_EQ(std::count(m_errors.begin(), m_errors.end(), '\n'), 1) << m_errors;
         EXPECT_TRUE(m_errors.starts_with("RulesHost: ")) << m_errors;
         EXPECT_NE(m_errors.find(part), std::string::npos) << m_errors;
-        EXPECT_EQ(m_output, "");
     }
 
     static void AddRuleByStrip(Dialog& d, const std::wstring& key) {
@@ -75,28 +80,83 @@ protected:
         d.Key(VK_RETURN);
     }
 
+    const ScopedTestDir m_streams;
     const ScopedTestDir m_folder;
     const std::wstring m_path = m_folder.Path(L"Regeln \x4E2D.json");
     std::string m_output;
     std::string m_errors;
 };
 
+std::size_t FileCount(const std::wstring& folder) {
+    std::error_code gone;
+    const fs::directory_iterator files(folder, gone);
+    return static_cast<std::size_t>(std::distance(begin(files), end(files)));
+}
+
+// Ends what it stands for when it is let go.
+using Undo = std::shared_ptr<const void>;
+
+template <class Function>
+Undo Patch(const char* name, Function replacement) {
+    return std::make_shared<ImportPatch<Function>>(GetModuleHandleW(nullptr), name, replacement);
+}
+
+// Files whose path holds this stand on a volume without room.
+std::wstring s_full;
+
+BOOL HasRoom(HANDLE file) {
+    wchar_t path[MAX_PATH] = {};
+    GetFinalPathNameByHandleW(file, path, MAX_PATH, 0);
+    if (std::wstring_view(path).find(s_full) == std::wstring_view::npos) return TRUE;
+    SetLastError(ERROR_DISK_FULL);
+    return FALSE;
+}
+
+Undo FillVolume(const std::wstring& part) {
+    s_full = part;
+    return Patch<decltype(&WriteFile)>(
+        "WriteFile", [](HANDLE file, LPCVOID data, DWORD bytes, LPDWORD written, LPOVERLAPPED overlapped) {
+            static const auto write = SystemFunction(&WriteFile, L"kernel32.dll", "WriteFile");
+            const bool hasRoom = HasRoom(file);
+            const BOOL isWritten = write(file, data, hasRoom ? bytes : bytes / 2, written, overlapped);
+            if (!hasRoom) SetLastError(ERROR_DISK_FULL);
+            return isWritten && hasRoom ? TRUE : FALSE;
+        });
+}
+
+Undo Lock(const std::wstring& path, DWORD share) {
+    const HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, share, nullptr, OPEN_EXISTING, 0, nullptr);
+    EXPECT_NE(file, INVALID_HANDLE_VALUE);
+    return {file, [](const void* handle) { CloseHandle(const_cast<HANDLE>(handle)); }};
+}
+
 TEST_F(HostRoad, AChangedSetIsSavedInRowOrderWithFullHiveNames) {
-    ReplaceFileText(m_path, Rules);
-    EXPECT_EQ(Run([](Dialog& d) {
-                  AddRuleByStrip(d, L"hklm\\Software\\\x4E2D");
-                  d.Click(IDOK);
-              }),
-              0);
-    const std::vector<HostRule> expected{{HostRuleKind::Branch, "HKEY_LOCAL_MACHINE\\Software\\\u4E2D", "", 0},
-                                         {HostRuleKind::Value, "HKEY_CURRENT_USER\\Environment", "", 1},
-                                         {HostRuleKind::Key, "HKEY_CURRENT_USER\\Gr\u00F6\u00DFe", "", 2}};
-    EXPECT_EQ(ParseRules(ReadFileText(m_path).value_or("")), expected);
+    PutBytes(m_path, Rules);
+    EXPECT_EQ(Run({m_path},
+                  [](Dialog& d) {
+                      AddRuleByStrip(d, L"hklm\\Software\\\x4E2D");
+                      d.Click(IDOK);
+                  }),
+              ExitCode::Done);
+    EXPECT_EQ(ParseRules(BytesOf(m_path)), Edited);
+    EXPECT_EQ(FileCount(m_folder.Path()), 1u);
     EXPECT_EQ(m_errors, "");
     const std::size_t after = m_output.find("Rules after:\n");
     ASSERT_NE(after, std::string::npos) << m_output;
     EXPECT_NE(m_output.find("value  HKCU\\Environment"), std::string::npos) << m_output;
     EXPECT_NE(m_output.find("HKEY_LOCAL_MACHINE\\Software\\\xE4\xB8\xAD", after), std::string::npos) << m_output;
+
+    const std::string saved = BytesOf(m_path);
+    EXPECT_EQ(Run({m_path}, [](Dialog& d) { d.Click(IDOK); }), ExitCode::Done);
+    EXPECT_TRUE(m_output.ends_with("Nothing to save.\n")) << m_output;
+    EXPECT_EQ(Run({m_path},
+                  [](Dialog& d) {
+                      AddRuleByStrip(d, L"HKCU\\Software");
+                      d.Click(IDCANCEL);
+                      d.AnswerBox(IDYES);
+                  }),
+              ExitCode::Done);
+    EXPECT_EQ(BytesOf(m_path), saved);
 }
 
 TEST_F(HostRoad, AMissingFileIsAnEmptySetAndIsMadeButNoFileIsNotSaved) {
@@ -105,64 +165,159 @@ TEST_F(HostRoad, AMissingFileIsAnEmptySetAndIsMadeButNoFileIsNotSaved) {
         AddRuleByStrip(d, L"HKCU\\Software");
         d.Click(IDOK);
     };
-    EXPECT_EQ(Run(script), 0);
-    EXPECT_EQ(ParseRules(ReadFileText(m_path).value_or("")),
+    EXPECT_EQ(Run({m_path}, script), ExitCode::Done);
+    EXPECT_EQ(ParseRules(BytesOf(m_path)),
               std::vector<HostRule>({{HostRuleKind::Branch, "HKEY_CURRENT_USER\\Software", "", 0}}));
     EXPECT_NE(m_output.find("(no rules)"), std::string::npos) << m_output;
-    EXPECT_EQ(Run({}, script), 0);
+    EXPECT_EQ(Run({}, script), ExitCode::Done);
     EXPECT_TRUE(m_output.ends_with("branch  HKEY_CURRENT_USER\\Software\nNot saved: no file.\n")) << m_output;
-    EXPECT_EQ(RunBare({L"--help"}), 0);
+    EXPECT_EQ(Run({L"--help"}), ExitCode::Done);
     EXPECT_TRUE(m_output.starts_with("Usage: RulesHost [FILE]\n")) << m_output;
 }
 
-TEST_F(HostRoad, CancelAndAnOkWithoutChangeLeaveTheFileByteForByte) {
-    ReplaceFileText(m_path, Rules);
-    EXPECT_EQ(Run([](Dialog& d) { d.Click(IDOK); }), 0);
-    EXPECT_EQ(ReadFileText(m_path), Rules);
-    EXPECT_TRUE(m_output.ends_with("Nothing to save.\n")) << m_output;
-    EXPECT_EQ(Run([](Dialog& d) {
-                  AddRuleByStrip(d, L"HKCU\\Software");
-                  d.Click(IDCANCEL);
-                  d.AnswerBox(IDYES);
-              }),
-              0);
-    EXPECT_EQ(ReadFileText(m_path), Rules);
+// What may happen while the dialog is open, and what is told then.
+struct Trouble {
+    const char* name;
+    std::function<Undo(const std::wstring& path)> happens;
+    const char* reason;
+    const char* left = Rules;  // what stands in the file afterwards
+    const wchar_t* unsaved = L"Regeln \x4E2D.unsaved-1.json";
+};
+
+const Trouble Troubles[] = {
+    {"read-only",
+     [](const auto& path) {
+         SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY);
+         return Undo(&path, [path](const void*) { SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL); });
+     },
+     "cannot replace the file: "},
+    {"locked", [](const auto& path) { return Lock(path, 0); }, "cannot open: "},
+    {"being read", [](const auto& path) { return Lock(path, FILE_SHARE_READ); }, "cannot replace the file"},
+    {"changed", [](const auto& path) { return PutBytes(path, "mine"), nullptr; }, "another program has changed",
+     "mine"},
+    {"gone", [](const auto& path) { return DeleteFileW(path.c_str()), nullptr; }, "another program has changed", ""},
+    {"a number in use",
+     [](const auto& path) {
+         PutBytes(path, "mine");
+         PutBytes(fs::path(path).replace_extension(L"unsaved-1.json"), "of an earlier day");
+         return nullptr;
+     },
+     "another program has changed", "mine", L"Regeln \x4E2D.unsaved-2.json"},
+    {"no room", [](const auto&) { return FillVolume(L".new"); }, "cannot write: "},
+    {"no room that shows only in the end",
+     [](const auto&) {
+         return Patch<decltype(&FlushFileBuffers)>("FlushFileBuffers", [](HANDLE file) {
+             s_full = L".new";
+             return HasRoom(file);
+         });
+     },
+     "cannot write: "},
+    {"half a character",
+     [](const auto&) {
+         SetWindowTextW(GetDlgItem(GetForegroundWindow(), IDC_NEW_KEY), L"HKLM\\Software\\\xD83D");
+         return nullptr;
+     },
+     "half a surrogate pair"},
+};
+
+TEST_F(HostRoad, WhatCannotBeSavedInItsPlaceIsSavedBesideItAndTold) {
+    for (const Trouble& trouble : Troubles) {
+        SCOPED_TRACE(trouble.name);
+        const ScopedTestDir folder;
+        const std::wstring path = folder.Path(L"Regeln \x4E2D.json");
+        PutBytes(path, Rules);
+        std::size_t filesBefore = 0;
+        {
+            Undo undo;
+            EXPECT_EQ(Run({path},
+                          [&](Dialog& d) {
+                              AddRuleByStrip(d, L"hklm\\Software\\\x4E2D");
+                              undo = trouble.happens(path);
+                              filesBefore = FileCount(folder.Path());
+                              d.Click(IDOK);
+                          }),
+                      ExitCode::NotInPlace);
+        }
+        ExpectError(trouble.reason);
+        const std::wstring unsaved = folder.Path(trouble.unsaved);
+        EXPECT_TRUE(m_errors.ends_with("; the rules are in " + ToReadableUtf8(unsaved) + "\n")) << m_errors;
+        EXPECT_TRUE(m_output.ends_with("Rules after:\n" + RulesTable(ParseRules(BytesOf(unsaved))))) << m_output;
+        EXPECT_NE(m_output.find("branch  HKEY_LOCAL_MACHINE\\Software\\\u4E2D\n"), std::string::npos) << m_output;
+        EXPECT_EQ(BytesOf(path), trouble.left);
+        EXPECT_EQ(FileCount(folder.Path()), filesBefore + 1);
+    }
 }
 
-TEST_F(HostRoad, WhatCannotBeSavedGivesCode1AndLeavesTheFileAsItWas) {
-    ReplaceFileText(m_path, Rules);
-    {
-        const ImportPatch<decltype(&MoveFileExW)> patch(GetModuleHandleW(nullptr), "MoveFileExW",
-                                                        [](LPCWSTR, LPCWSTR, DWORD) {
-                                                            SetLastError(ERROR_SHARING_VIOLATION);
-                                                            return FALSE;
-                                                        });
-        EXPECT_EQ(Run([](Dialog& d) {
-                      AddRuleByStrip(d, L"HKCU\\Software");
-                      d.Click(IDOK);
+// Without a folder the rules go to the one for temporary files, and without room anywhere they are printed as a file.
+TEST_F(HostRoad, WhatCannotBeSavedBesideItEitherIsNotLost) {
+    Undo undo;
+    const auto edit = [&](Dialog& d) {
+        AddRuleByStrip(d, L"hklm\\Software\\\x4E2D");
+        d.Click(IDOK);
+    };
+    PutBytes(m_path, Rules);
+    const auto lose = [&](Dialog& d) {
+        fs::remove_all(m_folder.Path());
+        edit(d);
+    };
+    EXPECT_EQ(Run({m_path}, lose), ExitCode::NotInPlace);
+    const std::string told = "; the rules are in ";
+    const auto place = m_errors.find(told);
+    ASSERT_NE(place, std::string::npos) << m_errors;
+    const fs::path unsaved = FromUtf8(m_errors.substr(place + told.size(), m_errors.size() - place - told.size() - 1));
+    EXPECT_EQ(unsaved.parent_path(), fs::temp_directory_path().parent_path());
+    EXPECT_EQ(ParseRules(BytesOf(unsaved)), Edited);
+    fs::remove(unsaved);
+
+    fs::create_directory(m_folder.Path());
+    PutBytes(m_path, Rules);
+    const auto full = FillVolume(L"Regeln");
+    EXPECT_EQ(Run({m_path}, edit), ExitCode::Failed);
+    ExpectError("cannot write: ");
+    EXPECT_EQ(ParseRules(m_output.substr(m_output.find("{\n"))), Edited);
+    EXPECT_EQ(BytesOf(m_path), Rules);
+    EXPECT_EQ(FileCount(m_folder.Path()), 1u);
+    EXPECT_FALSE(fs::exists(unsaved));
+}
+
+TEST_F(HostRoad, PositionsThatTheDialogCannotTellApartAreToldBeforeItOpens) {
+    PutBytes(m_path, R"({"format": "registry-rules", "version": 1, "rules": [
+        {"type": "key", "key": "HKCU\\a", "position": 32767},
+        {"type": "key", "key": "HKCU\\b", "position": 65536}]})");
+    EXPECT_EQ(Run({m_path},
+                  [this](Dialog& d) {
+                      EXPECT_NE(Errors().find("32767"), std::string::npos);
+                      EXPECT_EQ(d.List(IDC_RULE_LIST).Text(0, 1), L"HKCU\\a");
+                      d.Click(IDCANCEL);
                   }),
-                  1);
-    }
-    EXPECT_EQ(std::count(m_errors.begin(), m_errors.end(), '\n'), 1) << m_errors;
-    EXPECT_EQ(Run([](Dialog& d) {
-                  SetWindowTextW(d.Control(IDC_NEW_KEY), L"HKCU\\half \xD83D pair");
-                  d.Click(IDOK);
-              }),
-              1);
-    EXPECT_NE(m_errors.find("surrogate"), std::string::npos) << m_errors;
-    EXPECT_EQ(ReadFileText(m_path), Rules);
+              ExitCode::Done);
+    ExpectError("will change their order");
 }
 
 TEST_F(HostRoad, WrongArgumentsAndFilesAreRefusedInOneLine) {
-    ExpectRefused({L"--save", L"rules.json"}, 1, "");
-    ExpectRefused({L"-x"}, 1, "");
-    ExpectRefused({L"one.json", L"two.json"}, 1, "");
-    ExpectRefused({m_folder.Path()}, 1, "");
-    ExpectRefused({m_folder.Path(L"none\\rules.json")}, 1, "");
-    const std::string text = "{\r\n  \"format\": \"registry-rules\",\r\n  \"version\": 1, \"rules\": [{}]\r\n}";
-    ReplaceFileText(m_path, text);
-    ExpectRefused({m_path}, 2, "Regeln \xE4\xB8\xAD.json: /rules/0: has no member \"type\"\n");
-    EXPECT_EQ(ReadFileText(m_path), text);
+    const std::wstring large = m_folder.Path(L"large.json");
+    PutBytes(large, "");
+    fs::resize_file(large, (64U << 20) + 1);
+    PutBytes(m_path, "{\r\n  \"format\": \"registry-rules\",\r\n  \"version\": 1, \"rules\": [{}]\r\n}");
+    const struct {
+        std::vector<std::wstring> arguments;
+        ExitCode code;
+        const char* reason;
+    } rows[] = {
+        {{L"--save", L"rules.json"}, ExitCode::Failed, "unknown option --save"},
+        {{L"-x"}, ExitCode::Failed, "unknown option -x"},
+        {{L"one.json", L"two.json"}, ExitCode::Failed, "more than one file"},
+        {{m_folder.Path()}, ExitCode::Failed, "cannot "},
+        {{m_folder.Path(L"none\\rules.json")}, ExitCode::Failed, "cannot open: "},
+        {{large}, ExitCode::Failed, "cannot read: "},
+        {{m_path}, ExitCode::InvalidFile, "Regeln \xE4\xB8\xAD.json: /rules/0: has no member \"type\"\n"},
+    };
+    for (const auto& [arguments, code, reason] : rows) {
+        EXPECT_EQ(Run(arguments), code);
+        ExpectError(reason);
+        EXPECT_EQ(m_output, "");
+    }
+    EXPECT_TRUE(BytesOf(m_path).ends_with("[{}]\r\n}"));
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "RulePositions.h"
+
 namespace {
 
 std::string WithRules(const std::string& rules) {
@@ -31,12 +33,16 @@ TEST(RulesFile, WhatIsNoRulesFileIsRefusedWithPlaceAndReason) {
         std::string place;
         std::string reason;
     } cases[] = {
-        {"", "line 1, column 1", "unexpected end of input"},
-        {"{\n  \"format\": registry-rules\n}", "line 2, column 13", "invalid literal"},
-        {WithRules("") + "\nx", "line 2, column 1", "expected end of input"},
-        {WithRules("\"\xFF\""), "line 1, column 55", "ill-formed UTF-8"},
-        {WithRules(R"("\ud800")"), "line 1, column 61", "surrogate"},
-        {std::string(20000, '['), "line 1, column 20001", "unexpected end of input"},
+        {"", "line 1, column 1", "the file is empty"},
+        {"\xEF\xBB\xBF \r\n", "line 1, column 1", "the file is empty"},
+        {"\xEF\xBB\xBF}", "line 1, column 1", "\"}\" is not what JSON allows here"},
+        {"{\n  \"format\": registry-rules\n}", "line 2, column 13", "\"r\" is not what JSON allows here"},
+        {WithRules("") + "\nx", "line 2, column 1", "\"x\" is not what JSON allows here"},
+        {"{\"format\": \"a\nb\"}", "line 1, column 14", "\"\\n\" is not what JSON allows here"},
+        {WithRules("\"\xFF\""), "line 1, column 55", "no text in UTF-8"},
+        {WithRules(R"("\ud800")"), "line 1, column 61", "not what JSON allows here"},
+        {std::string(5000, '['), "line 1, column 5001", "the text ends too early"},
+        {"{\n", "line 2, column 1", "the text ends too early"},
         {"[]", "/", "must be an object"},
         {"{}", "/", "has no member \"format\""},
         {R"({"format": "other", "version": 1, "rules": []})", "/format", "must be \"registry-rules\""},
@@ -76,6 +82,16 @@ TEST(RulesFile, WhatIsNoRulesFileIsRefusedWithPlaceAndReason) {
             EXPECT_EQ(std::string(error.what()).find('\n'), std::string::npos) << "is one line";
         }
     }
+}
+
+TEST(RulePositions, TheEditorTellsApartWhatFitsInto16Bits) {
+    const auto keepsOrder = [](std::size_t count, int position) {
+        return EditorKeepsOrder(std::vector<HostRule>(count, {HostRuleKind::Key, "", "", position}));
+    };
+    EXPECT_TRUE(keepsOrder(32768, 32767) && keepsOrder(1, -32768));
+    EXPECT_FALSE(keepsOrder(32769, 0) || keepsOrder(1, 32768) || keepsOrder(1, -32769));
+    EXPECT_EQ(EditorPosition(65536), 32767);
+    EXPECT_EQ(EditorPosition(-32769), -32768);
 }
 
 TEST(RulesFile, TheTextWrittenIsTheDocumentedForm) {

@@ -15,9 +15,9 @@ TEST(RulesTable, ColumnsStandInLineAlsoWithLettersOfSeveralBytes) {
 }
 
 TEST(RulesTable, ControlCharactersCannotBreakTheLine) {
-    EXPECT_EQ(RulesTable({{HostRuleKind::Key, "a\nb\x1B[2J\x7F", "", 0}}),
-              "Position  Type  Key                Value\n"
-              "0         key   a\\x0Ab\\x1B[2J\\x7F\n");
+    EXPECT_EQ(RulesTable({{HostRuleKind::Key, "a\nb\x1B[2J\x7F\xC2\x80\xC2\x9F\xC2\xA0\xC3\x9F", "", 0}}),
+              "Position  Type  Key                          Value\n"
+              "0         key   a\\x0Ab\\x1B[2J\\x7F\\x80\\x9F\xC2\xA0\xC3\x9F\n");
     EXPECT_EQ(RulesTable({}), "(no rules)\n");
 }
 
