@@ -1,7 +1,8 @@
 #include "crypto/EncryptorAes256.h"
 
 #include <algorithm>
-#include <cstring>
+#include <functional>
+#include <new>
 
 #include "helpers/Encodings.h"
 
@@ -10,6 +11,7 @@ namespace {
 constexpr DWORD kSha512Bytes = 64;
 constexpr DWORD kSha256Bytes = 32;
 constexpr size_t kPasswordBytes = 64;
+constexpr auto kNoMemoryStatus = static_cast<NTSTATUS>(STATUS_NO_MEMORY);
 
 struct HeapCloser {
     void operator()(PUCHAR block) const { HeapFree(GetProcessHeap(), 0, block); }
@@ -23,16 +25,20 @@ HeapBlock AllocateOnHeap(DWORD bytes) {
 // A password in UTF-8, cut at 64 bytes or at its first zero, and gone from memory afterwards.
 class PasswordBytes {
 public:
-    explicit PasswordBytes(const CString& password) {
-        int bytes = 0;
-        const auto utf8 = WideToUtf8(password, false, bytes);
-        std::copy_n(utf8.get(), std::min(static_cast<size_t>(bytes), kPasswordBytes), m_bytes);
-        SecureZeroMemory(utf8.get(), static_cast<size_t>(bytes));
-    }
+    PasswordBytes() = default;
     ~PasswordBytes() { SecureZeroMemory(m_bytes, sizeof(m_bytes)); }
     PasswordBytes(const PasswordBytes&) = delete;
     PasswordBytes& operator=(const PasswordBytes&) = delete;
 
+    // False when there is no memory. The password is not empty.
+    bool Read(const CString& password) {
+        int bytes = 0;
+        const auto utf8 = WideToUtf8(password, false, bytes);
+        if (!utf8) return false;
+        std::copy_n(utf8.get(), std::min(static_cast<size_t>(bytes), kPasswordBytes), m_bytes);
+        SecureZeroMemory(utf8.get(), static_cast<size_t>(bytes));
+        return true;
+    }
     PUCHAR Data() { return m_bytes; }
     ULONG Size() const { return static_cast<ULONG>(std::find(m_bytes, m_bytes + kPasswordBytes, 0) - m_bytes); }
 
@@ -53,13 +59,13 @@ void EncryptorAes256::ComputeHash(const CString& password, std::unique_ptr<BYTE[
     hashBytes = 0;
     if (password.IsEmpty() || m_BCrypt.Load() != 0) return;
     PUCHAR digest = nullptr;
-    const NTSTATUS status =
-        HashPassword(BCRYPT_SHA512_ALGORITHM, kSha512Bytes, password, nullptr, nullptr, digest, hashBytes);
+    m_keyStatus = HashPassword(BCRYPT_SHA512_ALGORITHM, kSha512Bytes, password, nullptr, nullptr, digest, hashBytes);
     hash.reset(digest);
-    if (status < 0) return;
+    if (m_keyStatus < 0) return;
     // An earlier password's key and key object are left behind, not released; docs/encryption.md counts this among the
     // limits.
-    HashPassword(BCRYPT_SHA256_ALGORITHM, kSha256Bytes, password, &m_pKeyObject, &m_cbKeyObject, m_pKey, m_cbKey);
+    m_keyStatus =
+        HashPassword(BCRYPT_SHA256_ALGORITHM, kSha256Bytes, password, &m_pKeyObject, &m_cbKeyObject, m_pKey, m_cbKey);
 }
 
 NTSTATUS EncryptorAes256::HashPassword(LPCWSTR algorithm, DWORD digestBytes, const CString& password, PUCHAR* keyObject,
@@ -74,8 +80,8 @@ NTSTATUS EncryptorAes256::HashPassword(LPCWSTR algorithm, DWORD digestBytes, con
     status = m_BCrypt.GetObjectLength(m_BCrypt.AesProvider(), objectBytes);
     if (status >= 0) {
         HeapBlock object = AllocateOnHeap(objectBytes);
-        auto result = std::make_unique<UCHAR[]>(digestBytes);
-        status = HashInto(provider, password, result.get(), digestBytes);
+        std::unique_ptr<UCHAR[]> result(new (std::nothrow) UCHAR[digestBytes]);
+        status = object && result ? HashInto(provider, password, result.get(), digestBytes) : kNoMemoryStatus;
         if (status >= 0) {
             digest = result.release();
             digestSize = digestBytes;
@@ -93,10 +99,11 @@ NTSTATUS EncryptorAes256::HashInto(BCRYPT_ALG_HANDLE provider, const CString& pa
     NTSTATUS status = m_BCrypt.GetObjectLength(provider, objectBytes);
     if (status < 0) return status;
     const HeapBlock object = AllocateOnHeap(objectBytes);
+    PasswordBytes bytes;
+    if (!object || !bytes.Read(password)) return kNoMemoryStatus;
     BCRYPT_HASH_HANDLE hash = nullptr;
     status = m_BCrypt.BCryptCreateHash(provider, &hash, object.get(), objectBytes, nullptr, 0, 0);
     if (status < 0) return status;
-    PasswordBytes bytes(password);
     status = m_BCrypt.BCryptHashData(hash, bytes.Data(), bytes.Size(), 0);
     if (status >= 0) status = m_BCrypt.BCryptFinishHash(hash, digest, digestBytes, 0);
     m_BCrypt.BCryptDestroyHash(hash);
@@ -109,6 +116,7 @@ bool EncryptorAes256::VerifyHash(const CString& password, const BYTE* hash, DWOR
 
 template <class Loop>
 NTSTATUS EncryptorAes256::WithKey(Loop loop) {
+    if (m_keyStatus < 0) return m_keyStatus;
     BCRYPT_KEY_HANDLE key = nullptr;
     NTSTATUS status = m_BCrypt.BCryptGenerateSymmetricKey(m_BCrypt.AesProvider(), &key, m_pKeyObject, m_cbKeyObject,
                                                           m_pKey, m_cbKey, 0);
@@ -120,7 +128,7 @@ NTSTATUS EncryptorAes256::WithKey(Loop loop) {
 }
 
 // No initialisation vector is given, so the library decides how the chunks chain.
-ChunkCipher EncryptorAes256::CipherOf(CipherCall call, BCRYPT_KEY_HANDLE key) const {
+auto EncryptorAes256::CipherOf(CipherCall call, BCRYPT_KEY_HANDLE key) const {
     return [this, call, key](std::span<uint8_t> chunk, bool isPadded, std::span<uint8_t> output, uint32_t& written) {
         ULONG done = 0;
         const NTSTATUS status =
@@ -134,7 +142,8 @@ ChunkCipher EncryptorAes256::CipherOf(CipherCall call, BCRYPT_KEY_HANDLE key) co
 NTSTATUS EncryptorAes256::Decrypt(BYTE* buffer, DWORD& bytes) {
     return WithKey([&](BCRYPT_KEY_HANDLE key) {
         uint32_t length = bytes;
-        const NTSTATUS status = DecryptChunks({buffer, bytes}, length, CipherOf(&BCryptLib::BCryptDecrypt, key));
+        const auto cipher = CipherOf(&BCryptLib::BCryptDecrypt, key);
+        const NTSTATUS status = DecryptChunks({buffer, bytes}, length, std::cref(cipher));
         bytes = length;
         return status;
     });
@@ -143,7 +152,8 @@ NTSTATUS EncryptorAes256::Decrypt(BYTE* buffer, DWORD& bytes) {
 NTSTATUS EncryptorAes256::Encrypt(BYTE* buffer, DWORD& bytes) {
     return WithKey([&](BCRYPT_KEY_HANDLE key) {
         uint32_t length = bytes;
-        const NTSTATUS status = EncryptChunks(buffer, length, CipherOf(&BCryptLib::BCryptEncrypt, key));
+        const auto cipher = CipherOf(&BCryptLib::BCryptEncrypt, key);
+        const NTSTATUS status = EncryptChunks(buffer, length, std::cref(cipher));
         bytes = length;
         return status;
     });

@@ -13,7 +13,8 @@ public:
 
     void ComputeHash(const CString& password, std::unique_ptr<BYTE[]>& hash, DWORD& hashBytes) override;
     bool VerifyHash(const CString& password, const BYTE* hash, DWORD hashBytes) override;
-    // Both fail before a ComputeHash of a password. Decrypting with a wrong key mostly returns 0 and gives noise.
+    // Both fail before a ComputeHash of a password, and with the status of one that failed, as for want of memory.
+    // Decrypting with a wrong key mostly returns 0 and gives noise.
     NTSTATUS Decrypt(BYTE* buffer, DWORD& bytes) override;
     NTSTATUS Encrypt(BYTE* buffer, DWORD& bytes) override;
 
@@ -26,11 +27,12 @@ private:
     template <class Loop>
     NTSTATUS WithKey(Loop loop);
     using CipherCall = decltype(&BCryptLib::BCryptEncrypt);
-    ChunkCipher CipherOf(CipherCall call, BCRYPT_KEY_HANDLE key) const;
+    auto CipherOf(CipherCall call, BCRYPT_KEY_HANDLE key) const;
 
     BCryptLib m_BCrypt;
     PUCHAR m_pKeyObject = nullptr;  // on the process heap
     DWORD m_cbKeyObject = 0;
     PUCHAR m_pKey = nullptr;  // by new[]
     DWORD m_cbKey = 0;
+    NTSTATUS m_keyStatus = 0;  // negative: the last password could not become the key
 };

@@ -1,6 +1,7 @@
 #include "crypto/EncryptorStandard.h"
 
 #include <cstring>
+#include <new>
 
 #include "crypto/Scrambler.h"
 
@@ -9,7 +10,8 @@ void EncryptorStandard::ComputeHash(const CString& password, std::unique_ptr<BYT
     hashBytes = 0;
     if (password.IsEmpty()) return;
     const size_t bytes = sizeof(WCHAR) * static_cast<size_t>(password.GetLength());
-    hash = std::make_unique<BYTE[]>(bytes);
+    hash.reset(new (std::nothrow) BYTE[bytes]{});
+    if (!hash) return;
     hashBytes = static_cast<DWORD>(bytes);
     // Stored hashes of longer passwords are zeros.
     if (bytes > kScramblerBlockBytes) return;

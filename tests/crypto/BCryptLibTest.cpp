@@ -1,9 +1,11 @@
 #include "crypto/BCryptLib.h"
 
 #include <gtest/gtest.h>
+#include <new>
 #include <string_view>
 
 #include "crypto/EncryptorAes256.h"
+#include "crypto/EncryptorStandard.h"
 #include "crypto/EntryPointPatch.h"
 
 namespace {
@@ -84,4 +86,55 @@ TEST(BCryptLib, AFailedKeyDoesNotLeaveTheEarlierOne) {
     BYTE buffer[32] = {};
     DWORD length = 16;
     EXPECT_NE(encryptor.Encrypt(buffer, length), 0);
+}
+
+namespace {
+
+// The allocation that gets no memory, counted from 0; the others do.
+int s_refused = 0;
+
+bool IsRefused() {
+    return s_refused-- == 0;
+}
+
+LPVOID WINAPI AllocateUnlessRefused(HANDLE heap, DWORD flags, SIZE_T bytes) {
+    return IsRefused() ? nullptr : SystemFunction(&HeapAlloc, L"kernel32.dll", "HeapAlloc")(heap, flags, bytes);
+}
+
+void* NewUnlessRefused(size_t bytes, const std::nothrow_t&) noexcept {
+    return IsRefused() ? nullptr : ::operator new(bytes);
+}
+
+}  // namespace
+
+TEST(Encryptors, WithoutMemoryThereIsNoHashAndTheStatusSaysSo) {
+    constexpr auto kNoMemory = static_cast<NTSTATUS>(0xC0000017);
+    const ImportPatch<decltype(&HeapAlloc)> heap(GetModuleHandleW(nullptr), "HeapAlloc", AllocateUnlessRefused);
+    const ImportPatch<decltype(&NewUnlessRefused)> news(GetModuleHandleW(nullptr), "_ZnayRKSt9nothrow_t",
+                                                        NewUnlessRefused);
+    std::unique_ptr<BYTE[]> hash;
+    DWORD bytes = 0;
+    BYTE buffer[32] = {};
+    // Each digest takes a key object, the digest, a hash object and the password in UTF-8.
+    for (int refused = 0; refused < 8; ++refused) {
+        SCOPED_TRACE(refused);
+        EncryptorAes256 encryptor;
+        s_refused = -1;
+        encryptor.ComputeHash(L"an earlier one", hash, bytes);
+        s_refused = refused;
+        encryptor.ComputeHash(L"secret", hash, bytes);
+        EXPECT_LT(s_refused, 0);
+        EXPECT_EQ(bytes, refused < 4 ? 0u : 64u);
+        EXPECT_EQ(hash == nullptr, refused < 4);
+        DWORD length = 16;
+        EXPECT_EQ(encryptor.Encrypt(buffer, length), kNoMemory);
+        EXPECT_EQ(encryptor.Decrypt(buffer, length), kNoMemory);
+        EXPECT_EQ(length, 16u);
+        encryptor.ComputeHash(L"secret", hash, bytes);
+        EXPECT_EQ(encryptor.Encrypt(buffer, length), 0);
+    }
+    s_refused = 0;
+    EncryptorStandard().ComputeHash(L"secret", hash, bytes);
+    EXPECT_EQ(hash, nullptr);
+    EXPECT_EQ(bytes, 0u);
 }
