@@ -59,6 +59,7 @@ if build windows; then
     if scripts/check-package windows; then passed=$((passed + 1)); else fail "the package (see build/package.log)"; fi
 fi
 step "static checks"
+if scripts/check-includes; then passed=$((passed + 1)); else fail "the floors of the house (see docs/architecture.md)"; fi
 for check in format cppcheck tidy; do
     if scripts/lint "$check"; then passed=$((passed + 1)); else fail "the static check '$check'"; fi
 done

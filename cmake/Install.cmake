@@ -20,7 +20,7 @@ install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DATADIR}/RegistryRules)
 
 # The headers keep their folders, because they include each other by them.
 install(FILES src/rules/RegistryRulesCtrl.h DESTINATION ${package_headers}/rules)
-foreach(folder framework siblings helpers registry crypto profiles files transports)
+foreach(folder framework siblings helpers registry crypto files transports profiles offline carry)
     if(EXISTS ${PROJECT_SOURCE_DIR}/src/${folder})
         install(DIRECTORY src/${folder} DESTINATION ${package_headers} FILES_MATCHING PATTERN *.h)
     endif()

@@ -7,8 +7,8 @@
 #include "controls/ScopedRedrawOff.h"
 #include "controls/TreePath.h"
 #include "controls/ValueType.h"
-#include "entry/TextView.h"
 #include "helpers/CursorHelper.h"
+#include "helpers/TextView.h"
 #include "resources/resource.h"
 
 namespace {
@@ -34,8 +34,8 @@ int CALLBACK CompareItems(LPARAM first, LPARAM second, LPARAM itemTexts) {
     const auto& texts = *reinterpret_cast<const ItemTexts*>(itemTexts);
     const auto& record1 = *reinterpret_cast<const RegTreeItemData*>(first);
     const auto& record2 = *reinterpret_cast<const RegTreeItemData*>(second);
-    return CompareSiblings(record1.m_nKind, View(texts.find(record1.m_hItem)->second), record2.m_nKind,
-                           View(texts.find(record2.m_hItem)->second));
+    return CompareSiblings(record1.m_nKind, ViewOf(texts.find(record1.m_hItem)->second), record2.m_nKind,
+                           ViewOf(texts.find(record2.m_hItem)->second));
 }
 
 }  // namespace
@@ -95,7 +95,7 @@ HTREEITEM CRegistryTree::InsertKey(GrowingBranch& branch, const wchar_t* name, H
 
 void CRegistryTree::InsertSubkeys(GrowingBranch& branch, HKEY rootKey, const CString& path, HKEY key) {
     EnumerateSubkeys(key, [&](const wchar_t* name) {
-        const std::wstring childPath = ChildPath(View(path), name);
+        const std::wstring childPath = ChildPath(ViewOf(path), name);
         if (const KeyHandle child = OpenKeyForReading(rootKey, childPath.c_str())) {
             GiveRecord(InsertKey(branch, name, child.get()), TreeItemKind::Key);
         }
@@ -161,7 +161,7 @@ void CRegistryTree::GetItemPath(HTREEITEM item, HKEY& rootKey, CString& path) co
     std::wstring below;
     HTREEITEM hive = item;
     for (HTREEITEM parent = nullptr; hive != nullptr && (parent = GetParentItem(hive)) != nullptr; hive = parent) {
-        below = PathThrough(View(GetItemText(hive)), below);
+        below = PathThrough(ViewOf(GetItemText(hive)), below);
     }
     const RegTreeItemData* record = RecordOf(hive);
     rootKey = record != nullptr ? record->m_hRootKey : nullptr;

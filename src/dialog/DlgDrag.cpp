@@ -95,7 +95,7 @@ void CRegistryRulesDlg::DropTreeItem(CListCtrl& list) {
     path = MakeHivePath(rootKey, path);
     const CString text = m_registryTree.GetItemText(m_dragItem);
     const DraggedItem dragged = isHive ? DraggedItem::Hive : isKey ? DraggedItem::Key : DraggedItem::Value;
-    const DropPlan plan = PlanDrop(dragged, View(path), View(text), m_dropRow, list.GetItemCount());
+    const DropPlan plan = PlanDrop(dragged, ViewOf(path), ViewOf(text), m_dropRow, list.GetItemCount());
     if (plan.refused) {
         AfxMessageBox(LoadResourceString(IDS_BARE_HIVE), MB_OK);
         UpdateDeleteButton();
@@ -103,8 +103,8 @@ void CRegistryRulesDlg::DropTreeItem(CListCtrl& list) {
     }
     EnableDeleteButton();
     const KindNames kinds;
-    InsertRuleRow(plan.row, plan.kind == RuleKind::Branch ? kinds.branch : kinds.value, ToCString(plan.key),
-                  ToCString(plan.value), 0, LVIS_FOCUSED | LVIS_SELECTED);
+    InsertRuleRow(plan.row, plan.kind == RuleKind::Branch ? kinds.branch : kinds.value, TextOf(plan.key),
+                  TextOf(plan.value), 0, LVIS_FOCUSED | LVIS_SELECTED);
 }
 
 void CRegistryRulesDlg::OnTreeBeginDrag(NMHDR* header, LRESULT* result) {

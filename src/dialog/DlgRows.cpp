@@ -3,8 +3,8 @@
 #include "dialog/KindNames.h"
 #include "dialog/LoadedRows.h"
 #include "dialog/RegistryRulesDlg.h"
+#include "dialog/Rule.h"
 #include "entry/HiveText.h"
-#include "rules/Rule.h"
 
 namespace {
 // Pixels, whatever the scale of the display.
@@ -79,7 +79,7 @@ void CRegistryRulesDlg::HarvestRules() {
     for (int i = 0; i < count; ++i) {
         CString key = m_ruleList.GetItemText(i, keyColumn);
         ExpandHive(key);
-        const RuleKind kind = KindOfCell(View(m_ruleList.GetItemText(i, typeColumn)), kinds.Texts());
+        const RuleKind kind = KindOfCell(ViewOf(m_ruleList.GetItemText(i, typeColumn)), kinds.Texts());
         if (kind == RuleKind::Branch || kind == RuleKind::Key)
             AddKeyRecord(new CKeyRule(key, kind == RuleKind::Branch ? 1 : 0, i));
         else if (kind == RuleKind::Value)
@@ -92,9 +92,10 @@ void CRegistryRulesDlg::OnCellChanged(int item, int subItem) {
     const CString type = m_ruleList.GetItemText(item, typeColumn);
     const CString value = m_ruleList.GetItemText(item, valueColumn);
     const CString defaultValue = LoadResourceString(IDS_DEFAULT_VALUE);
-    const CellFollowUp followUp = FollowCellChange(subItem, View(type), View(value), kinds.Texts(), View(defaultValue));
+    const CellFollowUp followUp =
+        FollowCellChange(subItem, ViewOf(type), ViewOf(value), kinds.Texts(), ViewOf(defaultValue));
     if (followUp.column == -1) return;
-    m_ruleList.SetItemText(item, followUp.column, ToCString(followUp.text));
+    m_ruleList.SetItemText(item, followUp.column, TextOf(followUp.text));
     if (followUp.edit) m_ruleList.EditCell(item, followUp.column);
 }
 

@@ -5,7 +5,7 @@
 #include "entry/HiveText.h"
 
 bool CRegistryRulesDlg::IsStripAtRest() const {
-    return ::IsStripAtRest(View(m_newKey), View(LoadResourceString(IDS_WATERMARK)));
+    return ::IsStripAtRest(ViewOf(m_newKey), ViewOf(LoadResourceString(IDS_WATERMARK)));
 }
 
 bool CRegistryRulesDlg::ResetStrip() {
@@ -44,7 +44,7 @@ void CRegistryRulesDlg::OnStripEnter() {
     const StripFocus focus = focused == &m_keyEdit     ? StripFocus::KeyBox
                              : focused == &m_valueEdit ? StripFocus::ValueBox
                                                        : StripFocus::Elsewhere;
-    const StripReturn action = DecideStripReturn(focus, View(m_newKey), View(LoadResourceString(IDS_WATERMARK)));
+    const StripReturn action = DecideStripReturn(focus, ViewOf(m_newKey), ViewOf(LoadResourceString(IDS_WATERMARK)));
     if (action.focusKeyBox) m_keyEdit.SetFocus();
     if (action.clearKeyBox) {
         m_newKey.Empty();
@@ -89,7 +89,7 @@ void CRegistryRulesDlg::OnKeyKillFocus() {
 void CRegistryRulesDlg::OnValueChange() {
     UpdateData(TRUE);
     m_newValue.Trim(L' ');
-    m_typeCombo.SetCurSel(KindIndexForValue(View(m_newValue), m_savedTypeIndex));
+    m_typeCombo.SetCurSel(KindIndexForValue(ViewOf(m_newValue), m_savedTypeIndex));
 }
 
 void CRegistryRulesDlg::OnTypeSelChange() {

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "dialog/RowRules.h"
-#include "entry/TextView.h"
 #include "helpers/ResourceString.h"
+#include "helpers/TextView.h"
 #include "resources/resource.h"
 
 struct KindNames {
@@ -11,5 +11,5 @@ struct KindNames {
     CString key = LoadResourceString(IDS_KIND_KEY);
     CString value = LoadResourceString(IDS_KIND_VALUE);
 
-    KindTexts Texts() const { return {View(branch), View(key), View(value)}; }
+    KindTexts Texts() const { return {ViewOf(branch), ViewOf(key), ViewOf(value)}; }
 };

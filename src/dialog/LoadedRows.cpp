@@ -27,9 +27,9 @@ void LoadedRows::Add(const CString& kind, CString key, CString value, int positi
 std::vector<std::size_t> LoadedRows::Identities() const {
     std::wstring folded;
     const auto hash = [&](std::size_t row) {
-        FoldCase(View(m_rows[row].key), folded);
+        FoldCase(ViewOf(m_rows[row].key), folded);
         const std::size_t key = std::hash<std::wstring>()(folded);
-        FoldCase(View(m_rows[row].value), folded);
+        FoldCase(ViewOf(m_rows[row].value), folded);
         return key * 31 + std::hash<std::wstring>()(folded);
     };
     const auto isEqual = [&](std::size_t a, std::size_t b) {

@@ -12,10 +12,10 @@
 #include "controls/AnchorLayout.h"
 #include "controls/ComboListCtrl.h"
 #include "controls/RegistryTree.h"
+#include "dialog/RuleSet.h"
 #include "entry/ColorEdit.h"
 #include "entry/ValueEdit.h"
 #include "resources/resource.h"
-#include "rules/RuleSet.h"
 #include "siblings/uictrl/BvDialogBase.h"
 
 class CKeyRule;

@@ -1,7 +1,7 @@
 // One pair of sets serves every control of the process, so the sets are static although the dialog object offers them.
 #include "dialog/RegistryRulesDlg.h"
-#include "rules/Rule.h"
-#include "rules/RuleSet.h"
+#include "dialog/Rule.h"
+#include "dialog/RuleSet.h"
 
 RuleSet<CKeyRule> CRegistryRulesDlg::s_keyRules;
 RuleSet<CValueRule> CRegistryRulesDlg::s_valueRules;

@@ -1,7 +1,7 @@
 #include "entry/HiveText.h"
 
-#include "entry/TextView.h"
 #include "helpers/ResourceString.h"
+#include "helpers/TextView.h"
 #include "resources/resource.h"
 
 namespace {
@@ -26,23 +26,23 @@ const HiveTable& Hives() {
 }
 
 KeyCheck CheckKeyPath(const CString& text, const CString& watermark) {
-    return CheckKeyPath(View(text), View(watermark), Hives());
+    return CheckKeyPath(ViewOf(text), ViewOf(watermark), Hives());
 }
 
 CString AbbreviateHive(const CString& path) {
-    return ToCString(AbbreviateHive(View(path), Hives()));
+    return TextOf(AbbreviateHive(ViewOf(path), Hives()));
 }
 
 CString NormaliseAbbreviation(const CString& path) {
-    return ToCString(NormaliseAbbreviation(View(path), Hives()));
+    return TextOf(NormaliseAbbreviation(ViewOf(path), Hives()));
 }
 
 void ExpandHive(CString& path) {
-    path = ToCString(ExpandHive(View(path), Hives()));
+    path = TextOf(ExpandHive(ViewOf(path), Hives()));
 }
 
 CString MakeHivePath(HKEY rootKey, const CString& subkey) {
     // A predefined handle is its 32-bit value, sign-extended.
     const auto root = static_cast<std::uint32_t>(reinterpret_cast<ULONG_PTR>(rootKey));
-    return ToCString(MakeHivePath(root, View(subkey), Hives()));
+    return TextOf(MakeHivePath(root, ViewOf(subkey), Hives()));
 }

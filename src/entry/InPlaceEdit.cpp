@@ -4,8 +4,8 @@
 #include "entry/EndLabelEdit.h"
 #include "entry/EntryMessage.h"
 #include "entry/PrivateMessages.h"
-#include "entry/TextView.h"
 #include "helpers/ResourceString.h"
+#include "helpers/TextView.h"
 #include "resources/resource.h"
 
 namespace {
@@ -96,7 +96,7 @@ void CInPlaceEdit::OnKillFocus(CWnd* pNewWnd) {
 }
 
 void CInPlaceEdit::OnChar(UINT nChar, UINT nRepCnt, UINT nFlags) {
-    if (!MayTypeCharacter(static_cast<wchar_t>(nChar), View(m_strValidChars))) {
+    if (!MayTypeCharacter(static_cast<wchar_t>(nChar), ViewOf(m_strValidChars))) {
         // The text to fill in is the format itself, so the box shows it twice over; it has always read like that.
         CString message;
         message.Format(LoadResourceString(IDS_NOT_ALLOWED), m_strNotAllowed.GetString());

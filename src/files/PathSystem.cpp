@@ -7,7 +7,7 @@
 
 #include "files/LongPathFile.h"
 #include "files/PathHelper.h"
-#include "profiles/PathVariables.h"
+#include "files/PathVariables.h"
 #include "registry/OfflineEnvironment.h"
 
 namespace {

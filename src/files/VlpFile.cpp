@@ -5,10 +5,10 @@
 #include <cstdlib>
 #include <memory>
 
+#include "files/FileSession.h"
 #include "files/LongPathFile.h"
 #include "files/WriteRate.h"
 #include "siblings/coresv/LogMethodEntryExit.h"
-#include "transports/WinUsbSession.h"
 
 IMPLEMENT_DYNAMIC(CVlpFile, CFile)
 

@@ -13,7 +13,7 @@
 
 #include <afx.h>
 
-class WinUsbSession;
+class FileSession;
 
 class CVlpFile : public CFile {
     DECLARE_DYNAMIC(CVlpFile)
@@ -26,7 +26,7 @@ public:
     ~CVlpFile() override = default;
 
     // Both hold from the next Open on; a file that is open must not change its kind. The session is not owned.
-    void SetSession(WinUsbSession* session) { m_session = session; }
+    void SetSession(FileSession* session) { m_session = session; }
     void SetUseMemoryBuffer(bool use) { m_useMemoryBuffer = use; }
 
     // Does not close an earlier file. In a session flags and `problem` do not count: the file is made anew on the other
@@ -56,7 +56,7 @@ private:
     void WriteLimited(const void* buffer, UINT count);
     void WriteMemoryBuffer();
 
-    WinUsbSession* m_session = nullptr;
+    FileSession* m_session = nullptr;
     bool m_useMemoryBuffer = false;
     CMemFile m_memoryBuffer{1048576};
     ULONGLONG m_position = 0;  // in a session

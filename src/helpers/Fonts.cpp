@@ -4,22 +4,9 @@
 #include <cwchar>
 #include <limits>
 
-#include "registry/WindowsVersion.h"
-
 namespace {
 
 constexpr wchar_t kDialogFace[] = L"MS Shell Dlg 2";
-constexpr wchar_t kModernFace[] = L"Segoe UI";
-
-LOGFONTW DescribeFont(LPCWSTR face, LONG height, LONG weight, bool italic) {
-    LOGFONTW description{};
-    description.lfHeight = height;
-    description.lfWeight = weight;
-    description.lfItalic = italic;
-    description.lfPitchAndFamily = VARIABLE_PITCH | FF_SWISS;
-    std::wcsncpy(description.lfFaceName, face, LF_FACESIZE - 1);
-    return description;
-}
 
 // A height below 0 means characters, one above 0 cells; either grows away from 0, and 0, the system's choice, stays.
 LONG Enlarged(LONG height, LONG delta) {
@@ -31,9 +18,14 @@ LONG Enlarged(LONG height, LONG delta) {
 
 }  // namespace
 
-BOOL CreateUiFont(CFont& font, bool italic, bool bold, LONG height) {
-    const LPCWSTR face = CWindowsVersion::IsWindows7OrLater() ? kModernFace : kDialogFace;
-    return CreateFontFromLogFont(font, DescribeFont(face, height, bold ? FW_BOLD : FW_NORMAL, italic));
+BOOL CreateFaceFont(CFont& font, LPCWSTR face, LONG height, LONG weight, bool italic) {
+    LOGFONTW description{};
+    description.lfHeight = height;
+    description.lfWeight = weight;
+    description.lfItalic = italic;
+    description.lfPitchAndFamily = VARIABLE_PITCH | FF_SWISS;
+    std::wcsncpy(description.lfFaceName, face, LF_FACESIZE - 1);
+    return CreateFontFromLogFont(font, description);
 }
 
 BOOL CreateFontFromLogFont(CFont& font, const LOGFONTW& description) {
@@ -55,8 +47,7 @@ void SelectDialogFont(CDC& dc) {
     if (!GetTextMetricsW(dc.m_hAttribDC, &metrics)) return;
     // Deleted on return while it is selected: the system keeps it until the context has another one.
     CFont font;
-    if (CreateFontFromLogFont(font,
-                              DescribeFont(kDialogFace, metrics.tmHeight, metrics.tmWeight, metrics.tmItalic != 0))) {
+    if (CreateFaceFont(font, kDialogFace, metrics.tmHeight, metrics.tmWeight, metrics.tmItalic != 0)) {
         dc.SelectObject(&font);
     }
 }

@@ -3,10 +3,9 @@
 
 #include <afxwin.h>
 
-// The user interface's face at a height (in logical units; below 0 of the characters, above 0 of the cell): "Segoe UI"
-// from Windows 7 on, else "MS Shell Dlg 2". FALSE when the system makes no font. An upward call: it asks the version
-// facts of the registry floor, and throws CRegistryException like them.
-BOOL CreateUiFont(CFont& font, bool italic, bool bold, LONG height);
+// A proportional face without serifs at a height in logical units: below 0 of the characters, above 0 of the cell.
+// FALSE when the system makes no font. The face of the user interface is CreateUiFont's (registry/UiFont.h).
+BOOL CreateFaceFont(CFont& font, LPCWSTR face, LONG height, LONG weight, bool italic);
 
 BOOL CreateFontFromLogFont(CFont& font, const LOGFONTW& description);
 

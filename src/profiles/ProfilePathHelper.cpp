@@ -7,13 +7,13 @@
 
 #include "files/PathHelper.h"
 #include "files/PathParts.h"
-#include "files/PathView.h"
+#include "files/PathVariables.h"
+#include "helpers/TextView.h"
 #include "profiles/ConfigurationNames.h"
-#include "profiles/PathVariables.h"
 #include "profiles/ProfileText.h"
 #include "registry/OfflineEnvironment.h"
+#include "registry/OfflineHivesHook.h"
 #include "registry/RegistryHelper.h"
-#include "registry/WinPeHelper.h"
 #include "registry/WindowsVersion.h"
 #include "siblings/coresv/LogMethodEntryExit.h"
 
@@ -105,7 +105,7 @@ LONG CProfilePathHelper::GetRegistryValue(const CString& name, CString& value) {
     value.Empty();
     REGSAM access = KEY_READ;
     if (IsWinPE()) {
-        WinPeHelper::LoadLocalMachineProfile();  // without the hives IsOffline64BitOs would be false for ever
+        MountOfflineHives();  // without them IsOffline64BitOs would be false for ever
         if (IsOffline64BitOs()) {
             access |= KEY_WOW64_64KEY;
             Logger().LogVerboseMessage(L"KEY_WOW64_64KEY added to Key in PE");

@@ -1,7 +1,7 @@
 // Reading a user's folders. Writing them, and the system's folders, have files of their own.
 #include "profiles/ShellFolderPathHelper.h"
 
-#include "files/PathView.h"
+#include "helpers/TextView.h"
 #include "profiles/ProfilePathHelper.h"
 #include "profiles/ShellFolderKeys.h"
 #include "registry/OfflineEnvironment.h"

@@ -1,8 +1,8 @@
 #include "profiles/ShellFolders.h"
 
+#include "files/SystemTokens.h"
 #include "helpers/AsciiCase.h"
 #include "profiles/PathTokens.h"
-#include "profiles/SystemTokens.h"
 
 namespace {
 

@@ -3,16 +3,17 @@
 #include <atlbase.h>
 #include <string>
 
+#include "helpers/TextView.h"
 #include "registry/OfflineEnvironment.h"
+#include "registry/OfflineHivesHook.h"
 #include "registry/OfflinePath.h"
-#include "registry/WinPeHelper.h"
 
 namespace {
 
 class SystemFacts final : public OfflineFacts {
 public:
     bool IsPreinstallation() override { return IsWinPE(); }
-    bool MountHives() override { return WinPeHelper::LoadLocalMachineProfile() == ERROR_SUCCESS; }
+    bool MountHives() override { return MountOfflineHives() == ERROR_SUCCESS; }
     bool IsTarget64Bit() override { return IsOffline64BitOs(); }
 
     bool KeyOpens(const std::wstring& path) override {
@@ -37,7 +38,5 @@ public:
 
 void RedirectToOfflineHive(CString& path, REGSAM access, DWORD nativeViewOnly) {
     SystemFacts facts;
-    const std::wstring_view view(path, static_cast<size_t>(path.GetLength()));
-    const std::wstring rewritten = OfflinePath(view, access, nativeViewOnly != 0, facts);
-    path = CString(rewritten.data(), static_cast<int>(rewritten.size()));
+    path = TextOf(OfflinePath(ViewOf(path), access, nativeViewOnly != 0, facts));
 }

@@ -2,8 +2,7 @@
 #include <objidl.h>
 #include <shlwapi.h>
 
-#include <string_view>
-
+#include "helpers/TextView.h"
 #include "registry/HivePath.h"
 #include "registry/HiveRedirection.h"
 #include "registry/RegistryException.h"
@@ -79,10 +78,9 @@ void CRegistryHelper::DeleteChildKey(HKEY hive, CString path, const CString& chi
 }
 
 bool CRegistryHelper::SplitRegistryPath(const CString& full, HKEY& hive, CString& subkey) {
-    const std::wstring_view view(full, static_cast<size_t>(full.GetLength()));
-    const auto parts = SplitHivePath(view);
+    const auto parts = SplitHivePath(ViewOf(full));
     if (!parts) return false;
     if (parts->hive) hive = HiveHandle(*parts->hive);
-    subkey = CString(parts->subkey.data(), static_cast<int>(parts->subkey.size()));
+    subkey = TextOf(parts->subkey);
     return true;
 }

@@ -3,9 +3,9 @@
 #include <new>
 
 #include "dialog/RegistryRulesDlg.h"
+#include "dialog/Rule.h"
 #include "helpers/ResourceString.h"
 #include "resources/resource.h"
-#include "rules/Rule.h"
 
 CRegistryRulesCtrl::CRegistryRulesCtrl() : m_dialog(nullptr) {
     AFX_MANAGE_STATE(AfxGetStaticModuleState());

@@ -23,6 +23,7 @@
 #include <memory>
 #include <span>
 
+#include "files/FileSession.h"
 #include "transports/UsbDecoder.h"
 #include "transports/WinUsbDevice.h"
 
@@ -33,7 +34,7 @@ constexpr UINT kUsbProgressMessage = 0x2622;
 constexpr UINT kUsbStatusMessage = 0x2623;
 constexpr DWORD kUsbLinkFailed = 322;
 
-class WinUsbSession {
+class WinUsbSession final : public FileSession {
 public:
     WinUsbSession() = default;
     // Ends the threads of a session that was not closed.
@@ -59,15 +60,15 @@ public:
     UINT64 DriveFreeSpace();
     // Makes the file on the peer, empty if it was there, with the directories above it. INVALID_HANDLE_VALUE on
     // failure. The handle is the peer's and good for this session only.
-    HANDLE OpenDataFile(const CString& path);
+    HANDLE OpenDataFile(const CString& path) override;
     // Reads from the file's position and returns the count. Ask for kUsbChunkBytes at most and never past the end of
     // the file: of more than one chunk each lands at the start of `buffer`, and at the end the call does not return.
-    DWORD ReadData(HANDLE handle, void* buffer, DWORD size);
+    DWORD ReadData(HANDLE handle, void* buffer, DWORD size) override;
     // Throws a CFileException* when the link fails, with the Win32 error as its cause.
-    void WriteData(HANDLE handle, const void* buffer, DWORD size);
+    void WriteData(HANDLE handle, const void* buffer, DWORD size) override;
     // `method` as for SetFilePointerEx. Returns the new position; 0 on failure.
-    INT64 SeekData(HANDLE handle, INT64 distance, DWORD method);
-    void CloseFile(HANDLE handle);
+    INT64 SeekData(HANDLE handle, INT64 distance, DWORD method) override;
+    void CloseFile(HANDLE handle) override;
     // Tells the peer that this side is done, with a status for its owner. No request can follow.
     void Finish(DWORD status);
     // Whether the peer has finished; `status` is 0 before.

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <string>
 
+#include "registry/UiFont.h"
 #include "support/FakeVersion.h"
 #include "support/FreshProcess.h"
 

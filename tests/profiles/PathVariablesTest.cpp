@@ -1,4 +1,4 @@
-#include "profiles/PathVariables.h"
+#include "files/PathVariables.h"
 
 #include <gtest/gtest.h>
 #include <string>
@@ -6,6 +6,7 @@
 #include "support/FreshProcess.h"
 #include "support/ImportPatch.h"
 #include "support/ScopedPreinstallation.h"
+#include "transports/EnvironmentValue.h"
 #include "transports/NamedPipeClient.h"
 #include "transports/PipePeer.h"
 

@@ -1,4 +1,4 @@
-#include "profiles/SystemTokens.h"
+#include "files/SystemTokens.h"
 
 #include <gtest/gtest.h>
 

@@ -2,6 +2,7 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 
+#include "offline/WinPeHelper.h"
 #include "registry/FileVersion.h"
 #include "registry/FsRedirection.h"
 #include "registry/HiveRedirection.h"
@@ -9,7 +10,6 @@
 #include "registry/RegistryHelper.h"
 #include "registry/SystemRoot.h"
 #include "registry/Thrown.h"
-#include "registry/WinPeHelper.h"
 #include "registry/WindowsVersion.h"
 #include "support/FreshProcess.h"
 #include "support/ImportPatch.h"

@@ -1,9 +1,9 @@
-#include "rules/RuleSet.h"
+#include "dialog/RuleSet.h"
 
 #include <gtest/gtest.h>
 #include <limits>
 
-#include "rules/Rule.h"
+#include "dialog/Rule.h"
 #include "support/Throws.h"
 
 namespace {

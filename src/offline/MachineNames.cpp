@@ -1,4 +1,4 @@
-#include "registry/MachineNames.h"
+#include "offline/MachineNames.h"
 
 #include <iterator>
 

@@ -6,10 +6,15 @@
 #include <string_view>
 
 // Good as long as the text lives and does not change.
-inline std::wstring_view View(const CString& text) {
+inline std::wstring_view ViewOf(const CString& text) {
     return {text.GetString(), static_cast<std::size_t>(text.GetLength())};
 }
 
-inline CString ToCString(std::wstring_view text) {
+// A null pointer is an empty text.
+inline std::wstring_view ViewOf(LPCWSTR text) {
+    return text == nullptr ? std::wstring_view() : std::wstring_view(text);
+}
+
+inline CString TextOf(std::wstring_view text) {
     return {text.data(), static_cast<int>(text.size())};
 }

@@ -1,4 +1,4 @@
-#include "profiles/SystemTokens.h"
+#include "files/SystemTokens.h"
 
 std::wstring ReplaceSystemTokens(std::wstring_view path, std::wstring_view systemRoot) {
     std::wstring result(path);

@@ -1,5 +1,4 @@
-// This file stands on the floor of files and profiles, see its header.
-#include "registry/WinPeHelper.h"
+#include "offline/WinPeHelper.h"
 
 #include <cstdio>
 #include <io.h>
@@ -7,6 +6,7 @@
 #include "files/LongPathFile.h"
 #include "profiles/ProfilePathHelper.h"
 #include "registry/OfflineEnvironment.h"
+#include "registry/OfflineHivesHook.h"
 #include "registry/ProcessPrivilege.h"
 #include "registry/RegistryException.h"
 #include "siblings/coresv/LogMethodEntryExit.h"
@@ -98,6 +98,10 @@ DWORD CopyHive(const CString& file, const CString& tempFile) {
 }
 
 }  // namespace
+
+DWORD MountOfflineHives() {
+    return WinPeHelper::LoadLocalMachineProfile();
+}
 
 DWORD WinPeHelper::LoadLocalMachineProfile() {
     // Before anything is logged: this is asked at each redirection of a path.

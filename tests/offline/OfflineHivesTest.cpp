@@ -6,12 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "registry/MachineNames.h"
+#include "offline/MachineNames.h"
+#include "offline/WinPeHelper.h"
 #include "registry/OfflineEnvironment.h"
 #include "registry/ProcessPrivilege.h"
 #include "registry/RegistryHelper.h"
 #include "registry/Thrown.h"
-#include "registry/WinPeHelper.h"
 #include "support/FreshProcess.h"
 #include "support/ImportPatch.h"
 #include "support/LogCapture.h"

@@ -1,4 +1,4 @@
-#include "rules/Rule.h"
+#include "dialog/Rule.h"
 
 #include <utility>
 

@@ -1,14 +1,12 @@
-#include "profiles/PathVariables.h"
+#include "files/PathVariables.h"
 
-#include <cstdlib>
 #include <memory>
 #include <new>
 
-#include "files/PathView.h"
-#include "profiles/SystemTokens.h"
+#include "files/SystemTokens.h"
+#include "helpers/TextView.h"
 #include "registry/OfflineEnvironment.h"
 #include "registry/SystemRoot.h"
-#include "transports/NamedPipeClient.h"
 
 CString ExpandPath(const CString& path) {
     CString text = path;
@@ -31,16 +29,5 @@ CString ExpandPath(const CString& path) {
 
 CString ExpandSystemTokens(const CString& path) {
     if (path.Find(L'%') < 0) return path;
-    const std::wstring replaced = ReplaceSystemTokens(ViewOf(path), ViewOf(GetSystemRootPath()));
-    return TextOf(replaced);
-}
-
-bool GetEnvironmentValue(const CString& name, CString& value) {
-    if (NamedPipeClient::IsPipeChannelEnabled()) {
-        value = NamedPipeClient::GetEnvVariable(name);
-        return true;
-    }
-    // This toolchain's run-time library lacks _wdupenv_s, whose failures are those of its copy.
-    value = _wgetenv(name);
-    return true;
+    return TextOf(ReplaceSystemTokens(ViewOf(path), ViewOf(GetSystemRootPath())));
 }

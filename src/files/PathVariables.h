@@ -13,8 +13,3 @@ CString ExpandPath(const CString& path);
 // The path with the common spellings of %SystemRoot% and %SystemDrive% replaced by the target system's. Throws
 // CRegistryException when a % is in the path and the target's version key does not open.
 CString ExpandSystemTokens(const CString& path);
-
-// The value of an environment variable: of the user's session, asked of the companion there, while its pipe channel is
-// on, and of this process, as the C run-time library has it, otherwise. A variable that is not set gives true and an
-// empty text, like one that is set to nothing; the call always succeeds.
-bool GetEnvironmentValue(const CString& name, CString& value);

@@ -8,9 +8,7 @@
 // changes are lost with the mount. Mounts belong to the machine and stay until they are taken down. For one thread at a
 // time.
 //
-// LoadLocalMachineProfile is an upward call: the redirection of registry paths makes it on first need, and it stands on
-// the file calls and profile paths of the floor above, which themselves read the registry. Nothing else of the registry
-// floor calls anything declared here.
+// The redirection of registry paths mounts them on first need, through the hook of registry/OfflineHivesHook.h.
 #pragma once
 
 #include <afx.h>
