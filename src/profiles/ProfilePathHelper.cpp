@@ -121,13 +121,14 @@ LONG CProfilePathHelper::GetRegistryValue(const CString& name, CString& value) {
                                                name.GetString());
         return status;
     }
-    status = ReadText(key, name, bytes, value);
+    CString text;
+    status = ReadText(key, name, bytes, text);
     if (status != ERROR_SUCCESS) {
         Logger().LogInformationalMessageFormat(L"QueryStringValue returned %d for %s\\%s", status, kProfileList,
                                                name.GetString());
         return status;
     }
-    if (type == REG_EXPAND_SZ) value = ExpandPath(value);
+    value = type == REG_EXPAND_SZ ? ExpandPath(text) : text;
     Logger().LogTraceMessageFormat(L"Registry value for %08x\\%s\\%s is %s",
                                    static_cast<DWORD>(reinterpret_cast<ULONG_PTR>(HKEY_LOCAL_MACHINE)), kProfileList,
                                    name.GetString(), value.GetString());

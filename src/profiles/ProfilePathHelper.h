@@ -23,7 +23,7 @@ public:
 
     // Reads a text value of the list of profiles; one of REG_EXPAND_SZ is expanded. Gives a Win32 status, and an empty
     // `value` on failure: ERROR_INVALID_DATA for another type, an odd size or a missing terminator. Throws when the key
-    // itself does not open.
+    // itself does not open, or ExpandPath does; `value` is empty then, too.
     static LONG GetRegistryValue(const CString& name, CString& value);
 
     // Cached. The default user's folder is never empty: "%SystemDrive%\Users\Default", expanded, stands for one that is

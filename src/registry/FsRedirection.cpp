@@ -8,8 +8,9 @@ namespace {
 
 thread_local PVOID t_oldValue = nullptr;
 
+// The boot image first: asked before the hives are mounted, the bitness would be false for the life of the process.
 bool HasRedirection() {
-    return IsOffline64BitOs() && !IsWinPE();
+    return !IsWinPE() && IsOffline64BitOs();
 }
 
 }  // namespace

@@ -23,8 +23,9 @@ public:
     // The Win32 status of the failed call.
     DWORD GetStatus() const { return m_status; }
 
-    // The system's text for the status, with its trailing line break. FALSE when it has none, or when `maxChars`, which
-    // counts the terminator, is too small for it; what the buffer holds then is terminated. `helpContext` is ignored.
+    // The system's text for the status, with its trailing line break. FALSE when it has none, or one with placeholders,
+    // for which nobody has the texts, or when `maxChars`, which counts the terminator, is too small for it; what the
+    // buffer holds then is terminated. `helpContext` is ignored.
     BOOL GetErrorMessage(LPWSTR buffer, UINT maxChars, PUINT helpContext = nullptr) const override;
 
 private:
@@ -36,5 +37,6 @@ private:
 // Throws unless the status is ERROR_SUCCESS.
 void CheckRegistryStatus(LONG status);
 
-// "[0x2] text", with the status and the system's text; empty when it has none, or one of more than 259 characters.
+// "[0x2] text", with the status and the system's text; empty when GetErrorMessage gives none, or one of more than 259
+// characters.
 CString FormatRegistryError(const CRegistryException& problem);

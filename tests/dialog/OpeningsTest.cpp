@@ -43,7 +43,7 @@ TEST_F(Openings, TwoHundredLeaveNothingBehind) {
     EXPECT_GE(counter.Created("window"), openings);
     EXPECT_GE(counter.Created("image list"), openings);
     EXPECT_GT(counter.Created("registry handle"), 0);
-    EXPECT_GT(counter.Created("brush"), 0);
+    EXPECT_GT(counter.Created("gdi object"), 0);
     EXPECT_EQ(counter.Report(), "");
 }
 
@@ -66,6 +66,6 @@ TEST_F(Openings, AnExpandedKeyAndTheLastDragImageAreWhatStays) {
     }
     EXPECT_EQ(counter.Alive("registry handle"), openings) << "one per run: the hive itself needs no handle";
     EXPECT_EQ(counter.Alive("image list"), 1);
-    for (const char* kind : {"window", "brush", "font", "bitmap", "memory dc", "window dc", "icon", "hook", "menu"})
+    for (const char* kind : {"window", "gdi object", "memory dc", "window dc", "icon", "hook"})
         EXPECT_EQ(counter.Alive(kind), 0) << kind;
 }

@@ -132,6 +132,19 @@ TEST(ProfilePathSuffix, OnWindows8TheServiceHasASetting) {
     });
 }
 
+TEST(ProfilesOnAPreinstallationBoot, ATextThatCannotBeExpandedIsNotKept) {
+    EXPECT_IN_FRESH_PROCESS([] {
+        const ScopedPreinstallation machine;
+        HiveBuilder software;
+        software.SetNumber(L"Microsoft\\Windows NT\\CurrentVersion", L"SystemRoot", 1);
+        software.SetText(L"Microsoft\\Windows NT\\CurrentVersion\\ProfileList", L"Default", L"%SystemRoot%\\x",
+                         REG_EXPAND_SZ);
+        machine.Mount(L"OS_SOFTWARE", machine.Install(L'D', L"SOFTWARE", software));
+        for (int again = 0; again < 2; ++again)
+            EXPECT_EQ(StatusThrownBy([] { CProfilePathHelper::GetDefaultUserProfilePath(); }), 0x70Cu);
+    });
+}
+
 TEST(ProfilesOnAPreinstallationBoot, AreTheInstalledSystemsAndKeptOnceTheyAreKnown) {
     EXPECT_IN_FRESH_PROCESS([] {
         const ScopedPreinstallation machine;

@@ -19,8 +19,7 @@ void** FindImportSlot(HMODULE module, const char* function);
 // What ImportPatch does, without the function's type.
 class ImportSlot {
 public:
-    // Throws std::runtime_error that names module and function when the module does not import it: a module has a slot
-    // only for the functions that its code calls.
+    // Throws std::runtime_error when the module does not import it: a module has a slot only for what its code calls.
     ImportSlot(HMODULE module, const char* function, void* replacement);
     ~ImportSlot();
     ImportSlot(const ImportSlot&) = delete;
@@ -30,7 +29,7 @@ public:
 
 private:
     void** m_slot;
-    void* m_original;
+    void* m_original = nullptr;
 };
 
 template <class Function>

@@ -3,38 +3,45 @@
 #include <filesystem>
 #include <stdexcept>
 
+extern "C" LONG NTAPI RtlAdjustPrivilege(ULONG privilege, BOOLEAN enable, BOOLEAN forThread, PBOOLEAN before);
+
 namespace {
 
 constexpr wchar_t kMarkKey[] = L"Software\\Microsoft\\Windows NT\\CurrentVersion\\WinPE";
-constexpr wchar_t kDrives[] = {L'D', L'E'};
+
+void Check(LONG status, const char* what) {
+    if (status != ERROR_SUCCESS) throw std::runtime_error(std::string(what) + ": error " + std::to_string(status));
+}
 
 void RemoveInstallations() {
-    for (const wchar_t drive : kDrives) {
-        std::error_code ignored;
-        std::filesystem::remove_all(std::wstring(1, drive) + L":\\Windows", ignored);
-    }
+    std::error_code ignored;
+    for (const wchar_t* folder : {L"D:\\Windows", L"E:\\Windows"}) std::filesystem::remove_all(folder, ignored);
 }
 
 }  // namespace
 
+void EnableHivePrivileges() {
+    BOOLEAN before = FALSE;
+    for (const ULONG backupAndRestore : {17, 18})
+        Check(RtlAdjustPrivilege(backupAndRestore, TRUE, FALSE, &before), "taking a privilege");
+}
+
+void HiveBuilder::Save(const std::wstring& file) const {
+    EnableHivePrivileges();
+    Check(RegSaveKeyW(Key(), file.c_str(), nullptr), "saving a hive");
+}
+
 ScopedPreinstallation::ScopedPreinstallation() {
-    for (const wchar_t drive : kDrives) {
-        const wchar_t root[] = {drive, L':', L'\\', L'\0'};
-        if (GetFileAttributesW(root) == INVALID_FILE_ATTRIBUTES) {
-            throw std::runtime_error(
-                "a second drive is missing: run with WINE_RUN_PREPARE=tests/support/second-drives.sh");
-        }
-    }
+    for (const wchar_t* root : {L"D:\\", L"E:\\"})
+        if (!std::filesystem::exists(root)) throw std::runtime_error("run with tests/support/second-drives.sh");
     RemoveInstallations();
     HKEY key = nullptr;
-    if (RegCreateKeyExW(HKEY_LOCAL_MACHINE, kMarkKey, 0, nullptr, 0, KEY_READ, nullptr, &key, nullptr) !=
-        ERROR_SUCCESS) {
-        throw std::runtime_error("the key of a preinstallation boot cannot be created");
-    }
+    Check(RegCreateKeyW(HKEY_LOCAL_MACHINE, kMarkKey, &key), "creating the key of a preinstallation boot");
     RegCloseKey(key);
 }
 
 ScopedPreinstallation::~ScopedPreinstallation() {
+    EnableHivePrivileges();
     RegUnLoadKeyW(HKEY_LOCAL_MACHINE, L"OS_SOFTWARE");
     RegUnLoadKeyW(HKEY_LOCAL_MACHINE, L"OS_SYSTEM");
     RegUnLoadKeyW(HKEY_USERS, L"OS_DEFAULT");
@@ -49,15 +56,13 @@ std::wstring ScopedPreinstallation::SystemFolder(wchar_t drive) {
 }
 
 std::wstring ScopedPreinstallation::Install(wchar_t drive, const wchar_t* name, const HiveBuilder& hive) {
-    const std::wstring folder = SystemFolder(drive) + L"\\config";
+    const std::wstring folder = SystemFolder(drive) + L"\\config\\";
     std::filesystem::create_directories(folder);
-    std::wstring file = folder + L"\\" + name;
-    hive.Save(file);
-    return file;
+    hive.Save(folder + name);
+    return folder + name;
 }
 
 void ScopedPreinstallation::Mount(const wchar_t* name, const std::wstring& file, HKEY root) {
     EnableHivePrivileges();
-    const LONG status = RegLoadKeyW(root, name, file.c_str());
-    if (status != ERROR_SUCCESS) throw std::runtime_error("RegLoadKeyW gave " + std::to_string(status));
+    Check(RegLoadKeyW(root, name, file.c_str()), "mounting a hive");
 }

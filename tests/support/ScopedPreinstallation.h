@@ -3,18 +3,26 @@
 // others under the offline names.
 //
 // The prefix needs the second drives: WINE_RUN_PREPARE=tests/support/second-drives.sh scripts/wine-run ..., and in
-// CMake the test's property ENVIRONMENT (see tests/registry).
+// CMake the test's property ENVIRONMENT (see tests/registry). All members throw std::runtime_error on failure.
 #pragma once
 
-#include <windows.h>
+#include "support/ScopedRegistryKey.h"
 
-#include <string>
+// Enables SeBackupPrivilege and SeRestorePrivilege, which saving and mounting hives need, for the process.
+void EnableHivePrivileges();
 
-#include "support/HiveBuilder.h"
+// A hive with given content. Paths of keys and values are relative to its root.
+class HiveBuilder : public ScopedRegistryKey {
+public:
+    // Not volatile, unlike other keys of tests: the system leaves volatile keys out of a saved hive.
+    HiveBuilder() : ScopedRegistryKey(HKEY_CURRENT_USER, REG_OPTION_NON_VOLATILE) {}
+
+    // Writes the hive to a file, which must not exist.
+    void Save(const std::wstring& file) const;
+};
 
 class ScopedPreinstallation {
 public:
-    // All members throw std::runtime_error on failure.
     ScopedPreinstallation();
     ~ScopedPreinstallation();
     ScopedPreinstallation(const ScopedPreinstallation&) = delete;

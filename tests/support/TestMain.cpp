@@ -1,5 +1,4 @@
 // The main of every test program: GoogleTest plus a watchdog that names a test which hangs and ends the process.
-#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
@@ -11,59 +10,48 @@
 
 namespace {
 
-constexpr std::chrono::seconds kTestLimit{120};
-
-// Ends the process with exit code 3 when one test runs longer than kTestLimit.
+// Ends the process with exit code 3 when one test runs longer than kLimit.
 class Watchdog : public testing::EmptyTestEventListener {
 public:
-    Watchdog() : m_thread([this] { Watch(); }) {}
+    Watchdog() = default;
     ~Watchdog() override {
-        {
-            const std::lock_guard lock(m_mutex);
-            m_stop = true;
-        }
-        m_changed.notify_all();
+        Restart("");
         m_thread.join();
     }
     Watchdog(const Watchdog&) = delete;
     Watchdog& operator=(const Watchdog&) = delete;
 
     void OnTestStart(const testing::TestInfo& test) override {
-        SetRunning(std::string(test.test_suite_name()) + "." + test.name());
+        Restart(std::string(test.test_suite_name()) + "." + test.name());
     }
-    void OnTestEnd(const testing::TestInfo&) override { SetRunning({}); }
 
 private:
-    void SetRunning(std::string name) {
-        {
-            const std::lock_guard lock(m_mutex);
-            m_running = std::move(name);
-            m_deadline = std::chrono::steady_clock::now() + kTestLimit;
-        }
+    static constexpr std::chrono::seconds kLimit{120};
+
+    // An empty name ends the watch.
+    void Restart(const std::string& running) {
+        const std::lock_guard lock(m_mutex);
+        m_running = running;
+        ++m_round;
         m_changed.notify_all();
     }
 
     void Watch() {
         std::unique_lock lock(m_mutex);
-        while (!m_stop) {
-            if (m_running.empty()) {
-                m_changed.wait(lock);
-            } else if (m_changed.wait_until(lock, m_deadline) == std::cv_status::timeout && !m_running.empty() &&
-                       std::chrono::steady_clock::now() >= m_deadline) {
-                std::printf("watchdog: %s has run for %lld s\n", m_running.c_str(),
-                            static_cast<long long>(kTestLimit.count()));
-                std::fflush(stdout);
-                std::_Exit(3);
-            }
+        while (!m_running.empty()) {
+            const int round = m_round;
+            if (m_changed.wait_for(lock, kLimit, [&] { return m_round != round; })) continue;
+            std::printf("watchdog: %s has run for %d s\n", m_running.c_str(), static_cast<int>(kLimit.count()));
+            std::fflush(stdout);
+            std::_Exit(3);
         }
     }
 
     std::mutex m_mutex;
     std::condition_variable m_changed;
-    std::string m_running;
-    std::chrono::steady_clock::time_point m_deadline{};
-    bool m_stop = false;
-    std::thread m_thread;  // last: it uses the members above
+    std::string m_running = "the start";
+    int m_round = 0;
+    std::thread m_thread{[this] { Watch(); }};  // last: it uses the members above
 };
 
 }  // namespace
