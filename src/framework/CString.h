@@ -9,12 +9,14 @@
 //     LPWSTR raw = title.GetBuffer(GetWindowTextLengthW(window));
 //     GetWindowTextW(window, raw, title.GetLength() + 1);
 //     title.ReleaseBuffer();                                // the length is now up to the first zero
+//     std::set<CString> names = {path, title};              // in the order of Compare
 //
 // Positions and lengths count characters (UTF-16 units in CStringW). A null pointer is an empty text everywhere.
 // Positions and counts outside the text are clamped, unless a member says otherwise.
 #pragma once
 
 #include <algorithm>
+#include <compare>
 #include <string>
 #include <utility>
 
@@ -107,8 +109,9 @@ public:
         return *this;
     }
 
-    // Below 0, 0 or above 0. Compare goes by code units; CompareNoCase ignores case over all of Unicode, in no
-    // language.
+    // Below 0, 0 or above 0. Compare goes by code units, and so do the six operators. CompareNoCase folds each code
+    // unit by the system's upper-case table first, in no language: an underscore is above all letters, and a sharp s is
+    // not two of them.
     int Compare(PCXSTR other) const { return StringTraits::Compare(m_text.c_str(), View(other).data()); }
     int CompareNoCase(PCXSTR other) const { return StringTraits::CompareNoCase(m_text.c_str(), View(other).data()); }
 
@@ -182,6 +185,11 @@ public:
 
     friend bool operator==(const CStringT& left, const CStringT& right) { return left.Compare(right) == 0; }
     friend bool operator==(const CStringT& left, PCXSTR right) { return left.Compare(right) == 0; }
+    // Weak, as texts that differ behind a zero only are equal.
+    friend std::weak_ordering operator<=>(const CStringT& left, const CStringT& right) {
+        return left.Compare(right) <=> 0;
+    }
+    friend std::weak_ordering operator<=>(const CStringT& left, PCXSTR right) { return left.Compare(right) <=> 0; }
 
 private:
     using TextView = std::basic_string_view<XCHAR>;

@@ -15,8 +15,10 @@ public:
     using OtherChar = char;
 
     static bool IsSpace(wchar_t character);
-    // Order by code units; ignoring case, as the registry and the file system compare names.
+    // Order by code units.
     static int Compare(const wchar_t* first, const wchar_t* second);
+    // The same after each code unit was folded by the system's upper-case table, by which the registry and the file
+    // system compare names as well; CompareStringOrdinal is documented to use that table when it ignores case.
     static int CompareNoCase(const wchar_t* first, const wchar_t* second);
     static void MakeLower(wchar_t* text, int length);
     static void MakeUpper(wchar_t* text, int length);

@@ -1,5 +1,6 @@
 // Objects that the framework makes for handles which it did not create: FromHandle and its kin give them out, nobody
-// deletes them, and they end when the modal loop in which they were made goes idle or, with no loop, with the handler.
+// deletes them, and they end with the message in whose handler they were made or, outside of any, when the modal loop
+// goes idle.
 #pragma once
 
 #include <memory>

@@ -41,5 +41,6 @@ private:
 };
 
 // A message box with the current application's name as title, empty without one, owned by the thread's active window.
+// With one of MB_OK, MB_OKCANCEL, MB_YESNO and MB_YESNOCANCEL and no icon in `type` it gets the exclamation mark.
 // Returns the button's id, or 0 if it could not be shown. `helpId` is kept for its callers; no help is called.
 AFX_API int AfxMessageBox(LPCWSTR text, UINT type = MB_OK, UINT helpId = 0);

@@ -49,8 +49,8 @@ public:
     ~CWnd() override;
 
     // The object of the window; for one that has none, a temporary object, good for this handler: it ends when the
-    // modal loop goes idle or, with no loop, when the handler returns, so keep the HWND and not the pointer. Null for
-    // null.
+    // handler returns or, made outside of any, when the modal loop goes idle, so keep the HWND and not the pointer.
+    // Null for null.
     static CWnd* FromHandle(HWND window);
     // The object that was bound to the window on this thread, or null.
     static CWnd* FromHandlePermanent(HWND window);

@@ -5,8 +5,8 @@
 
 namespace {
 
-// Makes a message the current one until the end of the block. With the outermost message of a thread that runs no modal
-// loop, the temporary objects made for it end as well: there is no idle loop to do it.
+// Makes a message the current one until the end of the block. The temporary objects made for it end with it, not when
+// the loop goes idle: one message may send thousands of others.
 class CurrentMessage {
 public:
     CurrentMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
@@ -15,7 +15,7 @@ public:
     }
     ~CurrentMessage() {
         m_thread.current = m_previous;
-        if (m_previous.hwnd == nullptr && m_thread.modal == nullptr) m_thread.TrimTemporaries(m_temporaries);
+        m_thread.TrimTemporaries(m_temporaries);
     }
     CurrentMessage(const CurrentMessage&) = delete;
     CurrentMessage& operator=(const CurrentMessage&) = delete;

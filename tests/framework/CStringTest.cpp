@@ -1,8 +1,13 @@
 #include <afx.h>
 
+#include <algorithm>
 #include <climits>
 #include <gtest/gtest.h>
+#include <iterator>
+#include <map>
+#include <set>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -94,8 +99,34 @@ TEST(CString, Compares) {
     EXPECT_LT(CString(L"a").CompareNoCase(L"B"), 0);
     EXPECT_GT(CString(L"ab").CompareNoCase(L"A"), 0);
     EXPECT_GT(CString(L"a").CompareNoCase(kNull), 0);
-    EXPECT_TRUE(CString(L"a") != L"A");
-    EXPECT_TRUE(L"a" == CString(L"a"));
+    // The table is that for capitals: what stands between capitals and small letters is above both, the capital sharp s
+    // (1E9E) is not the small one (DF), and Cherokee, whose small letters came later, is one.
+    EXPECT_GT(CString(L"_").CompareNoCase(L"a"), 0);
+    EXPECT_GT(CString(L"^").CompareNoCase(L"Z"), 0);
+    EXPECT_NE(CString(L"\x1E9E").CompareNoCase(L"\x00DF"), 0);
+}
+
+// By the texts and not by their addresses, whichever side is the object.
+TEST(CString, HasOneOrderInAllComparisons) {
+    const wchar_t* const ordered[] = {L"", L"A", L"Aa", L"B", L"_", L"a", L"ab", L"b", L"\xFFFD"};
+    for (const auto& left : ordered) {
+        for (const auto& right : ordered) {
+            const CString a = left;
+            const CString b = right;
+            const auto order = &left <=> &right;
+            for (const bool equal : {a == b, a == right, left == b}) EXPECT_EQ(equal, order == 0) << left << right;
+            for (const bool unequal : {a != b, a != right, left != b}) EXPECT_EQ(unequal, order != 0) << left << right;
+            for (const bool below : {a < b, a < right, left < b}) EXPECT_EQ(below, order < 0) << left << right;
+            for (const bool above : {a > b, a > right, left > b}) EXPECT_EQ(above, order > 0) << left << right;
+            for (const bool notAbove : {a <= b, a <= right, left <= b}) EXPECT_EQ(notAbove, order <= 0) << left;
+            for (const bool notBelow : {a >= b, a >= right, left >= b}) EXPECT_EQ(notBelow, order >= 0) << left;
+        }
+    }
+    std::vector<CString> texts(std::rbegin(ordered), std::rend(ordered));
+    std::sort(texts.begin(), texts.end());
+    EXPECT_TRUE(std::equal(texts.begin(), texts.end(), std::begin(ordered)));
+    EXPECT_EQ((std::set<CString>{L"b", L"a", CString(L"b"), L"a"}).size(), 2u);
+    EXPECT_EQ((std::map<CString, int>{{L"key", 7}}).at(CString(L"key")), 7);
 }
 
 TEST(CString, Trims) {

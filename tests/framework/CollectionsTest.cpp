@@ -67,6 +67,7 @@ TEST(StringList, ComparesTextsNotAddresses) {
     EXPECT_EQ(list.Find(L"key"), nullptr);
     list.AddTail(nullptr);
     EXPECT_EQ(list.GetTail(), L"");
+    EXPECT_EQ(list.GetAt(list.AddHead(nullptr)), L"");
     POSITION place = list.GetHeadPosition();
     list.GetNext(place) = L"changed";
     EXPECT_EQ(list.GetAt(list.GetHeadPosition()), L"changed");

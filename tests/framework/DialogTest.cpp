@@ -152,6 +152,21 @@ TEST_F(DialogTest, AnExchangeSwallowsTheControlsCommandsAndSetsOnlyWhatIsNew) {
     dialog.DoModal();
 }
 
+TEST_F(DialogTest, TemporaryObjectsEndWithTheirMessageNotWhenTheLoopGoesIdle) {
+    CProbeDialog dialog;
+    dialog.m_inLoop = [&] {
+        CClientDC context(&dialog);
+        const size_t before = CWnd::TemporaryCountForTesting();
+        for (int i = 0; i < 3; ++i) {
+            dialog.SendMessage(WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(context.m_hDC),
+                               reinterpret_cast<LPARAM>(::GetDlgItem(dialog, IDC_PROBE_BUTTON)));
+        }
+        EXPECT_EQ(CWnd::TemporaryCountForTesting(), before);
+        dialog.EndDialog(IDOK);
+    };
+    dialog.DoModal();
+}
+
 TEST_F(DialogTest, TheOwnerIsDisabledMeanwhileAndActiveAfterwards) {
     CPlainOwner owner;
     CWnd child;

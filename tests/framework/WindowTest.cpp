@@ -177,6 +177,35 @@ TEST(Window, WhatAHandlerThrowsOutsideOfADialogIsToldToTheUserAndEndsThere) {
     EXPECT_NE(theWindowTestApp.m_boxes[2], theWindowTestApp.m_boxes[0]);
 }
 
+TEST(Window, AMessageBoxOfTheUsualKindsHasAnIcon) {
+    static UINT s_type = 0;
+    const ImportPatch<decltype(&MessageBoxW)> patch(LoadedModule(L"framework.dll"), "MessageBoxW",
+                                                    [](HWND, LPCWSTR, LPCWSTR, UINT type) -> int {
+                                                        s_type = type;
+                                                        return IDOK;
+                                                    });
+    const struct {
+        UINT type;
+        UINT shown;
+    } cases[] = {{MB_OK, MB_OK | MB_ICONEXCLAMATION},
+                 {MB_OKCANCEL | MB_DEFBUTTON2, MB_OKCANCEL | MB_DEFBUTTON2 | MB_ICONEXCLAMATION},
+                 {MB_YESNO, MB_YESNO | MB_ICONEXCLAMATION},
+                 {MB_YESNOCANCEL, MB_YESNOCANCEL | MB_ICONEXCLAMATION},
+                 {MB_RETRYCANCEL, MB_RETRYCANCEL},
+                 {MB_ABORTRETRYIGNORE, MB_ABORTRETRYIGNORE},
+                 {MB_YESNO | MB_ICONQUESTION, MB_YESNO | MB_ICONQUESTION},
+                 {MB_OK | MB_ICONSTOP, MB_OK | MB_ICONSTOP}};
+    AFX_MODULE_STATE withoutApp(nullptr);
+    for (const auto& [type, shown] : cases) {
+        EXPECT_EQ(theWindowTestApp.CWinApp::DoMessageBox(L"", type, 0), IDOK);
+        EXPECT_EQ(s_type, shown);
+        AFX_MANAGE_STATE(&withoutApp)
+        s_type = 0;
+        EXPECT_EQ(AfxMessageBox(L"", type), IDOK);
+        EXPECT_EQ(s_type, shown);
+    }
+}
+
 TEST(Window, TemporaryObjectsEndWithTheOutermostHandler) {
     class CAsker : public CWnd {
     public:
