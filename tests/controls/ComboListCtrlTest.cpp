@@ -1,281 +1,180 @@
 #include "controls/ComboListCtrl.h"
 
-#include <functional>
-#include <gtest/gtest.h>
-#include <string>
-#include <vector>
-
 #include "controls/ControlsHost.h"
-#include "entry/InPlaceCombo.h"
-#include "entry/InPlaceEdit.h"
-#include "entry/PrivateMessages.h"
-#include "resources/resource.h"
-#include "support/DialogDriver.h"
 #include "support/WindowText.h"
 
 namespace {
 
-using Told = std::vector<UINT>;
-
-class ComboListCtrlTest : public testing::Test {
+class ComboList : public ControlsTest {
 protected:
-    ComboListCtrlTest() {
-        m_host.m_rows = {{L"Branch", L"HKCU\\a", L""}, {L"Value", L"HKCU\\b", L"v"}, {L"Key", L"HKCU\\c", L""}};
-    }
-
-    // Runs the script on the open dialog and cancels the dialog after it.
-    void Run(const std::function<void(Dialog&, ListSteps&)>& script) {
-        DialogDriver driver;
-        driver.Run([this] { m_host.DoModal(); },
-                   [&](Dialog& d) {
-                       ListSteps list = d.List(IDC_RULE_LIST);
-                       script(d, list);
-                       d.Click(IDCANCEL);
-                   });
-    }
-
-    static HWND Edit(const ListSteps& list) { return Dialog::FindBelow(list.Window(), L"Edit"); }
-    static HWND Combo(const ListSteps& list) { return Dialog::FindBelow(list.Window(), L"ComboBox"); }
-    // In the coordinates of its parent.
-    static CRect PlaceOf(HWND window) {
+    // In the coordinates of the list.
+    static CRect PlaceOf(HWND editor) {
         CRect place;
-        GetWindowRect(window, &place);
-        MapWindowPoints(nullptr, GetParent(window), reinterpret_cast<POINT*>(&place), 2);
+        GetWindowRect(editor, &place);
+        MapWindowPoints(nullptr, GetParent(editor), reinterpret_cast<POINT*>(&place), 2);
         return place;
     }
-    // By a first click, which selects the row, and a second one.
-    static void OpenEditor(ListSteps& list, int row, int column) {
-        list.Click(row, column);
-        list.Click(row, column);
+    // Closes the editor.
+    void Escape() {
+        m_d->Key(VK_ESCAPE);
+        Told();
     }
-    static bool NoEditor(const ListSteps& list) { return Edit(list) == nullptr && Combo(list) == nullptr; }
-
-    CControlsHost m_host;
+    CWatchedList& m_list = m_host.m_list;
 };
 
-TEST_F(ComboListCtrlTest, FirstClickSelectsAndTheSecondEdits) {
-    Run([&](Dialog& d, ListSteps& list) {
-        list.Click(1, 2);
+}  // namespace
+
+TEST_F(ComboList, ClicksSelectThenEditAndTheirEditsEndWithEachOther) {
+    Run([&](Dialog& d) {
+        ListSteps list = d.List(IDC_RULE_LIST);
+        const auto click = [&](int row, int column) {
+            list.Click(row, column);
+            return Edit() != nullptr ? WindowText(Edit()) : Combo() != nullptr ? L"drop-down" : L"none";
+        };
+        EXPECT_EQ(click(1, kValue), L"none");
         EXPECT_EQ(list.SelectedRow(), 1);
-        EXPECT_TRUE(NoEditor(list));
-        EXPECT_EQ(m_host.TakeTold(), Told{RRM_ENABLE_CELL_EDIT});
-
-        list.Click(1, 2);
-        ASSERT_NE(Edit(list), nullptr);
-        EXPECT_EQ(d.Focus(), Edit(list));
-        EXPECT_EQ(WindowText(Edit(list)), L"v");
-        EXPECT_EQ(Dialog::EditSelection(Edit(list)), std::make_pair(0, 1));
-        EXPECT_EQ(m_host.TakeTold(), Told{RRM_ENABLE_CELL_EDIT});
-
-        d.Type(L"w x");
-        d.Key(VK_RETURN);
-        EXPECT_TRUE(NoEditor(list));
+        EXPECT_EQ(click(1, kValue), L"v");
+        EXPECT_EQ(d.Focus(), Edit());
+        EXPECT_EQ(Dialog::EditSelection(Edit()), std::make_pair(0, 1));
+        EXPECT_EQ(Told(), "8100 8100");
+        Type(L"w x\r");
         EXPECT_EQ(list.Row(1), (std::vector<std::wstring>{L"Value", L"HKCU\\b", L"w x"}));
         EXPECT_EQ(d.FocusId(), IDC_RULE_LIST);
-        EXPECT_EQ(m_host.TakeTold(), (Told{RRM_CELL_CHANGED, RRM_MARK_DIRTY, RRM_CELL_EDIT_DONE, RRM_LIST_KEY_UP}));
-
-        // A row selected by keyboard was not selected at the last click.
+        EXPECT_EQ(Told(), "end 1,2 'w x' 8104 8106 8110");
+        m_host.m_keysReleased = 0;
         d.Key(VK_DOWN);
-        list.Click(2, 1);
-        EXPECT_TRUE(NoEditor(list));
-        list.Click(2, 1);
-        EXPECT_EQ(WindowText(Edit(list)), L"HKCU\\c");
-    });
-}
-
-TEST_F(ComboListCtrlTest, ClickWithShiftOrCtrlNeitherEditsNorTells) {
-    Run([&](Dialog& d, ListSteps& list) {
-        list.Click(0, 1);
-        m_host.TakeTold();
+        EXPECT_EQ(m_host.m_keysReleased, 1);
+        EXPECT_EQ(click(2, kKey), L"none") << "a row selected by keyboard was not selected at the last click";
+        EXPECT_EQ(click(2, kKey), L"HKCU\\c");
+        // A click on a neighbour ends the edit and the next one edits there; the old window is still on its way out.
+        Type(L"HKLM\\New");
+        EXPECT_EQ(click(2, kValue), L"none");
+        EXPECT_EQ(list.Text(2, kKey), L"HKLM\\New");
+        EXPECT_EQ(click(2, kValue), L"");
+        EXPECT_EQ(click(2, kType), L"drop-down");
+        Escape();
+        // With Shift or Ctrl a click neither edits nor tells, and the row of the last plain click stays the same.
         for (const WORD modifier : {WORD{VK_SHIFT}, WORD{VK_CONTROL}}) {
             d.KeyDown(modifier);
-            list.Click(0, 1);
-            EXPECT_TRUE(NoEditor(list));
-            list.Click(1, 1);
+            EXPECT_EQ(click(2, kKey), L"none");
+            EXPECT_EQ(click(0, kKey), L"none");
             d.KeyUp(modifier);
-            EXPECT_EQ(m_host.TakeTold(), Told{RRM_LIST_KEY_UP});
+            EXPECT_EQ(Told(), "");
         }
-        // Row 0 is still the one of the last plain click.
-        list.Click(0, 1);
-        EXPECT_NE(Edit(list), nullptr);
-    });
-}
-
-TEST_F(ComboListCtrlTest, DoubleClickEditsAtOnce) {
-    Run([&](Dialog& d, ListSteps& list) {
-        list.DoubleClick(1, 1);
-        ASSERT_NE(Edit(list), nullptr);
-        EXPECT_EQ(WindowText(Edit(list)), L"HKCU\\b");
-        EXPECT_EQ(m_host.TakeTold(), (Told{RRM_ENABLE_CELL_EDIT, RRM_ENABLE_CELL_EDIT}));
-        d.Key(VK_ESCAPE);
-
-        // The focus is still on row 1, as it is elsewhere when the strip has made a rule.
-        d.OnGuiThread([&] { m_host.m_list.SetItemState(0, LVIS_SELECTED, LVIS_SELECTED); });
-        list.DoubleClick(0, 1);
-        EXPECT_NE(Edit(list), nullptr);
-        d.Key(VK_ESCAPE);
-        m_host.TakeTold();
-
+        EXPECT_EQ(click(2, kKey), L"HKLM\\New");
+        Escape();
+        // A double click edits at once, also where the focus was on another row than the one that is selected.
+        list.DoubleClick(1, kKey);
+        EXPECT_EQ(WindowText(Edit()), L"HKCU\\b");
+        EXPECT_EQ(Told(), "8100 8100");
+        Escape();
+        d.OnGuiThread([&] { m_list.SetItemState(0, LVIS_SELECTED, LVIS_SELECTED); });
+        list.DoubleClick(0, kKey);
+        EXPECT_EQ(WindowText(Edit()), L"HKCU\\a");
+        Escape();
         d.DoubleClick(list.BehindRows());
-        EXPECT_TRUE(NoEditor(list));
-        EXPECT_EQ(m_host.TakeTold(), Told{RRM_ENABLE_CELL_EDIT});
+        EXPECT_TRUE(NoEditor());
+        EXPECT_EQ(list.SelectedRow(), 0) << "a click beside the rows leaves the selection";
+        EXPECT_EQ(Told(), "8100");
     });
 }
 
-TEST_F(ComboListCtrlTest, ScrollingEndsAnEdit) {
-    for (int row = 3; row < 60; ++row) {
-        m_host.m_rows.push_back({L"Value", L"HKCU\\row", L"old"});
-    }
-    Run([&](Dialog& d, ListSteps& list) {
-        OpenEditor(list, 3, 2);
-        d.Type(L"new");
-        // The arrow at the bottom of the scroll bar.
+TEST_F(ComboList, AnEditorEndsWithScrollingAndWithItsRow) {
+    for (int row = 3; row < 60; ++row) m_host.m_rows.push_back({L"Value", L"HKCU\\row", L"old"});
+    Run([&](Dialog& d) {
+        ListSteps list = d.List(IDC_RULE_LIST);
+        list.Click(3, kValue);
+        list.Click(3, kValue);
+        Type(L"new");
         RECT area{};
         GetWindowRect(list.Window(), &area);
-        d.Click(POINT{area.right - 8, area.bottom - 8});
-        EXPECT_TRUE(NoEditor(list));
-        EXPECT_EQ(list.Text(3, 2), L"new");
+        d.Click(POINT{area.right - 8, area.bottom - 8});  // the arrow at the bottom of the scroll bar
+        EXPECT_TRUE(NoEditor());
+        EXPECT_EQ(list.Text(3, kValue), L"new");
         EXPECT_EQ(ListView_GetTopIndex(list.Window()), 1);
-
-        list.Click(3, 2);
-        ASSERT_NE(Edit(list), nullptr);
+        list.Click(3, kValue);
+        ASSERT_NE(Edit(), nullptr);
         d.OnGuiThread([&] { SendMessageW(list.Window(), WM_HSCROLL, SB_LINERIGHT, 0); });
-        d.WaitFor("the edit to end", [&] { return NoEditor(list); });
-    });
-}
+        d.WaitFor("the edit to end", [&] { return NoEditor(); });
 
-TEST_F(ComboListCtrlTest, EditCellNeedsAFocusedRowAnExistingCellAndLeave) {
-    Run([&](Dialog& d, ListSteps& list) {
-        list.Click(1, 1);
-        CComboListCtrl& control = m_host.m_list;
-        d.OnGuiThread([&] {
-            for (const auto& [row, column] : {std::pair{0, 1}, {-1, 1}, {3, 1}, {1, 3}, {1, -1}, {1, 1000000}}) {
-                control.EditCell(row, column);
-                EXPECT_TRUE(NoEditor(list)) << row << ", " << column;
-            }
-            control.EnableCellEdit(false);
-            control.EditCell(1, 1);
-            EXPECT_TRUE(NoEditor(list));
-            control.EnableCellEdit(true);
-            control.ModifyStyle(LVS_EDITLABELS, 0);
-            control.EditCell(1, 1);
-            EXPECT_TRUE(NoEditor(list));
-            control.ModifyStyle(0, LVS_EDITLABELS);
-            control.EditCell(1, 1);
-            EXPECT_FALSE(NoEditor(list));
-            EXPECT_EQ(control.ShowInPlaceCombo(7, 0, CStringList(), L"", -1), nullptr);
-            for (const int column : {-1, 3, 1000000}) {
-                EXPECT_EQ(control.ShowInPlaceCombo(1, column, CStringList(), L"", -1), nullptr) << column;
-                CRect rect(1, 2, 3, 4);
-                control.ScrollToView(column, rect);
-                EXPECT_FALSE(control.CalculateCellRect(column, 1, rect));
-                EXPECT_EQ(rect, CRect(1, 2, 3, 4)) << column;
-            }
-        });
-    });
-}
-
-TEST_F(ComboListCtrlTest, NarrowColumnHasNoDropDownButAnEditOfTheAllowedCharacters) {
-    Run([&](Dialog& d, ListSteps& list) {
-        CComboListCtrl& control = m_host.m_list;
-        list.Click(1, 2);
-        d.OnGuiThread([&] {
-            ListView_SetColumnWidth(list.Window(), 0, 9);
-            control.EditCell(1, 0);
-            EXPECT_TRUE(NoEditor(list));
-            ListView_SetColumnWidth(list.Window(), 2, 9);
-            control.SetValidEditCtrlCharacters(L"xyz");
-            control.EditCell(1, 2);
-        });
-        ASSERT_NE(Edit(list), nullptr);
-        d.Type(L"x");
-        d.Type(L"a");
-        d.AnswerBox(IDOK);
-        EXPECT_EQ(WindowText(Edit(list)), L"x");
-        d.Key(VK_ESCAPE);
-        d.OnGuiThread([&] {
-            ListView_SetColumnWidth(list.Window(), 0, 10);
-            control.EditCell(1, 0);
-            EXPECT_NE(Combo(list), nullptr);
-        });
-    });
-}
-
-TEST_F(ComboListCtrlTest, SystemsOwnLabelEditKeepsOffReadOnlyColumns) {
-    Run([&](Dialog& d, ListSteps& list) {
-        d.OnGuiThread([&] {
-            EXPECT_EQ(ListView_EditLabel(list.Window(), 0), nullptr);
-            m_host.m_list.SetReadOnlyColumns(0, false);
-            const HWND edit = ListView_EditLabel(list.Window(), 0);
-            EXPECT_NE(edit, nullptr);
-            SetWindowTextW(edit, L"other");
-            SendMessageW(edit, WM_KEYDOWN, VK_ESCAPE, 0);
-            m_host.m_list.SetReadOnlyColumns(0, true);
-        });
-        d.WaitFor("the label edit to end", [&] { return NoEditor(list); });
-        EXPECT_EQ(list.Text(0, 0), L"Branch") << "a cancelled label edit comes without a text";
-    });
-}
-
-TEST_F(ComboListCtrlTest, ClickOnANeighbourCellEndsTheEditAndTheNextOneEditsThere) {
-    Run([&](Dialog& d, ListSteps& list) {
-        OpenEditor(list, 1, 1);
-        d.Type(L"HKLM\\New");
-        // The old edit's window is still on its way out.
-        list.Click(1, 2);
-        EXPECT_EQ(list.Text(1, 1), L"HKLM\\New");
-        EXPECT_TRUE(NoEditor(list));
-        list.Click(1, 2);
-        ASSERT_NE(Edit(list), nullptr);
-        EXPECT_EQ(WindowText(Edit(list)), L"v");
-        list.Click(1, 0);
-        EXPECT_EQ(Edit(list), nullptr);
-        EXPECT_NE(Combo(list), nullptr);
-    });
-}
-
-TEST_F(ComboListCtrlTest, EditorOfADeletedRowEndsQuietly) {
-    Run([&](Dialog& d, ListSteps& list) {
-        OpenEditor(list, 2, 2);
-        ASSERT_NE(Edit(list), nullptr);
-        d.OnGuiThread([&] { m_host.m_list.DeleteItem(2); });
-        d.Type(L"late");
-        d.Key(VK_RETURN);
-        EXPECT_TRUE(NoEditor(list));
-        EXPECT_EQ(list.Rows(),
-                  (std::vector<std::vector<std::wstring>>{{L"Branch", L"HKCU\\a", L""}, {L"Value", L"HKCU\\b", L"v"}}));
-        OpenEditor(list, 1, 0);
-        ASSERT_NE(Combo(list), nullptr);
+        const auto before = list.Rows();
+        OpenEdit(59, kValue, L"");
+        d.OnGuiThread([&] { m_list.DeleteItem(59); });
+        Type(L"late\r");
+        EXPECT_TRUE(NoEditor());
+        EXPECT_EQ(list.Rows(), decltype(before)(before.begin(), before.end() - 1));
+        OpenCombo(1, L"Key");
         d.OnGuiThread([&] { ListView_DeleteAllItems(list.Window()); });
         d.Key(VK_RETURN);
-        d.WaitFor("the drop-down to close", [&] { return NoEditor(list); });
+        d.WaitFor("the drop-down to close", [&] { return NoEditor(); });
         EXPECT_EQ(list.RowCount(), 0);
     });
 }
 
-TEST_F(ComboListCtrlTest, CellOutOfViewIsScrolledInUnderItsEditor) {
-    Run([&](Dialog& d, ListSteps& list) {
-        list.Click(1, 1);
+TEST_F(ComboList, EditCellNeedsAFocusedRowACellThatExistsAndLeave) {
+    Run([&](Dialog& d) {
+        ListSteps list = d.List(IDC_RULE_LIST);
+        list.Click(1, kKey);
         d.OnGuiThread([&] {
-            CComboListCtrl& control = m_host.m_list;
-            ListView_SetColumnWidth(list.Window(), 1, 1000);
-            ListView_SetColumnWidth(list.Window(), 2, 2000);
-            control.EditCell(1, 2);
-            CRect row;
-            control.GetItemRect(1, &row, LVIR_BOUNDS);
-            EXPECT_EQ(row.left, -1061);
-            EXPECT_EQ(PlaceOf(Edit(list)), CRect(0, row.top, 2000, row.bottom - 1));
+            const auto opens = [&](int row, int column) {
+                m_list.EditCell(row, column);
+                return !NoEditor();
+            };
+            m_list.SetItemState(0, LVIS_SELECTED, LVIS_SELECTED);
+            for (const auto& [row, column] : {std::pair{0, 1}, {-1, 1}, {3, 1}, {1, 3}, {1, -1}, {1, 1000000}})
+                EXPECT_FALSE(opens(row, column)) << row << ", " << column;
+            m_list.EnableCellEdit(false);
+            EXPECT_FALSE(opens(1, 1));
+            m_list.EnableCellEdit(true);
+            m_list.ModifyStyle(LVS_EDITLABELS, 0);
+            EXPECT_FALSE(opens(1, 1));
+            m_list.ModifyStyle(0, LVS_EDITLABELS);
+            ListView_SetColumnWidth(m_list, 0, 9);
+            EXPECT_FALSE(opens(1, 0)) << "too narrow for a drop-down";
+            EXPECT_EQ(m_list.ShowInPlaceCombo(7, 0, CStringList(), L"", -1), nullptr);
+            for (const int column : {-1, 3, 1000000}) {
+                EXPECT_EQ(m_list.ShowInPlaceCombo(1, column, CStringList(), L"", -1), nullptr) << column;
+                CRect rect(1, 2, 3, 4);
+                m_list.ScrollToView(column, rect);
+                EXPECT_FALSE(m_list.CalculateCellRect(column, 1, rect));
+                EXPECT_EQ(rect, CRect(1, 2, 3, 4)) << column;
+            }
+            // The system's own label edit keeps off read-only columns; a cancelled one comes without a text.
+            EXPECT_EQ(ListView_EditLabel(m_list, 0), nullptr);
+            m_list.SetReadOnlyColumns(0, false);
+            const HWND label = ListView_EditLabel(m_list, 0);
+            EXPECT_NE(label, nullptr);
+            SetWindowTextW(label, L"other");
+            SendMessageW(label, WM_KEYDOWN, VK_ESCAPE, 0);
+            m_list.SetReadOnlyColumns(0, true);
         });
-        d.Key(VK_ESCAPE);
-        d.OnGuiThread([&] {
-            CComboListCtrl& control = m_host.m_list;
-            control.EditCell(1, 0);
-            CRect row;
-            control.GetItemRect(1, &row, LVIR_BOUNDS);
-            EXPECT_EQ(row.left, 0);
-            EXPECT_EQ(PlaceOf(Combo(list)).TopLeft(), row.TopLeft());
-        });
+        d.WaitFor("the label edit to end", [&] { return NoEditor(); });
+        EXPECT_EQ(list.Text(0, 0), L"Branch");
     });
 }
 
-}  // namespace
+TEST_F(ComboList, ACellOutOfViewIsScrolledInUnderItsEditor) {
+    Run([&](Dialog& d) {
+        d.List(IDC_RULE_LIST).Click(1, kKey);
+        CRect row;
+        d.OnGuiThread([&] {
+            ListView_SetColumnWidth(m_list, 0, 10);
+            ListView_SetColumnWidth(m_list, 1, 1000);
+            ListView_SetColumnWidth(m_list, 2, 2000);
+            m_list.EditCell(1, 2);
+            m_list.GetItemRect(1, &row, LVIR_BOUNDS);
+            EXPECT_EQ(row.left, -1010);
+            EXPECT_EQ(PlaceOf(Edit()), CRect(0, row.top, 2000, row.bottom - 1));
+        });
+        Escape();
+        d.OnGuiThread([&] {
+            m_list.EditCell(1, 0);
+            m_list.GetItemRect(1, &row, LVIR_BOUNDS);
+            EXPECT_EQ(row.left, 0);
+            EXPECT_EQ(PlaceOf(Combo()).TopLeft(), row.TopLeft());
+            CRect dropped;
+            SendMessageW(Combo(), CB_GETDROPPEDCONTROLRECT, 0, reinterpret_cast<LPARAM>(&dropped));
+            EXPECT_GT(dropped.Height(), 10 * row.Height()) << "room for more entries than there are";
+        });
+    });
+}

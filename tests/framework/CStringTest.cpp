@@ -1,213 +1,132 @@
 #include <afx.h>
 
 #include <algorithm>
+#include <array>
 #include <climits>
 #include <gtest/gtest.h>
-#include <iterator>
-#include <map>
 #include <set>
 #include <string>
 #include <vector>
 
 namespace {
 
-constexpr wchar_t kNoText[] = L"";
 constexpr const wchar_t* kNull = nullptr;
 
-// All of it, since == of two strings ends at the first zero.
-std::wstring Whole(const CString& text) {
-    return {text.GetString(), static_cast<size_t>(text.GetLength())};
+// Each whole, since == of two strings ends at the first zero, and with a bar behind it.
+std::wstring All(std::initializer_list<CString> texts) {
+    std::wstring all;
+    for (const CString& text : texts) all.append(text.GetString(), static_cast<size_t>(text.GetLength())) += L'|';
+    return all;
 }
+
+using Ints = std::vector<int>;
 
 }  // namespace
 
-TEST(CString, AssigningAPieceOfItselfKeepsThePiece) {
-    CString text = L"a text that is long enough to live on the heap";
-    text = text.GetString() + 2;
-    EXPECT_EQ(text, L"text that is long enough to live on the heap");
-    text += text.GetString() + 40;
-    EXPECT_EQ(text, L"text that is long enough to live on the heapheap");
-    text.Append(text.GetString(), 4);
-    EXPECT_EQ(text.Right(8), L"heaptext");
-    text += text;
-    EXPECT_EQ(text.GetLength(), 2 * 52);
+TEST(CString, GivesPiecesOfItselfAndTakesOffItsEnds) {
+    const CString t = L"abcde";
+    EXPECT_EQ(All({t.Left(INT_MIN), t.Left(-1), t.Left(2), t.Left(6), t.Left(INT_MAX)}), L"||ab|abcde|abcde|");
+    EXPECT_EQ(All({t.Right(INT_MIN), t.Right(0), t.Right(2), t.Right(6), t.Right(INT_MAX)}), L"||de|abcde|abcde|");
+    EXPECT_EQ(All({t.Mid(1, 3), t.Mid(-2, 2), t.Mid(4, 5), t.Mid(5, 1), t.Mid(6, 1), t.Mid(1, -1)}), L"bcd|ab|e||||");
+    EXPECT_EQ(All({t.Mid(1, INT_MAX), t.Mid(INT_MAX, INT_MAX), t.Mid(INT_MIN, 1), t.Mid(5)}), L"bcde||a||");
+    const auto c = [](const wchar_t* text) { return CString(text); };
+    EXPECT_EQ(All({c(L" \t\r\n a b \v\f").Trim(), c(L"  a ").TrimLeft(), c(L"  a ").TrimRight()}), L"a b|a |  a|");
+    EXPECT_EQ(All({c(L"   ").Trim(), c(L" a ").Trim(L'a'), c(L" a ").Trim(L""), c(L" a ").TrimRight(kNull)}),
+              L"| a | a | a |");
+    EXPECT_EQ(All({c(L"\\\\a\\").TrimRight(L'\\'), c(L"\\\\a\\").TrimLeft(L'\\'), c(L"\\\\").TrimRight(L'\\'),
+                   c(L"xyaxy").Trim(L"yx")}),
+              L"\\\\a|a\\||a|");
+    EXPECT_EQ(All({CString(L'x', 3), CString(L'x', -1), CString(L"abc", 2), CString(kNull, 3), CString("\xE4\x80"),
+                   c(L"a\x00E4Z").MakeUpper(), c(L"A\x00C4z").MakeLower(), L'<' + t + L"=" + t + kNull + L'>'}),
+              L"xxx||ab||\x00E4\x20AC|A\x00C4Z|a\x00E4z|<abcde=abcde>|");
 }
 
-TEST(CString, LeftRightAndMidClamp) {
-    const CString text = L"abcde";
-    const struct {
-        int count;
-        const wchar_t* left;
-        const wchar_t* right;
-    } ends[] = {{INT_MIN, L"", L""},
-                {-1, L"", L""},
-                {0, L"", L""},
-                {2, L"ab", L"de"},
-                {5, L"abcde", L"abcde"},
-                {6, L"abcde", L"abcde"},
-                {INT_MAX, L"abcde", L"abcde"}};
-    for (const auto& row : ends) {
-        EXPECT_EQ(Whole(text.Left(row.count)), row.left) << row.count;
-        EXPECT_EQ(Whole(text.Right(row.count)), row.right) << row.count;
+TEST(CString, FindsAndTellsItsCharacters) {
+    CString t = L"HKCU\\A\\B";
+    EXPECT_EQ((Ints{t.Find(L"\\"), t.Find(L"\\", 5), t.Find(L"\\", 7), t.Find(L"b"), t.Find(L"", 8), t.Find(L"", 9),
+                    t.Find(L"H", -1), t.Find(L"H", INT_MAX), t.Find(kNull), t.Find(L"A\\BC"), CString().Find(L"")}),
+              (Ints{4, 6, -1, -1, 8, -1, -1, -1, -1, -1, 0}));
+    EXPECT_EQ((Ints{t.Find(L'\\'), t.Find(L'\\', 4), t.Find(L'B', 7), t.Find(L'B', 8), t.Find(L'H', -1),
+                    t.ReverseFind(L'\\'), t.ReverseFind(L'x'), CString().ReverseFind(L'a'), t[4], t.GetAt(8)}),
+              (Ints{4, 4, 7, -1, -1, 6, -1, -1, L'\\', 0}));
+    t.SetAt(7, L'b');
+    EXPECT_EQ(t, L"HKCU\\A\\b");
+    for (const int outside : {-1, 9}) {
+        EXPECT_THROW(static_cast<void>(t[outside]), CInvalidArgException*);
+        EXPECT_THROW(t.SetAt(std::min(outside, 8), L'x'), CInvalidArgException*);
     }
-    const struct {
-        int first;
-        int count;
-        const wchar_t* expected;
-    } middles[] = {
-        {0, 0, L""},  {1, 3, L"bcd"},        {-2, 2, L"ab"},          {4, 5, L"e"},      {5, 1, L""}, {6, 1, L""},
-        {1, -1, L""}, {1, INT_MAX, L"bcde"}, {INT_MAX, INT_MAX, L""}, {INT_MIN, 1, L"a"}};
-    for (const auto& row : middles) EXPECT_EQ(Whole(text.Mid(row.first, row.count)), row.expected) << row.first;
-    EXPECT_EQ(Whole(text.Mid(3)), L"de");
-    EXPECT_EQ(Whole(text.Mid(5)), L"");
-    EXPECT_EQ(Whole(text.Mid(-1)), L"abcde");
 }
 
-TEST(CString, Finds) {
-    const CString text = L"HKCU\\A\\B";
-    const struct {
-        const wchar_t* what;
-        int start;
-        int expected;
-    } rows[] = {{L"\\", 0, 4},  {L"\\", 5, 6},       {L"\\", 7, -1}, {L"\\B", 0, 6},
-                {L"b", 0, -1},  {L"", 3, 3},         {L"", 8, 8},    {L"", 9, -1},
-                {L"H", -1, -1}, {L"H", INT_MAX, -1}, {kNull, 0, -1}, {L"HKCU\\A\\BC", 0, -1}};
-    for (const auto& row : rows) EXPECT_EQ(text.Find(row.what, row.start), row.expected) << row.start;
-    EXPECT_EQ(text.Find(L'\\'), 4);
-    EXPECT_EQ(text.Find(L'\\', 4), 4);
-    EXPECT_EQ(text.Find(L'B', 7), 7);
-    EXPECT_EQ(text.Find(L'B', 8), -1);
-    EXPECT_EQ(text.Find(L'H', -1), -1);
-    EXPECT_EQ(text.ReverseFind(L'\\'), 6);
-    EXPECT_EQ(text.ReverseFind(L'x'), -1);
-    EXPECT_EQ(CString().Find(L""), 0);
-    EXPECT_EQ(CString().Find(L'a'), -1);
-    EXPECT_EQ(CString().ReverseFind(L'a'), -1);
-}
-
-TEST(CString, Compares) {
-    EXPECT_LT(CString(L"A").Compare(L"a"), 0);
-    EXPECT_GT(CString(L"ab").Compare(L"a"), 0);
-    EXPECT_EQ(CString().Compare(kNull), 0);
-    // Code units above 0x7FFF are still above.
-    EXPECT_GT(CString(L"\xFFFD").Compare(L"z"), 0);
-
-    EXPECT_EQ(CString(L"HKey").CompareNoCase(L"hKEY"), 0);
-    EXPECT_EQ(CString(L"\x00C4\x0416\x03A9").CompareNoCase(L"\x00E4\x0436\x03C9"), 0);
-    EXPECT_NE(CString(L"\x00DF").CompareNoCase(L"ss"), 0);  // in no language: sharp s is not ss
-    EXPECT_NE(CString(L"i").CompareNoCase(L"\x0130"), 0);   // nor is the dotted capital an i
-    EXPECT_LT(CString(L"a").CompareNoCase(L"B"), 0);
-    EXPECT_GT(CString(L"ab").CompareNoCase(L"A"), 0);
-    EXPECT_GT(CString(L"a").CompareNoCase(kNull), 0);
-    // The table is that for capitals: what stands between capitals and small letters is above both, the capital sharp s
-    // (1E9E) is not the small one (DF), and Cherokee, whose small letters came later, is one.
-    EXPECT_GT(CString(L"_").CompareNoCase(L"a"), 0);
-    EXPECT_GT(CString(L"^").CompareNoCase(L"Z"), 0);
-    EXPECT_NE(CString(L"\x1E9E").CompareNoCase(L"\x00DF"), 0);
-}
-
-// By the texts and not by their addresses, whichever side is the object.
-TEST(CString, HasOneOrderInAllComparisons) {
+TEST(CString, HasOneOrderWhicheverSideIsTheObjectAndAnotherByTheTableForCapitals) {
     const wchar_t* const ordered[] = {L"", L"A", L"Aa", L"B", L"_", L"a", L"ab", L"b", L"\xFFFD"};
+    const auto six = [](const auto& a, const auto& b) { return std::array{a == b, a != b, a<b, a> b, a <= b, a >= b}; };
     for (const auto& left : ordered) {
         for (const auto& right : ordered) {
-            const CString a = left;
-            const CString b = right;
-            const auto order = &left <=> &right;
-            for (const bool equal : {a == b, a == right, left == b}) EXPECT_EQ(equal, order == 0) << left << right;
-            for (const bool unequal : {a != b, a != right, left != b}) EXPECT_EQ(unequal, order != 0) << left << right;
-            for (const bool below : {a < b, a < right, left < b}) EXPECT_EQ(below, order < 0) << left << right;
-            for (const bool above : {a > b, a > right, left > b}) EXPECT_EQ(above, order > 0) << left << right;
-            for (const bool notAbove : {a <= b, a <= right, left <= b}) EXPECT_EQ(notAbove, order <= 0) << left;
-            for (const bool notBelow : {a >= b, a >= right, left >= b}) EXPECT_EQ(notBelow, order >= 0) << left;
+            const auto expected = six(&left, &right);
+            EXPECT_EQ(six(CString(left), CString(right)), expected) << &left - ordered << ", " << &right - ordered;
+            EXPECT_EQ(six(CString(left), right), expected) << &left - ordered << ", " << &right - ordered;
+            EXPECT_EQ(six(left, CString(right)), expected) << &left - ordered << ", " << &right - ordered;
         }
     }
-    std::vector<CString> texts(std::rbegin(ordered), std::rend(ordered));
-    std::sort(texts.begin(), texts.end());
-    EXPECT_TRUE(std::equal(texts.begin(), texts.end(), std::begin(ordered)));
-    EXPECT_EQ((std::set<CString>{L"b", L"a", CString(L"b"), L"a"}).size(), 2u);
-    EXPECT_EQ((std::map<CString, int>{{L"key", 7}}).at(CString(L"key")), 7);
-}
+    const std::set<CString> sorted(std::rbegin(ordered), std::rend(ordered));
+    EXPECT_TRUE(std::equal(sorted.begin(), sorted.end(), std::begin(ordered), std::end(ordered)));
+    EXPECT_EQ(sorted.count(L"ab") + sorted.count(L"AB"), 1u);
 
-TEST(CString, Trims) {
-    EXPECT_EQ(CString(L" \t\r\n a b \v\f").Trim(), L"a b");
-    EXPECT_EQ(CString(L"  a ").TrimLeft(), L"a ");
-    EXPECT_EQ(CString(L"  a ").TrimRight(), L"  a");
-    EXPECT_EQ(CString(L"   ").Trim(), L"");
-    EXPECT_EQ(CString(L"   ").TrimRight(), L"");
-    EXPECT_EQ(CString(L"\\\\a\\b\\").TrimRight(L'\\'), L"\\\\a\\b");
-    EXPECT_EQ(CString(L"\\\\a\\b\\").TrimLeft(L'\\'), L"a\\b\\");
-    EXPECT_EQ(CString(L"\\\\").TrimRight(L'\\'), L"");
-    EXPECT_EQ(CString(L"xyaxy").Trim(L"yx"), L"a");
-    EXPECT_EQ(CString(L" a ").Trim(L""), L" a ");
-    EXPECT_EQ(CString(L" a ").TrimLeft(kNull), L" a ");
-    EXPECT_EQ(CString(L" a ").Trim(L'a'), L" a ");
+    const auto noCase = [](const wchar_t* left, const wchar_t* right) {
+        const int order = CString(left).CompareNoCase(right);
+        return (order > 0) - (order < 0);
+    };
+    EXPECT_EQ((Ints{noCase(L"HKey", L"hKEY"), noCase(L"\x00C4\x0416\x03A9", L"\x00E4\x0436\x03C9"), noCase(L"a", L"B"),
+                    noCase(L"ab", L"A"), noCase(L"a", kNull)}),
+              (Ints{0, 0, -1, 1, 1}));
+    // In no language: a sharp s is not ss, a dotted capital is no i. A capital sharp s is not the small one, and what
+    // stands between capitals and small letters is above both.
+    EXPECT_EQ((Ints{noCase(L"\x00DF", L"ss"), noCase(L"i", L"\x0130"), noCase(L"\x1E9E", L"\x00DF"), noCase(L"_", L"a"),
+                    noCase(L"^", L"Z")}),
+              (Ints{1, -1, 1, 1, 1}));
 }
 
 TEST(CString, FormatsAsTheWindowsRuntimeDoes) {
-    CString text;
-    text.Format(L"%s|%S|%d|%5.2f|%c|%%|%04x|%I64d", L"wide", "narrow", -3, 2.5, L'c', 0xABU, 1LL << 40);
-    EXPECT_EQ(text, L"wide|narrow|-3| 2.50|c|%|00ab|1099511627776");
-    const CString key(L'k', 32000);
-    text.Format(L"<%s>", key.GetString());
-    EXPECT_EQ(text.GetLength(), 32002);
-    EXPECT_EQ(text.Right(2), L"k>");
-    text.Format(L"%s", L"");
-    EXPECT_TRUE(text.IsEmpty());
-    // The old text may be an argument.
-    text = L"once";
-    text.Format(L"%s %s", text.GetString(), L"more");
-    EXPECT_EQ(text, L"once more");
+    CString text = L"once";
+    text.Format(L"%s|%s|%S|%d|%5.2f|%c|%%|%04x|%I64d", text.GetString(), L"w", "n", -3, 2.5, L'c', 0xABU, 1LL << 40);
+    EXPECT_EQ(text, L"once|w|n|-3| 2.50|c|%|00ab|1099511627776");
     EXPECT_THROW(text.Format(kNull), CInvalidArgException*);
-    EXPECT_EQ(text, L"once more");
+    EXPECT_EQ(text.Right(4), L"7776");
+    text.Format(L"<%s>", CString(L'k', 32000).GetString());
+    EXPECT_EQ(text, L'<' + CString(L'k', 32000) + L'>');
 }
 
-TEST(CString, ChangesInPlace) {
+TEST(CString, ChangesInPlaceAndLendsItsBuffer) {
     CString text = L"a-b-c";
-    EXPECT_EQ(text.Replace(L"-", L"--"), 2);
-    EXPECT_EQ(Whole(text), L"a--b--c");
-    EXPECT_EQ(text.Replace(L"---", L"x"), 0);
-    EXPECT_EQ(text.Replace(L"--", kNull), 2);
-    EXPECT_EQ(Whole(text), L"abc");
-    EXPECT_EQ(text.Replace(L"", L"x"), 0);
-    EXPECT_EQ(text.Replace(kNull, L"x"), 0);
+    EXPECT_EQ((Ints{text.Replace(L"-", L"--"), text.Replace(L"---", L"x")}), (Ints{2, 0}));
+    EXPECT_EQ(All({text}), L"a--b--c|");
+    EXPECT_EQ((Ints{text.Replace(L"--", kNull), text.Replace(L"", L"x"), text.Replace(kNull, L"x")}), (Ints{2, 0, 0}));
+    EXPECT_EQ(All({text}), L"abc|");
     text = L"aaaa";
-    EXPECT_EQ(text.Replace(L"aa", L"a"), 2);
-    EXPECT_EQ(Whole(text), L"aa");
-    EXPECT_EQ(text.Remove(L'a'), 2);
-    EXPECT_TRUE(text.IsEmpty());
+    EXPECT_EQ((Ints{text.Replace(L"aa", L"a"), text.Remove(L'a'), text.GetLength()}), (Ints{2, 2, 0}));
+    text = L"a text that is long enough to live on the heap";
+    text = text.GetString() + 2;  // pieces of itself
+    text += text.GetString() + 40;
+    text.Append(text.GetString(), 4);
+    text += text;
+    EXPECT_EQ(All({text.Left(52), text.Mid(52)}),
+              All({L"text that is long enough to live on the heapheaptext", text.Left(52)}));
 
-    EXPECT_EQ(CString(L"a\x00E4Z").MakeUpper(), L"A\x00C4Z");
-    EXPECT_EQ(CString(L"A\x00C4z").MakeLower(), L"a\x00E4z");
-    EXPECT_EQ(CString().MakeUpper(), L"");
-}
-
-TEST(CString, LendsItsBuffer) {
-    CString text = L"abc";
-    wchar_t* buffer = text.GetBuffer(10);
+    text = L"abc";
+    wchar_t* const buffer = text.GetBuffer(10);
     EXPECT_STREQ(buffer, L"abc");
-    for (int i = 0; i < 10; ++i) buffer[i] = L'z';
+    std::fill_n(buffer, 10, L'z');
     buffer[4] = L'\0';
     text.ReleaseBuffer();
-    EXPECT_EQ(text, L"zzzz");
-
     text.GetBuffer(2)[0] = L'y';  // no smaller than the text
     text.ReleaseBuffer();
-    EXPECT_EQ(text, L"yzzz");
-
-    buffer = text.GetBufferSetLength(6);
-    buffer[4] = L'5';
-    buffer[5] = L'6';
+    EXPECT_EQ(All({text}), L"yzzz|");
+    std::fill_n(text.GetBufferSetLength(6) + 4, 2, L'5');
     text.ReleaseBuffer(5);
-    EXPECT_EQ(text, L"yzzz5");
+    const CString copy = text;
+    text.GetBuffer()[0] = L'!';
+    EXPECT_EQ(All({copy, text}), L"yzzz5|!zzz5|");
     EXPECT_THROW(text.ReleaseBuffer(6), CInvalidArgException*);
     EXPECT_THROW(text.GetBuffer(-1), CInvalidArgException*);
     EXPECT_THROW(text.GetBufferSetLength(-1), CInvalidArgException*);
-
-    // A copy made before is not written through.
-    const CString copy = text;
-    text.GetBuffer()[0] = L'!';
-    text.ReleaseBuffer();
-    EXPECT_EQ(copy, L"yzzz5");
-    EXPECT_EQ(text, L"!zzz5");
 }

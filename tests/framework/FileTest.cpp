@@ -1,106 +1,142 @@
-#include <afx.h>
+// Files on the disk and in memory, what their exceptions tell, and the threads that work with them.
+#include <afxwin.h>
 
-#include <filesystem>
-#include <fstream>
+#include <cstdlib>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <string>
 
 #include "support/FileBytes.h"
+#include "support/ImportPatch.h"
 #include "support/ScopedTestDir.h"
 
-TEST(File, WritesReadsAndSeeks) {
+TEST(File, OpensReadsWritesAndShares) {
     const ScopedTestDir dir;
     const std::wstring path = dir.Path(L"data.bin");
-    {
-        CFile file(path.c_str(), CFile::modeCreate | CFile::modeReadWrite | CFile::shareExclusive);
-        file.Write("hello\r\n\0end", 11);
-        EXPECT_EQ(file.GetPosition(), 11U);
-        EXPECT_EQ(file.Seek(-3, CFile::end), 8U);
-        char tail[10] = {};
-        EXPECT_EQ(file.Read(tail, sizeof(tail)), 3U);
-        EXPECT_STREQ(tail, "end");
-        EXPECT_EQ(file.Read(tail, sizeof(tail)), 0U);
-        EXPECT_EQ(file.Seek(0, CFile::begin), 0U);
-        file.Write("J", 1);
-        file.Write(nullptr, 0);
-        EXPECT_EQ(file.Seek(1, CFile::current), 2U);
-        EXPECT_EQ(file.SeekToEnd(), 11U);
-        EXPECT_EQ(file.GetLength(), 11U);
-        EXPECT_EQ(file.GetFileName(), L"data.bin");
-        EXPECT_EQ(file.GetFilePath(), path.c_str());
-    }
+    const auto opens = [&](UINT flags) { return CFile().Open(path.c_str(), flags) != FALSE; };
+    constexpr UINT kKeep = CFile::modeCreate | CFile::modeNoTruncate | CFile::modeWrite;
+    EXPECT_FALSE(opens(CFile::modeWrite));
+    EXPECT_TRUE(opens(kKeep));
+    CFile file(path.c_str(), CFile::modeReadWrite);
+    char tail[10] = {};
+    file.Write("hello\r\n\0end", 11);
+    EXPECT_EQ(file.Seek(-3, CFile::end), 8U);
+    EXPECT_EQ(file.Read(tail, sizeof(tail)), 3U);
+    EXPECT_STREQ(tail, "end");
+    file.SeekToBegin();
+    file.Write("J", 1);
+    EXPECT_EQ(file.Seek(1, CFile::current) + file.GetPosition() + file.SeekToEnd() + file.GetLength(),
+              2U + 2 + 11 + 11);
+    EXPECT_EQ(CauseOf([&] { file.Seek(-1, CFile::begin); }), CFileException::badSeek);
+    EXPECT_EQ(file.GetFileName() + L'|' + file.GetFilePath(), CString(L"data.bin|") + path.c_str());
+    file.Close();
+    file.Close();
+    EXPECT_EQ(file.m_hFile, CFile::hFileNull);
+    EXPECT_EQ(CauseOf([&] { file.Write("x", 1); }), CFileException::invalidFile);
+    EXPECT_TRUE(opens(kKeep) && file.Open(path.c_str(), CFile::modeWrite));
+    EXPECT_EQ(CauseOf([&] { file.Read(tail, 1); }), CFileException::accessDenied);
+    file.Close();
     EXPECT_EQ(BytesOf(path), std::string("Jello\r\n\0end", 11));
-}
-
-TEST(File, TheFlagsDecideWhatIsThereAfterOpening) {
-    const ScopedTestDir dir;
-    const std::wstring path = dir.Path(L"kept.txt");
-    std::ofstream(std::filesystem::path(path)) << "old";
-    CFile(path.c_str(), CFile::modeCreate | CFile::modeNoTruncate | CFile::modeWrite);
-    EXPECT_EQ(BytesOf(path), "old");
-    CFile(path.c_str(), CFile::modeWrite);
-    EXPECT_EQ(BytesOf(path), "old");
-    CFile(path.c_str(), CFile::modeCreate | CFile::modeWrite);
+    EXPECT_TRUE(opens(CFile::modeCreate | CFile::modeWrite));
     EXPECT_EQ(BytesOf(path), "");
-    const std::wstring fresh = dir.Path(L"fresh.txt");
-    EXPECT_FALSE(CFile().Open(fresh.c_str(), CFile::modeWrite));
-    EXPECT_TRUE(CFile().Open(fresh.c_str(), CFile::modeCreate | CFile::modeNoTruncate | CFile::modeWrite));
-}
-
-TEST(File, SharesAsTheFirstOneAllows) {
-    const ScopedTestDir dir;
-    const std::wstring path = dir.Path(L"shared.txt");
-    const struct {
-        UINT share;
-        bool mayRead;
-        bool mayWrite;
-    } rows[] = {{CFile::shareExclusive, false, false},
-                {CFile::shareDenyWrite, true, false},
-                {CFile::shareDenyRead, false, true},
-                {CFile::shareDenyNone, true, true}};
-    for (const auto& row : rows) {
-        const CFile first(path.c_str(), CFile::modeCreate | CFile::modeReadWrite | row.share);
-        EXPECT_EQ(CFile().Open(path.c_str(), CFile::modeRead | CFile::shareDenyNone) != FALSE, row.mayRead)
-            << row.share;
-        EXPECT_EQ(CFile().Open(path.c_str(), CFile::modeWrite | CFile::shareDenyNone) != FALSE, row.mayWrite)
-            << row.share;
+    for (const UINT share :
+         {CFile::shareExclusive, CFile::shareDenyWrite, CFile::shareDenyRead, CFile::shareDenyNone}) {
+        const CFile first(path.c_str(), CFile::modeReadWrite | share);
+        const bool deniesBoth = share == CFile::shareExclusive;
+        EXPECT_NE(opens(CFile::modeRead | CFile::shareDenyNone), deniesBoth || share == CFile::shareDenyRead) << share;
+        EXPECT_NE(opens(CFile::modeWrite | CFile::shareDenyNone), deniesBoth || share == CFile::shareDenyWrite)
+            << share;
     }
 }
 
 TEST(File, TellsWhyItCannotBeOpened) {
     const ScopedTestDir dir;
-    const std::wstring missing = dir.Path(L"none.txt");
-    CFile file;
+    const CFile held(dir.Path(L"held").c_str(), CFile::modeCreate | CFile::modeWrite | CFile::shareExclusive);
+    const struct {
+        std::wstring path;
+        int cause;
+        LONG error;
+    } rows[] = {{dir.Path(L"none"), CFileException::fileNotFound, ERROR_FILE_NOT_FOUND},
+                {dir.Path(L"no\\none"), CFileException::badPath, ERROR_PATH_NOT_FOUND},
+                {dir.Path(), CFileException::accessDenied, ERROR_ACCESS_DENIED},
+                {dir.Path(L"held"), CFileException::sharingViolation, ERROR_SHARING_VIOLATION}};
     CFileException problem;
-    EXPECT_FALSE(file.Open(missing.c_str(), CFile::modeRead, &problem));
-    EXPECT_EQ(problem.m_cause, CFileException::fileNotFound);
-    EXPECT_EQ(problem.m_lOsError, ERROR_FILE_NOT_FOUND);
-    EXPECT_EQ(problem.m_strFileName, missing.c_str());
-    EXPECT_EQ(file.m_hFile, CFile::hFileNull);
-    wchar_t text[200];
-    EXPECT_TRUE(problem.GetErrorMessage(text, 200));
-    EXPECT_NE(text[0], L'\0');
+    for (const auto& [path, cause, error] : rows) {
+        EXPECT_FALSE(CFile().Open(path.c_str(), CFile::modeRead, &problem) || CFile().Open(path.c_str(), 0));
+        EXPECT_EQ(problem.m_cause, cause);
+        EXPECT_EQ(problem.m_lOsError, error);
+        EXPECT_EQ(problem.m_strFileName, path.c_str());
+        EXPECT_EQ(CauseOf([&name = path] { CFile(name.c_str(), CFile::modeRead); }), cause);
+    }
+    wchar_t text[] = L"xxxxxx";
     EXPECT_TRUE(problem.GetErrorMessage(text, 5));
-    EXPECT_EQ(std::wstring(text).size(), 4U);
-
-    EXPECT_FALSE(file.Open(dir.Path(L"no\\none.txt").c_str(), CFile::modeRead, &problem));
-    EXPECT_EQ(problem.m_cause, CFileException::badPath);
-    EXPECT_FALSE(file.Open(dir.Path().c_str(), CFile::modeRead, &problem));
-    EXPECT_EQ(problem.m_cause, CFileException::accessDenied);
-    EXPECT_FALSE(file.Open(missing.c_str(), CFile::modeRead));
-    EXPECT_EQ(CauseOf([&] { CFile(missing.c_str(), CFile::modeRead); }), CFileException::fileNotFound);
+    EXPECT_EQ(std::wstring(text).size(), 4U) << "cut to the buffer";
+    EXPECT_TRUE(CInvalidArgException().GetErrorMessage(text, 4));
+    EXPECT_EQ(std::wstring(text, 6), std::wstring(L"An \0\0x", 6));
+    EXPECT_FALSE(problem.GetErrorMessage(nullptr, 10) || problem.GetErrorMessage(text, 0) ||
+                 CUserException().GetErrorMessage(text, 6));
+    EXPECT_STREQ(text, L"");
 }
 
-TEST(File, AClosedOrReadOnlyFileRefuses) {
-    const ScopedTestDir dir;
-    CFile file(dir.Path(L"a.txt").c_str(), CFile::modeCreate | CFile::modeWrite);
-    char byte = 0;
-    EXPECT_EQ(CauseOf([&] { file.Read(&byte, 1); }), CFileException::accessDenied);
-    EXPECT_EQ(CauseOf([&] { file.Seek(-1, CFile::begin); }), CFileException::badSeek);
+TEST(MemFile, GrowsIsFilledInPlaceAndHandsItsBufferOver) {
+    CMemFile file(8);
+    void* start = nullptr;
+    void* end = nullptr;
+    const auto rest = [&] {
+        file.GetBufferPtr(CFile::bufferRead, 100, &start, &end);
+        return std::string(static_cast<char*>(start), static_cast<char*>(end));
+    };
+    file.Write("gggggggggggggggg", 16);
+    file.SetLength(0);  // the bytes are lost, the memory stays
+    file.Write("0123456789", 10);
+    file.Seek(2, CFile::end);
+    EXPECT_EQ(file.GetLength(), 10U);
+    file.Write("x", 1);
+    file.Seek(-9, CFile::current);
+    file.Write("ab", 2);
+    char got[4] = {};
+    EXPECT_EQ(file.Read(got, 4), 4U);
+    EXPECT_EQ(std::string(got, 4) + rest() + rest(), std::string("6789\0\0x", 7));
+    EXPECT_EQ(file.Read(got, 1), 0U);
+    EXPECT_EQ(CauseOf([&] { file.Seek(-14, CFile::end); }), CFileException::badSeek);
+    EXPECT_EQ(file.GetBufferPtr(CFile::bufferWrite, 2000, &start, &end), 2000U);
+    std::memset(start, 't', 2000);
+    file.GetBufferPtr(CFile::bufferCommit, 3, nullptr, nullptr);
+    EXPECT_EQ(file.GetLength() + file.GetPosition(), 32U);
+    file.SetLength(14);
+    file.SetLength(15);
+    file.SeekToBegin();
+    EXPECT_EQ(rest(), std::string("0123ab6789\0\0xt\0", 15));
+    std::free(file.Detach());
+    EXPECT_EQ(file.GetLength() + file.GetPosition(), 0U);
     file.Close();
-    file.Close();
-    EXPECT_EQ(file.m_hFile, CFile::hFileNull);
-    EXPECT_EQ(CauseOf([&] { file.Write("x", 1); }), CFileException::invalidFile);
-    EXPECT_EQ(CauseOf([&] { static_cast<void>(file.GetLength()); }), CFileException::invalidFile);
-    EXPECT_EQ(BytesOf(dir.Path(L"a.txt")), "");
+    EXPECT_TRUE(Throws<CMemoryException>([&] { file.Write("x", 1); })) << "a closed one cannot grow";
+}
+
+TEST(WinThread, RunsInTheCallersModuleStateAndItsObjectEndsWithIt) {
+    static CWinThread* s_object = nullptr;
+    static AFX_MODULE_STATE* s_state = nullptr;
+    static int s_closed = 0;
+    const ImportPatch<decltype(&CloseHandle)> patch(LoadedModule(L"framework.dll"), "CloseHandle",
+                                                    [](HANDLE handle) { return ++s_closed, CloseHandle(handle); });
+    AFX_MODULE_STATE state(nullptr);
+    AFX_MANAGE_STATE(&state)
+    const AFX_THREADPROC procedure = [](LPVOID parameter) -> UINT {
+        s_object = AfxGetThread();
+        s_state = AfxGetModuleState();
+        return *static_cast<UINT*>(parameter);
+    };
+    UINT code = 7;
+    CWinThread* const thread = AfxBeginThread(procedure, &code, THREAD_PRIORITY_NORMAL, 0, CREATE_SUSPENDED);
+    HANDLE handle = nullptr;
+    DuplicateHandle(GetCurrentProcess(), thread->m_hThread, GetCurrentProcess(), &handle, 0, FALSE,
+                    DUPLICATE_SAME_ACCESS);
+    ResumeThread(handle);
+    DWORD exitCode = 0;
+    EXPECT_EQ(WaitForSingleObject(handle, INFINITE), WAIT_OBJECT_0);
+    GetExitCodeThread(handle, &exitCode);
+    CloseHandle(handle);
+    EXPECT_EQ(exitCode, 7U);
+    EXPECT_TRUE(s_object == thread && s_state == &state && AfxGetThread() == nullptr);
+    EXPECT_EQ(s_closed, 1);
 }

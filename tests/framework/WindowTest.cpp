@@ -1,229 +1,207 @@
+#include <afxcmn.h>
 #include <afxwin.h>
 
+#include <functional>
 #include <gtest/gtest.h>
 #include <stdexcept>
 #include <thread>
 
-#include "framework/WindowTestApp.h"
+#include "framework/FrameworkTest.h"
 #include "support/ImportPatch.h"
 
 namespace {
 
+constexpr UINT kCode = 0x77;
+constexpr UINT kChildId = 40;
+
+// A window that counts its life, does what the test says with WM_APP and WM_PAINT, and handles the commands and
+// notifications of a child.
 class CCounted : public CWnd {
 public:
     int m_createResult = 0;
     int m_created = 0;
     int m_ended = 0;
-    HINSTANCE m_instance = nullptr;
+    int m_commands = 0;
+    std::function<void()> m_work;
 
 protected:
     void PostNcDestroy() override { ++m_ended; }
+    LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
+        const std::function<void()> work = m_work;  // which may replace itself
+        if ((message == WM_APP || message == WM_PAINT) && work) work();
+        return CWnd::WindowProc(message, wParam, lParam);
+    }
     afx_msg int OnCreate(CREATESTRUCTW* create) {
         ++m_created;
         EXPECT_EQ(FromHandlePermanent(m_hWnd), this);
         return CWnd::OnCreate(create) == -1 ? -1 : m_createResult;
     }
-    afx_msg void OnSize(UINT, int, int) { m_instance = AfxGetInstanceHandle(); }
+    afx_msg void OnCommand() { ++m_commands; }
+    afx_msg void OnCode(NMHDR*, LRESULT* result) { *result = 22; }
     DECLARE_MESSAGE_MAP()
 };
 
 BEGIN_MESSAGE_MAP(CCounted, CWnd)
 ON_WM_CREATE()
-ON_WM_SIZE()
+ON_CONTROL(5, kChildId, &CCounted::OnCommand)
+ON_NOTIFY(kCode, kChildId, &CCounted::OnCode)
+ON_NOTIFY(LVN_INSERTITEM, kChildId, &CCounted::OnCode)
 END_MESSAGE_MAP()
 
-BOOL CreateHidden(CWnd& window, LPCWSTR title = L"") {
-    return window.CreateEx(0, nullptr, title, WS_POPUP, CRect(10, 20, 110, 70), nullptr, 0);
+class CReflecting : public CStatic {
+protected:
+    afx_msg void OnCode(NMHDR*, LRESULT* result) { *result = AfxGetInstanceHandle() == nullptr ? 21 : 0; }
+    DECLARE_MESSAGE_MAP()
+};
+
+BEGIN_MESSAGE_MAP(CReflecting, CStatic)
+ON_NOTIFY_REFLECT(kCode, &CReflecting::OnCode)
+END_MESSAGE_MAP()
+
+HWND CreateBareChild(HWND parent, LPCWSTR className) {
+    return ::CreateWindowExW(0, className, L"before", WS_CHILD, 0, 0, 50, 20, parent, nullptr, nullptr, nullptr);
 }
 
-HWND CreateBareEdit(HWND parent) {
-    return ::CreateWindowExW(0, L"EDIT", L"before", WS_CHILD, 0, 0, 50, 20, parent, nullptr, nullptr, nullptr);
-}
+// Every test leaves as many bound windows as it found.
+class Window : public testing::Test {
+protected:
+    ~Window() override { EXPECT_EQ(CWnd::PermanentCountForTesting(), m_before); }
 
-WNDPROC ProcedureOf(HWND window) {
-    return reinterpret_cast<WNDPROC>(::GetWindowLongPtrW(window, GWLP_WNDPROC));
-}
+    const size_t m_before = CWnd::PermanentCountForTesting();
+};
 
 }  // namespace
 
-TEST(Window, IsBoundFromItsFirstMessageToItsLast) {
-    const size_t before = CWnd::PermanentCountForTesting();
+TEST_F(Window, IsBoundFromItsFirstMessageToItsLastAndARefusedOneNotAtAll) {
     CCounted window;
-    ASSERT_TRUE(CreateHidden(window));
-    EXPECT_EQ(window.m_created, 1);
-    EXPECT_EQ(CWnd::PermanentCountForTesting(), before + 1);
-    const HWND handle = window;
-    EXPECT_EQ(CWnd::FromHandle(handle), &window);
-    EXPECT_TRUE(window.DestroyWindow());
-    EXPECT_EQ(window.m_ended, 1);
-    EXPECT_EQ(window.m_hWnd, nullptr);
-    EXPECT_FALSE(::IsWindow(handle));
-    EXPECT_FALSE(window.DestroyWindow());
-    ASSERT_TRUE(CreateHidden(window));  // an object may have one window after the other
-    EXPECT_EQ(window.m_created, 2);
-    ::DestroyWindow(window);
-    EXPECT_EQ(window.m_ended, 2);
-    EXPECT_EQ(CWnd::PermanentCountForTesting(), before);
+    for (const int round : {1, 2}) {  // an object may have one window after the other
+        ASSERT_TRUE(CreateHidden(window));
+        const HWND handle = window;
+        EXPECT_EQ(window.m_created, round);
+        EXPECT_EQ(CWnd::FromHandle(handle), &window);
+        std::thread([&] { EXPECT_EQ(CWnd::FromHandlePermanent(handle), nullptr) << "on another thread"; }).join();
+        EXPECT_TRUE(round == 1 ? window.DestroyWindow() : ::DestroyWindow(handle));
+        EXPECT_TRUE(window.m_ended == round && window.m_hWnd == nullptr);
+        EXPECT_FALSE(::IsWindow(handle) || window.DestroyWindow());
+    }
+    window.m_createResult = -1;
+    EXPECT_FALSE(CreateHidden(window));
+    EXPECT_FALSE(window.CreateEx(0, L"No such class", L"", WS_POPUP, CRect(), nullptr, 0));
+    EXPECT_TRUE(window.m_ended == 4 && window.m_hWnd == nullptr);
+    const HWND next = CreateBareChild(::GetDesktopWindow(), L"EDIT");
+    EXPECT_EQ(CWnd::FromHandlePermanent(next), nullptr) << "what waited for that window does not catch the next one";
+    ::DestroyWindow(next);
 }
 
-TEST(Window, IsNotTheInputMethodWindowThatTheSystemMakesBeforeIt) {
+TEST_F(Window, IsNotTheInputMethodWindowThatTheSystemMakesBeforeIt) {
     static HWND s_first = nullptr;
     const ImportPatch<decltype(&CreateWindowExW)> patch(
         LoadedModule(L"framework.dll"), "CreateWindowExW",
-        [](DWORD exStyle, LPCWSTR className, LPCWSTR title, DWORD style, int x, int y, int width, int height,
-           HWND parent, HMENU menu, HINSTANCE instance, LPVOID parameter) {
-            s_first = ::CreateWindowExW(0, L"IME", L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
-            return ::CreateWindowExW(exStyle, className, title, style, x, y, width, height, parent, menu, instance,
-                                     parameter);
+        [](DWORD, LPCWSTR name, LPCWSTR, DWORD style, int, int, int, int, HWND, HMENU, HINSTANCE module, LPVOID) {
+            const auto create = [&](LPCWSTR className) {
+                return ::CreateWindowExW(0, className, L"", style, 0, 0, 9, 9, nullptr, nullptr, module, nullptr);
+            };
+            s_first = create(L"IME");
+            return create(name);
         });
-    CWnd window;
-    ASSERT_TRUE(CreateHidden(window, L"ours"));
-    ASSERT_NE(s_first, nullptr);
-    EXPECT_EQ(CWnd::FromHandlePermanent(s_first), nullptr);
-    CString title;
-    window.GetWindowText(title);
-    EXPECT_EQ(title, L"ours");
+    CCounted window;
+    ASSERT_TRUE(CreateHidden(window));
+    EXPECT_TRUE(s_first != nullptr && CWnd::FromHandlePermanent(s_first) == nullptr && window.m_created == 1);
     ::DestroyWindow(s_first);
 }
 
-TEST(Window, ARefusedCreationLeavesNothingBehind) {
-    const size_t before = CWnd::PermanentCountForTesting();
+TEST_F(Window, HasATemporaryObjectUntilItIsSubclassedAndEndsItWithTheHandler) {
     CCounted window;
-    window.m_createResult = -1;
-    EXPECT_FALSE(CreateHidden(window));
-    EXPECT_EQ(window.m_hWnd, nullptr);
-    EXPECT_EQ(window.m_ended, 1);
-
-    CCounted unknownClass;
-    EXPECT_FALSE(unknownClass.CreateEx(0, L"No such class", L"", WS_POPUP, CRect(), nullptr, 0));
-    EXPECT_EQ(unknownClass.m_ended, 1);
-    // The binding that was waiting for that window does not catch the next one.
-    const HWND next = CreateBareEdit(::GetDesktopWindow());
-    EXPECT_EQ(CWnd::FromHandlePermanent(next), nullptr);
-    ::DestroyWindow(next);
-    EXPECT_EQ(CWnd::PermanentCountForTesting(), before);
-}
-
-TEST(Window, SubclassingPutsTheMapBeforeTheOldProcedure) {
-    CCounted parent;
-    ASSERT_TRUE(CreateHidden(parent));
-    const HWND bare = CreateBareEdit(parent);
-    const WNDPROC own = ProcedureOf(bare);
-    CCounted edit;
-    ASSERT_TRUE(edit.SubclassWindow(bare));
-    EXPECT_NE(ProcedureOf(bare), own);
-    edit.MoveWindow(0, 0, 60, 20);
-    EXPECT_NE(edit.m_instance, nullptr);
-    CString text;
-    edit.GetWindowText(text);
-    EXPECT_EQ(text, L"before");
-
     CWnd second;
-    EXPECT_FALSE(second.SubclassWindow(bare));  // a window has one object
-    EXPECT_FALSE(edit.SubclassWindow(parent));  // and an object one window
-    EXPECT_FALSE(second.SubclassWindow(nullptr));
-    EXPECT_EQ(second.m_hWnd, nullptr);
-
-    ::DestroyWindow(bare);
-    EXPECT_EQ(edit.m_hWnd, nullptr);
-    EXPECT_EQ(edit.m_ended, 1);
-}
-
-TEST(Window, ForAWindowWithoutAnObjectThereIsATemporaryOne) {
-    const size_t before = CWnd::PermanentCountForTesting();
-    CWnd parent;
-    ASSERT_TRUE(CreateHidden(parent));
-    const HWND bare = CreateBareEdit(parent);
-    CWnd* const temporary = CWnd::FromHandle(bare);
-    ASSERT_NE(temporary, nullptr);
-    EXPECT_EQ(temporary->m_hWnd, bare);
-    EXPECT_EQ(CWnd::FromHandle(bare), temporary);
-    EXPECT_EQ(CWnd::FromHandlePermanent(bare), nullptr);
-    EXPECT_EQ(temporary->GetParent(), &parent);
-    EXPECT_EQ(CWnd::FromHandle(nullptr), nullptr);
-    EXPECT_EQ(CWnd::PermanentCountForTesting(), before + 1);
-    CEdit edit;
+    CCounted edit;
+    ASSERT_TRUE(CreateHidden(window));
+    const HWND bare = CreateBareChild(window, L"EDIT");
+    const size_t before = CWnd::TemporaryCountForTesting();
+    window.m_work = [&] {
+        CWnd* const held = CWnd::FromHandle(bare);
+        ASSERT_NE(held, nullptr);
+        EXPECT_TRUE(held->m_hWnd == bare && held->GetParent() == &window);
+        EXPECT_TRUE(CWnd::FromHandlePermanent(bare) == nullptr && CWnd::FromHandle(nullptr) == nullptr);
+        window.m_work = [] { CWnd::FromHandle(::GetDesktopWindow()); };
+        window.SendMessage(WM_APP);
+        EXPECT_EQ(CWnd::FromHandle(bare), held) << "survives an inner handler";
+        EXPECT_EQ(CWnd::TemporaryCountForTesting(), before + 1);
+    };
+    window.SendMessage(WM_APP);
+    EXPECT_EQ(CWnd::TemporaryCountForTesting(), before);
     ASSERT_TRUE(edit.SubclassWindow(bare));
     EXPECT_EQ(CWnd::FromHandle(bare), &edit);
+    EXPECT_FALSE(second.SubclassWindow(bare)) << "a window has one object";
+    EXPECT_FALSE(edit.SubclassWindow(window)) << "and an object one window";
+    EXPECT_FALSE(second.SubclassWindow(nullptr));
+    CString text;
+    edit.GetWindowText(text);
+    EXPECT_EQ(text, L"before") << "what the map does not handle goes to the old procedure";
+    ::DestroyWindow(bare);
+    EXPECT_TRUE(edit.m_hWnd == nullptr && edit.m_ended == 1);
 }
 
-TEST(Window, ObjectsAreFoundOnTheirOwnThreadOnly) {
-    CWnd window;
+TEST_F(Window, ReflectsNotificationsToAnObjectInItsOwnModuleState) {
+    AFX_MODULE_STATE childState(nullptr);
+    CCounted parent;
+    CReflecting child;
+    ASSERT_TRUE(CreateHidden(parent));
+    {
+        AFX_MANAGE_STATE(&childState)
+        ASSERT_TRUE(child.CWnd::Create(L"STATIC", L"", WS_CHILD, CRect(0, 0, 9, 9), &parent, kChildId));
+    }
+    const HWND bare = CreateBareChild(parent, L"STATIC");
+    const auto notify = [&](int code, HWND sender, UINT id = kChildId) {
+        NMHDR header{sender, id, static_cast<UINT>(code)};
+        return parent.SendMessage(WM_NOTIFY, id, reinterpret_cast<LPARAM>(&header));
+    };
+    EXPECT_EQ(notify(kCode, child), 21);
+    EXPECT_EQ(notify(LVN_INSERTITEM, child), 22) << "the child has no handler";
+    EXPECT_EQ(notify(kCode, bare) + notify(kCode, nullptr), 44);
+    EXPECT_EQ(notify(kCode, bare, kChildId + 1), 0);
+    parent.SendMessage(WM_COMMAND, MAKEWPARAM(kChildId, 5), reinterpret_cast<LPARAM>(bare));
+    EXPECT_EQ(parent.m_commands, 1);
+    const CClientDC context(&parent);
+    const auto dc = reinterpret_cast<WPARAM>(context.m_hDC);
+    EXPECT_EQ(parent.SendMessage(WM_CTLCOLORSTATIC, dc, reinterpret_cast<LPARAM>(bare)),
+              ::DefWindowProcW(parent, WM_CTLCOLORSTATIC, dc, 0));
+}
+
+TEST_F(Window, WhatAHandlerThrowsOutsideOfADialogIsToldToTheUserAndEndsThere) {
+    CCounted window;
     ASSERT_TRUE(CreateHidden(window));
-    std::thread([&] { EXPECT_EQ(CWnd::FromHandlePermanent(window), nullptr); }).join();
-    EXPECT_EQ(CWnd::FromHandlePermanent(window), &window);
+    const std::function<void()> works[] = {[] { AfxThrowUserException(); },  // whoever throws it has told already
+                                           [] { AfxThrowInvalidArgException(); },
+                                           [] { throw std::runtime_error("standard"); }, [] { throw 7; }};
+    theFrameworkTestApp.m_boxes.clear();
+    for (const auto& work : works) {
+        window.m_work = work;
+        EXPECT_EQ(window.SendMessage(WM_APP), 0);
+    }
+    ASSERT_EQ(theFrameworkTestApp.m_boxes.size(), 3u);
+    EXPECT_EQ(theFrameworkTestApp.m_boxes[0] + theFrameworkTestApp.m_boxes[1], L"An argument is not valid.standard");
+    window.m_work = works[0];
+    window.ShowWindow(SW_SHOWNA);
+    window.InvalidateRect(nullptr);
+    window.UpdateWindow();
+    EXPECT_FALSE(::GetUpdateRect(window, nullptr, FALSE)) << "a paint that failed does not come again at once";
 }
 
-TEST(Window, WhatAHandlerThrowsOutsideOfADialogIsToldToTheUserAndEndsThere) {
-    class CThrower : public CWnd {
-    public:
-        int m_kind = 0;
-
-    protected:
-        LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
-            if (message != WM_APP) return CWnd::WindowProc(message, wParam, lParam);
-            if (m_kind == 0) AfxThrowUserException();
-            if (m_kind == 1) AfxThrowInvalidArgException();
-            if (m_kind == 2) throw std::runtime_error("standard");
-            throw 7;
-        }
-    } window;
-    ASSERT_TRUE(CreateHidden(window));
-    theWindowTestApp.m_boxes.clear();
-    for (window.m_kind = 0; window.m_kind < 4; ++window.m_kind) EXPECT_EQ(window.SendMessage(WM_APP), 0);
-    ASSERT_EQ(theWindowTestApp.m_boxes.size(), 3u);  // whoever throws a user exception has told already
-    EXPECT_FALSE(theWindowTestApp.m_boxes[0].IsEmpty());
-    EXPECT_EQ(theWindowTestApp.m_boxes[1], L"standard");
-    EXPECT_NE(theWindowTestApp.m_boxes[2], theWindowTestApp.m_boxes[0]);
-}
-
-TEST(Window, AMessageBoxOfTheUsualKindsHasAnIcon) {
+TEST_F(Window, AMessageBoxOfTheUsualKindsHasAnIcon) {
     static UINT s_type = 0;
     const ImportPatch<decltype(&MessageBoxW)> patch(LoadedModule(L"framework.dll"), "MessageBoxW",
                                                     [](HWND, LPCWSTR, LPCWSTR, UINT type) -> int {
                                                         s_type = type;
-                                                        return IDOK;
+                                                        return IDNO;
                                                     });
-    const struct {
-        UINT type;
-        UINT shown;
-    } cases[] = {{MB_OK, MB_OK | MB_ICONEXCLAMATION},
-                 {MB_OKCANCEL | MB_DEFBUTTON2, MB_OKCANCEL | MB_DEFBUTTON2 | MB_ICONEXCLAMATION},
-                 {MB_YESNO, MB_YESNO | MB_ICONEXCLAMATION},
-                 {MB_YESNOCANCEL, MB_YESNOCANCEL | MB_ICONEXCLAMATION},
-                 {MB_RETRYCANCEL, MB_RETRYCANCEL},
-                 {MB_ABORTRETRYIGNORE, MB_ABORTRETRYIGNORE},
-                 {MB_YESNO | MB_ICONQUESTION, MB_YESNO | MB_ICONQUESTION},
-                 {MB_OK | MB_ICONSTOP, MB_OK | MB_ICONSTOP}};
     AFX_MODULE_STATE withoutApp(nullptr);
-    for (const auto& [type, shown] : cases) {
-        EXPECT_EQ(theWindowTestApp.CWinApp::DoMessageBox(L"", type, 0), IDOK);
-        EXPECT_EQ(s_type, shown);
+    for (const UINT type : {MB_OK, MB_OKCANCEL | MB_DEFBUTTON2, MB_YESNO, MB_YESNOCANCEL, MB_RETRYCANCEL,
+                            MB_ABORTRETRYIGNORE, MB_YESNO | MB_ICONQUESTION, MB_OK | MB_ICONSTOP}) {
+        const bool isUsual = type != MB_RETRYCANCEL && type != MB_ABORTRETRYIGNORE && (type & MB_ICONMASK) == 0;
+        EXPECT_EQ(theFrameworkTestApp.CWinApp::DoMessageBox(L"", type, 0), IDNO);
+        EXPECT_EQ(std::exchange(s_type, 0), isUsual ? type | MB_ICONEXCLAMATION : type);
         AFX_MANAGE_STATE(&withoutApp)
-        s_type = 0;
-        EXPECT_EQ(AfxMessageBox(L"", type), IDOK);
-        EXPECT_EQ(s_type, shown);
+        EXPECT_EQ(AfxMessageBox(L"", type), IDNO);
+        EXPECT_EQ(s_type, isUsual ? type | MB_ICONEXCLAMATION : type);
     }
-}
-
-TEST(Window, TemporaryObjectsEndWithTheOutermostHandler) {
-    class CAsker : public CWnd {
-    public:
-        size_t m_inside = 0;
-
-    protected:
-        LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
-            if (message == WM_APP) {
-                FromHandle(::GetDesktopWindow());
-                if (wParam == 0) SendMessage(WM_APP, 1);  // what the outer handler holds survives an inner one
-                if (wParam == 0) m_inside = TemporaryCountForTesting();
-            }
-            return CWnd::WindowProc(message, wParam, lParam);
-        }
-    } window;
-    ASSERT_TRUE(CreateHidden(window));
-    const size_t before = CWnd::TemporaryCountForTesting();
-    window.SendMessage(WM_APP);
-    EXPECT_EQ(window.m_inside, before + 1);
-    EXPECT_EQ(CWnd::TemporaryCountForTesting(), before);
 }

@@ -1,14 +1,20 @@
-// A host with an application object and resources of its own, under the library's numbers: each exported member must
-// work in the library's module state and give the host its own back.
+// The library in a host that has an application object and resources of its own under the library's numbers: each
+// exported member works in the library's module state and gives the host its own back. The property page has no way in
+// from outside, so the test has it compiled in; that the library carries it is seen in its image.
 #include <afxwin.h>
 
 #include <functional>
 #include <gtest/gtest.h>
 #include <memory>
+#include <objbase.h>
+#include <psapi.h>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "resources/resource.h"
 #include "rules/RegistryRulesCtrl.h"
+#include "rules/RegistryRulesPropPage.h"
 #include "support/DialogDriver.h"
 #include "support/ImportPatch.h"
 #include "support/Throws.h"
@@ -16,13 +22,7 @@
 
 namespace {
 
-class CTestHostApp : public CWinApp {
-public:
-    CTestHostApp() : CWinApp(L"Test host") {}
-};
-CTestHostApp g_app;
-
-constexpr char SetModuleStateName[] = "_Z17AfxSetModuleStateP16AFX_MODULE_STATE";
+CWinApp g_app(L"Test host");
 
 std::vector<AFX_MODULE_STATE*> g_statesSet;
 
@@ -31,80 +31,113 @@ AFX_MODULE_STATE* NoteState(AFX_MODULE_STATE* state) {
     return AfxSetModuleState(state);
 }
 
-class ModuleState : public testing::Test {
-protected:
-    // Runs one exported member and checks which states it made current on the way.
-    void ExpectLibraryStateDuring(const char* member, const std::function<void()>& call) {
-        SCOPED_TRACE(member);
-        g_statesSet.clear();
-        {
-            const HMODULE library = LoadedModule(L"RegistryRules.dll");
-            const ImportPatch<decltype(&AfxSetModuleState)> patch(library, SetModuleStateName, NoteState);
-            call();
-            ASSERT_GE(g_statesSet.size(), 2u);
-            const AFX_MODULE_STATE* const during = g_statesSet.front();
-            ASSERT_NE(during, nullptr);
-            EXPECT_EQ(during->m_hCurrentResourceHandle, library);
-            ASSERT_NE(during->m_pCurrentWinApp, nullptr);
-            EXPECT_STREQ(during->m_pCurrentWinApp->m_pszAppName, L"Registry Rules");
-        }
-        ExpectHostState();
-    }
+void ExpectHostState() {
+    EXPECT_EQ(AfxGetApp(), &g_app);
+    EXPECT_EQ(AfxGetInstanceHandle(), GetModuleHandleW(nullptr));
+    EXPECT_EQ(AfxGetResourceHandle(), GetModuleHandleW(nullptr));
+    CString name;
+    EXPECT_TRUE(name.LoadString(IDS_APP_NAME));
+    EXPECT_STREQ(name, L"Host's name");
+}
 
-    static void ExpectHostState() {
-        EXPECT_EQ(AfxGetApp(), &g_app);
-        EXPECT_EQ(AfxGetInstanceHandle(), GetModuleHandleW(nullptr));
-        EXPECT_EQ(AfxGetResourceHandle(), GetModuleHandleW(nullptr));
-        CString name;
-        EXPECT_TRUE(name.LoadString(IDS_APP_NAME));
-        EXPECT_STREQ(name, L"Host's name");
+// Runs one exported member and checks which states it made current on the way.
+void ExpectLibraryStateDuring(const char* member, const std::function<void()>& call) {
+    SCOPED_TRACE(member);
+    const HMODULE library = LoadedModule(L"RegistryRules.dll");
+    g_statesSet.clear();
+    {
+        const ImportPatch<decltype(&AfxSetModuleState)> patch(library, "_Z17AfxSetModuleStateP16AFX_MODULE_STATE",
+                                                              NoteState);
+        call();
     }
+    ASSERT_GE(g_statesSet.size(), 2u);
+    const AFX_MODULE_STATE* const during = g_statesSet.front();
+    ASSERT_TRUE(during != nullptr && during->m_pCurrentWinApp != nullptr);
+    EXPECT_EQ(during->m_hCurrentResourceHandle, library);
+    EXPECT_STREQ(during->m_pCurrentWinApp->m_pszAppName, L"Registry Rules");
+    ExpectHostState();
+}
+
+struct OpenPage : CRegistryRulesPropPage {
+    using CRegistryRulesPropPage::factory;
+    using CRegistryRulesPropPage::GetClassID;
 };
 
-TEST_F(ModuleState, EachExportedMemberWorksInTheLibrarysStateAndGivesTheHostItsOwnBack) {
+constexpr wchar_t kClassId[] = L"{3EBF27D3-6DD2-4531-8801-285518173410}";
+
+std::wstring DefaultValue(const std::wstring& path) {
+    wchar_t text[1000] = {};
+    DWORD bytes = sizeof text;
+    RegGetValueW(HKEY_CLASSES_ROOT, (std::wstring(L"CLSID\\") + kClassId + path).c_str(), nullptr, RRF_RT_REG_SZ,
+                 nullptr, text, &bytes);
+    return text;
+}
+
+}  // namespace
+
+TEST(ModuleState, EachExportedMemberWorksInTheLibrarysStateAndGivesTheHostItsOwnBack) {
     ExpectHostState();
     std::unique_ptr<CRegistryRulesCtrl> editor;
     CString key;
     CString value;
     int isBranch = 0;
     long position = 0;
-    ExpectLibraryStateDuring("constructor", [&] { editor = std::make_unique<CRegistryRulesCtrl>(); });
-    ExpectLibraryStateDuring("AddKeyRule", [&] { editor->AddKeyRule(L"HKCU\\a", 1, 0); });
-    ExpectLibraryStateDuring("AddValueRule", [&] { editor->AddValueRule(L"HKCU\\a", L"", 0); });
-    ExpectLibraryStateDuring("GetKeyRuleCount", [&] { editor->GetKeyRuleCount(); });
-    ExpectLibraryStateDuring("GetValueRuleCount", [&] { editor->GetValueRuleCount(); });
-    ExpectLibraryStateDuring("GetKeyRule", [&] { editor->GetKeyRule(0, key, &isBranch, &position); });
-    ExpectLibraryStateDuring("GetValueRule", [&] { editor->GetValueRule(0, key, value, &position); });
+    const auto during = ExpectLibraryStateDuring;
+    during("constructor", [&] { editor = std::make_unique<CRegistryRulesCtrl>(); });
+    during("AddKeyRule", [&] { editor->AddKeyRule(L"HKCU\\a", 1, 0); });
+    during("AddValueRule", [&] { editor->AddValueRule(L"HKCU\\a", L"", 1); });
+    during("GetKeyRuleCount", [&] { editor->GetKeyRuleCount(); });
+    during("GetValueRuleCount", [&] { editor->GetValueRuleCount(); });
+    during("GetKeyRule", [&] { editor->GetKeyRule(0, key, &isBranch, &position); });
+    during("GetValueRule", [&] { editor->GetValueRule(0, key, value, &position); });
     EXPECT_TRUE(value.IsEmpty()) << "the default value's text is the library's";
-    ExpectLibraryStateDuring("GetKeyRule that raises", [&] {
+    during("GetKeyRule that raises", [&] {
         EXPECT_TRUE(Throws<CInvalidArgException>([&] { editor->GetKeyRule(-1, key, &isBranch, &position); }));
     });
-    ExpectLibraryStateDuring("GetValueRule that raises", [&] {
+    during("GetValueRule that raises", [&] {
         EXPECT_TRUE(Throws<CInvalidArgException>([&] { editor->GetValueRule(-1, key, value, &position); }));
     });
-    ExpectLibraryStateDuring("destructor", [&] { editor.reset(); });
-}
-
-TEST_F(ModuleState, TheDialogAndItsBoxesShowTheLibrarysResources) {
-    CRegistryRulesCtrl editor;
-    editor.AddValueRule(L"HKCU\\a", nullptr, 0);
     DialogDriver driver;
-    ExpectLibraryStateDuring("Show", [&] {
-        driver.Run([&] { EXPECT_EQ(editor.Show(), 0); },
-                   [](Dialog& d) {
-                       EXPECT_EQ(AfxGetApp(), &g_app) << "this thread has a state of its own";
-                       EXPECT_EQ(WindowText(d.Window()), L"Registry Rules");
-                       EXPECT_EQ(d.Text(IDC_NEW_KEY), L"Click here to create a new rule");
-                       const std::vector<std::wstring> row{L"Value", L"HKCU\\a", L"(Default)"};
-                       EXPECT_EQ(d.List(IDC_RULE_LIST).Row(0), row);
-                       d.List(IDC_RULE_LIST).Click(0, 1);
-                       d.Click(IDC_DELETE_RULE);
-                       d.Click(IDCANCEL);
-                       EXPECT_TRUE(d.ExpectBox().starts_with(L"Changes have been made to the Registry Rules."));
-                       EXPECT_EQ(WindowText(GetForegroundWindow()), L"Registry Rules");
-                       d.AnswerBox(IDYES);
-                   });
-    });
+    const auto useDialog = [](Dialog& d) {
+        EXPECT_EQ(AfxGetApp(), &g_app) << "this thread has a state of its own";
+        EXPECT_EQ(WindowText(d.Window()), L"Registry Rules");
+        EXPECT_EQ(d.Text(IDC_NEW_KEY), L"Click here to create a new rule");
+        EXPECT_EQ(d.List(IDC_RULE_LIST).Row(1), (std::vector<std::wstring>{L"Value", L"HKCU\\a", L"(Default)"}));
+        d.List(IDC_RULE_LIST).Click(0, 1);
+        d.Click(IDC_DELETE_RULE);
+        d.Click(IDCANCEL);
+        EXPECT_TRUE(d.ExpectBox().starts_with(L"Changes have been made to the Registry Rules."));
+        EXPECT_EQ(WindowText(GetForegroundWindow()), L"Registry Rules");
+        d.AnswerBox(IDYES);
+    };
+    during("Show", [&] { driver.Run([&] { EXPECT_EQ(editor->Show(), 0); }, useDialog); });
+    during("destructor", [&] { editor.reset(); });
 }
 
-}  // namespace
+TEST(PropertyPage, IsInTheLibraryOutOfReachAndRegistersItselfOnlyWhenTheFactoryIsAsked) {
+    const std::unique_ptr<CObject> page(RUNTIME_CLASS(CRegistryRulesPropPage)->CreateObject());
+    EXPECT_TRUE(page != nullptr && page->IsKindOf(RUNTIME_CLASS(COlePropertyPage)));
+    CLSID clsid{};
+    EXPECT_EQ(OpenPage().GetClassID(&clsid), S_OK);
+    wchar_t text[40] = {};
+    StringFromGUID2(clsid, text, 40);
+    EXPECT_STREQ(text, kClassId);
+    const HMODULE library = LoadedModule(L"RegistryRules.dll");
+    constexpr std::wstring_view kProgId = L"REGISTRYRULES.RegistryRulesPropPage.1";
+    MODULEINFO info{};
+    GetModuleInformation(GetCurrentProcess(), library, &info, sizeof info);
+    const std::wstring_view image(static_cast<const wchar_t*>(info.lpBaseOfDll), info.SizeOfImage / sizeof(wchar_t));
+    EXPECT_NE(image.find(kProgId), image.npos);
+
+    EXPECT_FALSE(OpenPage::factory.IsRegistered());
+    EXPECT_EQ(DefaultValue(L""), L"");
+    AfxGetStaticModuleState()->m_hCurrentResourceHandle = library;
+    EXPECT_TRUE(OpenPage::factory.UpdateRegistry(TRUE));
+    AfxGetStaticModuleState()->m_hCurrentResourceHandle = GetModuleHandleW(nullptr);
+    EXPECT_EQ(DefaultValue(L""), L"RegistryRules Property Page");
+    EXPECT_TRUE(DefaultValue(L"\\InprocServer32").ends_with(L"\\rules_test.exe")) << "the module that has the page";
+    EXPECT_TRUE(OpenPage::factory.UpdateRegistry(FALSE));
+    EXPECT_EQ(DefaultValue(L""), L"");
+    EXPECT_FALSE(OpenPage::factory.UpdateRegistry(FALSE)) << "nothing left to remove";
+    EXPECT_FALSE(OpenPage::factory.UpdateRegistry(TRUE)) << "this program has no such string";
+}

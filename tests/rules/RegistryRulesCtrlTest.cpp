@@ -1,99 +1,102 @@
+// What the exported class and its rule sets answer without the dialog.
 #include "rules/RegistryRulesCtrl.h"
 
 #include <cstring>
 #include <gtest/gtest.h>
 #include <limits>
 #include <string>
+#include <tuple>
 
+#include "dialog/Rule.h"
+#include "dialog/RuleSet.h"
 #include "support/Throws.h"
 
 namespace {
 
-// The result of a read and what it left in its outputs: "1|HKCU\a|BRANCH|POSITION".
-std::wstring KeyRule(CRegistryRulesCtrl& editor, long index) {
-    CString key = L"untouched";
-    int isBranch = 99;
-    long position = 99;
-    const int result = editor.GetKeyRule(index, key, &isBranch, &position);
-    return std::to_wstring(result) + L"|" + key.GetString() + L"|" + std::to_wstring(isBranch) + L"|" +
-           std::to_wstring(position);
+// The result of a read and what it left in its outputs.
+using Read = std::tuple<int, CString, CString, int, long>;
+
+Read KeyRule(CRegistryRulesCtrl& editor, long index) {
+    Read read{9, L"untouched", L"", 99, 99};
+    std::get<0>(read) = editor.GetKeyRule(index, std::get<1>(read), &std::get<3>(read), &std::get<4>(read));
+    return read;
 }
 
-// "1|HKCU\a|NAME|POSITION".
-std::wstring ValueRule(CRegistryRulesCtrl& editor, long index) {
-    CString key = L"untouched";
-    CString value = L"untouched";
-    long position = 99;
-    const int result = editor.GetValueRule(index, key, value, &position);
-    return std::to_wstring(result) + L"|" + key.GetString() + L"|" + value.GetString() + L"|" +
-           std::to_wstring(position);
+Read ValueRule(CRegistryRulesCtrl& editor, long index) {
+    Read read{9, L"untouched", L"untouched", 0, 99};
+    std::get<0>(read) = editor.GetValueRule(index, std::get<1>(read), std::get<2>(read), &std::get<4>(read));
+    return read;
 }
 
-constexpr wchar_t NoKeyRule[] = L"0|untouched|99|99";
-constexpr wchar_t NoValueRule[] = L"0|untouched|untouched|99";
+const Read kNoKeyRule{0, L"untouched", L"", 99, 99};
+const Read kNoValueRule{0, L"untouched", L"untouched", 0, 99};
+
+// Counts its own destructions, to see who deletes records and that the real class's destructor runs.
+class CCountedRule : public CKeyRule {
+public:
+    explicit CCountedRule(int& destroyed) : CKeyRule(L"HKCU\\a", 1, 0), m_destroyed(destroyed) {}
+    ~CCountedRule() override { ++m_destroyed; }
+
+private:
+    int& m_destroyed;
+};
+
+}  // namespace
 
 TEST(RegistryRulesCtrl, WhatWasAddedComesBackUnchangedBeforeTheDialogRuns) {
     CRegistryRulesCtrl editor;
     const std::wstring longText(32000, L'x');
-    EXPECT_EQ(editor.AddKeyRule(L"HKCU\\Software", -7, 32767), 1);
-    EXPECT_EQ(editor.AddValueRule(L"no hive\\\\", longText.c_str(), -32768), 1);
-    EXPECT_EQ(editor.AddKeyRule(longText.c_str(), 0, -1), 1);
-    EXPECT_EQ(editor.AddKeyRule(nullptr, 1, 5), 1);
-    EXPECT_EQ(editor.AddKeyRule(nullptr, 1, 5), 1) << "a duplicate";
-    EXPECT_EQ(editor.GetKeyRuleCount(), 4);
-    EXPECT_EQ(editor.GetValueRuleCount(), 1);
-    EXPECT_EQ(KeyRule(editor, 0), L"1|HKCU\\Software|-7|32767");
-    EXPECT_EQ(KeyRule(editor, 1), L"1|" + longText + L"|0|-1");
-    EXPECT_EQ(KeyRule(editor, 2), L"1||1|5");
-    EXPECT_EQ(KeyRule(editor, 3), L"1||1|5");
-    EXPECT_EQ(ValueRule(editor, 0), L"1|no hive\\\\|" + longText + L"|-32768");
-}
-
-TEST(RegistryRulesCtrl, TheDefaultValueComesBackWithAnEmptyNameHoweverItWasWritten) {
-    CRegistryRulesCtrl editor;
     const struct {
         const wchar_t* name;
         const wchar_t* readBack;
-    } cases[] = {{nullptr, L""},
-                 {L"", L""},
-                 {L"(Default)", L""},
-                 {L"(DEFAULT)", L""},
-                 {L"(default)", L""},
-                 {L"Default", L"Default"},
-                 {L" (Default)", L" (Default)"}};
-    for (const auto& c : cases) {
-        editor.AddValueRule(nullptr, c.name, 0);
-        EXPECT_EQ(ValueRule(editor, editor.GetValueRuleCount() - 1), std::wstring(L"1||") + c.readBack + L"|0");
+    } values[] = {{nullptr, L""},
+                  {L"", L""},
+                  {L"(Default)", L""},
+                  {L"(DEFAULT)", L""},
+                  {L"Default", L"Default"},
+                  {L" (Default)", L" (Default)"},
+                  {longText.c_str(), longText.c_str()}};
+    for (const auto& [name, readBack] : values) {
+        EXPECT_EQ(editor.AddValueRule(L"no hive\\\\", name, -32768), 1);
+        EXPECT_EQ(ValueRule(editor, editor.GetValueRuleCount() - 1), (Read{1, L"no hive\\\\", readBack, 0, -32768}));
     }
+    for (const wchar_t* key : {L"HKCU\\Software", longText.c_str(), static_cast<const wchar_t*>(nullptr)}) {
+        for (const short position : {short{32767}, short{-1}}) {
+            EXPECT_EQ(editor.AddKeyRule(key, position - 7, position), 1);
+            EXPECT_EQ(KeyRule(editor, editor.GetKeyRuleCount() - 1), (Read{1, key, L"", position - 7, position}));
+        }
+    }
+    EXPECT_EQ(editor.GetKeyRuleCount(), 6);
+    EXPECT_EQ(editor.GetValueRuleCount(), 7);
 }
 
-TEST(RegistryRulesCtrl, AnIndexPastTheEndGivesZeroAndTouchesNothing) {
+TEST(RegistryRulesCtrl, AnIndexWithoutARuleGivesZeroOrRaises) {
     CRegistryRulesCtrl editor;
+    EXPECT_EQ(KeyRule(editor, -1), kNoKeyRule) << "raises only where there are rules";
+    EXPECT_EQ(ValueRule(editor, -1), kNoValueRule);
     for (const long end : {0, 1}) {
         for (const long index : {end, end + 1, end + 2, std::numeric_limits<long>::max()}) {
-            EXPECT_EQ(KeyRule(editor, index), NoKeyRule) << index << " of " << end;
-            EXPECT_EQ(ValueRule(editor, index), NoValueRule) << index << " of " << end;
+            EXPECT_EQ(KeyRule(editor, index), kNoKeyRule) << index << " of " << end;
+            EXPECT_EQ(ValueRule(editor, index), kNoValueRule) << index << " of " << end;
         }
         editor.AddKeyRule(L"HKCU\\a", 1, 0);
         editor.AddValueRule(L"HKCU\\a", L"b", 0);
     }
-}
-
-TEST(RegistryRulesCtrl, ANegativeIndexRaisesOnlyWhereThereAreRules) {
-    CRegistryRulesCtrl editor;
-    EXPECT_EQ(KeyRule(editor, -1), NoKeyRule);
-    EXPECT_EQ(ValueRule(editor, -1), NoValueRule);
-    editor.AddKeyRule(L"HKCU\\a", 1, 0);
-    editor.AddValueRule(L"HKCU\\a", L"b", 0);
     for (const long index : {-1L, std::numeric_limits<long>::min()}) {
         EXPECT_TRUE(Throws<CInvalidArgException>([&] { KeyRule(editor, index); })) << index;
         EXPECT_TRUE(Throws<CInvalidArgException>([&] { ValueRule(editor, index); })) << index;
     }
-    EXPECT_EQ(KeyRule(editor, 0), L"1|HKCU\\a|1|0");
 }
 
-TEST(RegistryRulesCtrl, AssignmentSharesTheDialog) {
+TEST(RegistryRulesCtrl, AllObjectsShareTheirRulesAndAssignmentTheDialogToo) {
     CRegistryRulesCtrl source;
+    {
+        CRegistryRulesCtrl other;
+        source.AddKeyRule(L"HKCU\\a", 1, 0);
+        source.AddValueRule(L"HKCU\\a", L"b", 0);
+        EXPECT_EQ(other.GetKeyRuleCount() + other.GetValueRuleCount(), 2);
+    }
+    EXPECT_EQ(source.GetKeyRuleCount() + source.GetValueRuleCount(), 0) << "the first that goes takes all along";
     // Never destroyed: it shares the dialog of `source`, which deletes it.
     auto* const target = new CRegistryRulesCtrl;
     EXPECT_EQ(&(*target = source), target);
@@ -101,4 +104,22 @@ TEST(RegistryRulesCtrl, AssignmentSharesTheDialog) {
     static_assert(sizeof(CRegistryRulesCtrl) == sizeof(void*));
 }
 
-}  // namespace
+TEST(RuleSet, TheTwoIndicesBehindTheEndRaiseAndClearDeletesEachRecordOnce) {
+    int destroyed = 0;
+    RuleSet<CKeyRule> set;
+    for (const int round : {1, 2}) {
+        set.Clear();
+        for (int count = 0; count < 3; ++count) {
+            for (const int index : {-1, std::numeric_limits<int>::min(), count, count + 1})
+                EXPECT_TRUE(Throws<CInvalidArgException>([&] { set.At(index); })) << index << " of " << count;
+            for (const int index : {count + 2, std::numeric_limits<int>::max()})
+                EXPECT_EQ(set.At(index), nullptr) << index << " of " << count;
+            CKeyRule* const rule = new CCountedRule(destroyed);
+            EXPECT_EQ(set.Add(rule), 1);
+            EXPECT_EQ(set.At(count), rule);
+        }
+        EXPECT_EQ(set.Add(nullptr), 0);
+        set.Clear();
+        EXPECT_EQ(destroyed, 3 * round);
+    }
+}

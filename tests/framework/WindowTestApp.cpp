@@ -1,3 +1,0 @@
-#include "framework/WindowTestApp.h"
-
-CWindowTestApp theWindowTestApp;
