@@ -5,7 +5,6 @@
 #include <map>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
 #include "crypto/Encryptor.h"
 #include "support/LogCapture.h"
@@ -19,8 +18,7 @@ std::map<int, int> s_deleted;
 enum class Hive { None, Loaded, ToBeLoaded };
 
 struct TestUser : CBvUserProfileBase {
-    TestUser(int itsMark, LPCWSTR domain, LPCWSTR name, LPCWSTR path, Hive itsHive = Hive::Loaded,
-             LONGLONG precedence = 0)
+    TestUser(int itsMark, LPCWSTR domain, LPCWSTR name, LPCWSTR path, Hive itsHive = Hive::Loaded, int precedence = 0)
         : mark(itsMark), hive(itsHive) {
         m_domain = domain;
         m_userName = name;
@@ -48,53 +46,57 @@ protected:
     UserList() { s_deleted.clear(); }
     ~UserList() override { m_context.ClearUserList(); }
 
-    // The list holds 1 = CORP/Ann with precedence 5 and 2 = CORP/Bob; 3 is CORP/Ann again. Tells the message, the list,
-    // and who is deleted or whose subordinate. In the end everybody is deleted.
-    std::string AddAgain(Hive existing, Hive added, LPCWSTR path, LONGLONG precedence) {
-        s_deleted.clear();
-        const LogCapture log;
-        auto* const ann = new TestUser(1, L"CORP", L"Ann", L"C:\\a", existing, 5);
-        auto* const again = new TestUser(3, L"corp", L"ANN", path, added, precedence);
-        m_context.AddUserToUserList(ann);
-        m_context.AddUserToUserList(new TestUser(2, L"CORP", L"Bob", L"C:\\a"));
-        m_context.AddUserToUserList(again);
-        EXPECT_EQ(log.GetLines()[1].message, L"Adding user:Ann domain:CORP profile path C:\\a");
-        std::string told;
-        for (const std::wstring& message : log.Messages(LogLevel::Informational)) told += Narrow(message) + " |";
-        for (INT_PTR i = 0; i < m_context.m_users.GetCount(); ++i) told += " " + MarkOf(m_context.m_users.GetAt(i));
-        std::vector<CBvUserProfileBase*> subordinates;
-        for (const auto& [mark, user] : {std::pair(1, ann), {3, again}}) {
-            if (s_deleted.contains(mark)) {
-                told += ", " + std::to_string(mark) + " deleted";
-            } else if (user->m_subordinate != nullptr) {
-                told += ", " + MarkOf(user->m_subordinate) + " below " + MarkOf(user);
-                subordinates.push_back(user->m_subordinate);
-            }
-        }
-        m_context.ClearUserList();
-        for (const CBvUserProfileBase* each : subordinates) delete each;  // they are the host's
-        EXPECT_EQ(s_deleted, (std::map<int, int>{{1, 1}, {2, 1}, {3, 1}}));
-        return told;
-    }
-
     CEngineContext m_context;
 };
 
 }  // namespace
 
-// All combinations of hives are the decision's own test.
+// The list holds 1 = CORP\Ann with precedence 5 and 2 = CORP\Bob; 3 is CORP\Ann again. Told are the message, the list,
+// and who is deleted or whose subordinate. All combinations of hives are the decision's own test.
 TEST_F(UserList, ADuplicateStaysGoesOrBecomesSubordinate) {
-    EXPECT_EQ(AddAgain(Hive::Loaded, Hive::ToBeLoaded, L"C:\\b", 9),
-              "Skipping duplicate profile that requires hive to be loaded: corp\\ANN | 1 2, 3 deleted");
-    EXPECT_EQ(
-        AddAgain(Hive::ToBeLoaded, Hive::None, L"C:\\a", 1),
-        "Replacing duplicate profile with one that doesn't require hive to be loaded: corp\\ANN | 2 3, 1 deleted");
-    EXPECT_EQ(AddAgain(Hive::Loaded, Hive::Loaded, L"c:\\A", 9),
-              "Skipping duplicate profile 'corp\\ANN' with duplicate profile path: 'c:\\A' | 1 2, 3 deleted");
-    EXPECT_EQ(AddAgain(Hive::ToBeLoaded, Hive::ToBeLoaded, L"C:\\b", 6),
-              "Making existing profile subordinate to new profile 'corp\\ANN' | 2 3, 1 below 3");
-    EXPECT_EQ(AddAgain(Hive::ToBeLoaded, Hive::Loaded, L"C:\\b", 5),
-              "Making new profile subordinate to existing duplicate 'corp\\ANN' | 1 2, 3 below 1");
+    const struct {
+        Hive existing, added;
+        LPCWSTR path;
+        int precedence;
+        const char* told;
+    } cases[] = {
+        {Hive::Loaded, Hive::ToBeLoaded, L"C:\\b", 9,
+         "Skipping duplicate profile that requires hive to be loaded: corp\\ANN | 1 2, 3 deleted"},
+        {Hive::ToBeLoaded, Hive::None, L"C:\\a", 1,
+         "Replacing duplicate profile with one that doesn't require hive to be loaded: corp\\ANN | 2 3, 1 deleted"},
+        {Hive::Loaded, Hive::Loaded, L"c:\\A", 9,
+         "Skipping duplicate profile 'corp\\ANN' with duplicate profile path: 'c:\\A' | 1 2, 3 deleted"},
+        {Hive::ToBeLoaded, Hive::ToBeLoaded, L"C:\\b", 6,
+         "Making existing profile subordinate to new profile 'corp\\ANN' | 2 3, 1 below 3"},
+        {Hive::ToBeLoaded, Hive::Loaded, L"C:\\b", 5,
+         "Making new profile subordinate to existing duplicate 'corp\\ANN' | 1 2, 3 below 1"},
+    };
+    for (const auto& c : cases) {
+        s_deleted.clear();
+        const LogCapture log;
+        const std::map<int, TestUser*> anns = {{1, new TestUser(1, L"CORP", L"Ann", L"C:\\a", c.existing, 5)},
+                                               {3, new TestUser(3, L"corp", L"ANN", c.path, c.added, c.precedence)}};
+        m_context.AddUserToUserList(anns.at(1));
+        m_context.AddUserToUserList(new TestUser(2, L"CORP", L"Bob", L"C:\\a"));
+        m_context.AddUserToUserList(anns.at(3));
+        EXPECT_EQ(log.GetLines()[1].message, L"Adding user:Ann domain:CORP profile path C:\\a");
+        std::string told;
+        for (const std::wstring& message : log.Messages(LogLevel::Informational)) told += Narrow(message) + " |";
+        for (INT_PTR i = 0; i < m_context.m_users.GetCount(); ++i) told += " " + MarkOf(m_context.m_users.GetAt(i));
+        CBvUserProfileBase* subordinate = nullptr;  // the host's
+        for (const auto& [mark, ann] : anns) {
+            if (s_deleted.contains(mark)) {
+                told += ", " + std::to_string(mark) + " deleted";
+            } else if (ann->m_subordinate != nullptr) {
+                subordinate = ann->m_subordinate;
+                told += ", " + MarkOf(subordinate) + " below " + std::to_string(mark);
+            }
+        }
+        EXPECT_EQ(told, c.told);
+        m_context.ClearUserList();
+        delete subordinate;
+        EXPECT_EQ(s_deleted, (std::map<int, int>{{1, 1}, {2, 1}, {3, 1}}));
+    }
 }
 
 TEST_F(UserList, DomainAndNameTogetherMakeADuplicate) {
@@ -127,23 +129,21 @@ TEST_F(UserList, AThrowingDestructorStopsNothing) {
 
 TEST(EngineContext, KeepsUniqueStringsAndWhatTheEncryptorMakesOfASecret) {
     CEngineContext context;
+    // How much, its start, its kind.
+    const auto secret = [&context] {
+        const BYTE* const data = context.m_secretData.get();
+        return std::tuple(context.m_secretSize, data ? std::string(data, data + 7) : "none", context.m_secretKind);
+    };
     context.SetSecret(L"abc", kEncryptorAes256);
-    // SHA-512 of "abc", as published.
-    constexpr BYTE kStart[] = {0xDD, 0xAF, 0x35, 0xA1, 0x93, 0x61, 0x7A, 0xBA};
-    ASSERT_EQ(context.m_secretSize, 64u);
-    EXPECT_EQ(std::vector<BYTE>(context.m_secretData.get(), context.m_secretData.get() + 8),
-              std::vector<BYTE>(kStart, kStart + 8));
-    EXPECT_EQ(context.m_secretKind, kEncryptorAes256);
+    const std::tuple published(DWORD{64}, std::string("\xDD\xAF\x35\xA1\x93\x61\x7A"), kEncryptorAes256);  // SHA-512
+    EXPECT_EQ(secret(), published);
     context.SetSecret(L"other", 99);
-    EXPECT_EQ(context.m_secretSize, 64u) << "no such encryptor";
+    EXPECT_EQ(secret(), published) << "no such encryptor";
     // From its own buffer, which must not be gone before it is read.
     context.SetSecretBlob(context.m_secretData.get() + 1, 7, 3);
-    EXPECT_EQ(std::vector<BYTE>(context.m_secretData.get(), context.m_secretData.get() + 7),
-              std::vector<BYTE>(kStart + 1, kStart + 8));
-    EXPECT_EQ(context.m_secretKind, 3);
+    EXPECT_EQ(secret(), std::tuple(DWORD{7}, std::string("\xAF\x35\xA1\x93\x61\x7A\xBA"), 3));
+    context.SetSecretBlob(nullptr, 0, 4);
+    EXPECT_EQ(secret(), std::tuple(DWORD{0}, std::string("none"), 4));
     for (const LPCWSTR text : {L"a", L"A", L"a", L"", L""}) context.AddUniqueString(text);
     EXPECT_EQ(context.m_stringList.GetCount(), 3);
-    context.SetSecretBlob(nullptr, 0, 4);
-    EXPECT_EQ(context.m_secretData, nullptr);
-    EXPECT_EQ(context.m_secretSize, 0u);
 }

@@ -1,7 +1,6 @@
-// What the typed readers and writers make of values, as other programs leave them too.
+// What the readers and writers of CRegistryHelper make of values and names, as other programs leave and change them.
 #include <cstring>
 #include <gtest/gtest.h>
-#include <string>
 #include <vector>
 
 #include "registry/RegistryHelper.h"
@@ -12,235 +11,217 @@
 
 namespace {
 
-using Bytes = std::vector<BYTE>;
+const std::string kMegabyte(1 << 20, 'x');
 
-Bytes BytesOf(std::wstring_view text) {
-    Bytes bytes(text.size() * sizeof(wchar_t));
-    std::memcpy(bytes.data(), text.data(), bytes.size());
-    return bytes;
+// A query of the size alone, and each step of a walk over subkeys, is followed by what another process does then.
+void (*s_meanwhile)(HKEY key, DWORD index) = nullptr;
+
+LSTATUS WINAPI QueryThen(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data, LPDWORD size) {
+    const auto query = SystemFunction(&RegQueryValueExW, L"advapi32.dll", "RegQueryValueExW");
+    const LSTATUS status = query(key, name, reserved, type, data, size);
+    if (data == nullptr) s_meanwhile(key, 0);
+    return status;
+}
+
+LSTATUS WINAPI EnumerateAfter(HKEY key, DWORD index, LPWSTR name, LPDWORD length, LPDWORD reserved, LPWSTR keyClass,
+                              LPDWORD classLength, PFILETIME time) {
+    const auto enumerate = SystemFunction(&RegEnumKeyExW, L"advapi32.dll", "RegEnumKeyExW");
+    if (s_meanwhile != nullptr) s_meanwhile(key, index);
+    return enumerate(key, index, name, length, reserved, keyClass, classLength, time);
 }
 
 class RegistryValue : public testing::Test {
 protected:
     RegistryValue() { m_helper.OpenOrCreate(HKEY_CURRENT_USER, m_key.Path().c_str(), KEY_ALL_ACCESS, 0); }
 
-    void Set(DWORD type, const Bytes& bytes) { m_key.SetData(L"", L"v", type, bytes.data(), bytes.size()); }
+    void Set(DWORD type, std::string_view bytes) { m_key.SetData(L"", L"v", type, bytes.data(), bytes.size()); }
 
-    // The value as the bare call reads it.
-    Bytes Raw(LPCWSTR name, DWORD wantedType) const {
-        DWORD type = 0;
-        DWORD size = 0;
-        RegQueryValueExW(m_key.Key(), name, nullptr, &type, nullptr, &size);
-        EXPECT_EQ(type, wantedType);
-        Bytes bytes(size);
-        RegQueryValueExW(m_key.Key(), name, nullptr, nullptr, bytes.data(), &size);
-        return bytes;
+    // What a reader gives, or "!" and the status thrown.
+    template <class Reader>
+    static std::string Told(Reader reader) {
+        CString text;
+        const DWORD status = StatusThrownBy([&] { text = reader(); });
+        if (status != ERROR_SUCCESS) text.Format(L"!%x", status);
+        return Narrow(text.GetString()) + " ";
+    }
+    template <class... Values>
+    static CString Text(LPCWSTR format, Values... values) {
+        CString text;
+        text.Format(format, values...);
+        return text;
+    }
+    // All readers in turn: number and flag, 64-bit number, placement (first and last field), bytes (how many, the
+    // last), text (in full, or its length).
+    std::string ReadAll() {
+        const LPCWSTR v = L"v";
+        return Told([&] { return Text(L"%x/%d", m_helper.GetDwordValue(v), m_helper.GetBoolValue(v)); }) +
+               Told([&] { return Text(L"%I64x", m_helper.GetInt64Value(v)); }) + Told([&] {
+                   WINDOWPLACEMENT placement{};
+                   m_helper.GetPlacementValue(v, placement);
+                   return Text(L"%x/%x", placement.length, placement.rcNormalPosition.bottom);
+               }) +
+               Told([&] {
+                   DWORD size = 77;
+                   const auto bytes = m_helper.GetBinaryValue(v, &size);
+                   return Text(L"%x/%x", size, bytes ? bytes[size - 1] : -1);
+               }) +
+               Told([&] {
+                   const CString text = m_helper.GetStringValue(v);
+                   return text.GetLength() < 40 ? L"'" + text + L"'" : Text(L"%x", text.GetLength());
+               });
+    }
+    std::string SubKeysWhile(void (*meanwhile)(HKEY, DWORD)) {
+        const ImportPatch<decltype(&RegEnumKeyExW)> patch(GetModuleHandleW(nullptr), "RegEnumKeyExW", EnumerateAfter);
+        s_meanwhile = meanwhile;
+        CStringList names;
+        names.AddTail(L"old");
+        m_helper.EnumSubKeys(names);
+        std::wstring text;
+        for (POSITION place = names.GetHeadPosition(); place;) text += std::wstring(names.GetNext(place)) + L",";
+        return Narrow(text);
     }
 
     ScopedRegistryKey m_key;
     CRegistryHelper m_helper;
 };
 
-// A query of the size alone is followed by a change of the value, as another process might make it.
-DWORD s_nextType = REG_SZ;
-Bytes s_nextBytes;
-
-LSTATUS WINAPI QueryAndChange(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data, LPDWORD size) {
-    const auto query = SystemFunction(&RegQueryValueExW, L"advapi32.dll", "RegQueryValueExW");
-    const LSTATUS status = query(key, name, reserved, type, data, size);
-    if (!data) RegSetValueExW(key, name, 0, s_nextType, s_nextBytes.data(), static_cast<DWORD>(s_nextBytes.size()));
-    return status;
-}
+using namespace std::string_literals;
 
 }  // namespace
 
-TEST_F(RegistryValue, TextEndsWithOrWithoutTerminator) {
-    struct Case {
-        DWORD type;
-        Bytes bytes;
-        std::wstring expected;
-    };
-    const std::wstring megabyte(512 * 1024, L'x');
-    const Case cases[] = {
-        {REG_SZ, BytesOf({L"abc\0", 4}), L"abc"},
-        {REG_SZ, BytesOf(L"abc"), L"abc"},
-        {REG_SZ, {'a', 0, 'b'}, L"ab"},
-        {REG_SZ, {'a'}, L"a"},
-        {REG_SZ, {0xFF, 0xFF, 0xFF}, L"\xFFFF\x00FF"},
-        {REG_SZ, {}, L""},
-        {REG_SZ, BytesOf({L"a\0b\0", 4}), L"a"},
-        {REG_SZ, BytesOf({L"\0\0", 2}), L""},
-        {REG_SZ, BytesOf(L"\xD83D"), L"\xD83D"},
-        {REG_SZ, BytesOf(megabyte), megabyte},
-        {REG_EXPAND_SZ, BytesOf({L"%SystemRoot%\0", 13}), L"%SystemRoot%"},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.bytes.size());
-        Set(c.type, c.bytes);
-        const CString text = m_helper.GetStringValue(L"v");
-        EXPECT_TRUE(std::wstring(text.GetString()) == c.expected) << Narrow(text.Left(40).GetString());
-        EXPECT_EQ(static_cast<size_t>(text.GetLength()), c.expected.size());
-    }
-    EXPECT_TRUE(m_helper.GetStringValue(L"missing").IsEmpty());
-}
-
-// Each reader takes one type alone and no more bytes than it has room for.
-TEST_F(RegistryValue, NumbersAndTextsOfAnotherTypeOrSizeAreRefused) {
-    const auto dword = [&] { m_helper.GetDwordValue(L"v"); };
-    const auto flag = [&] { m_helper.GetBoolValue(L"v"); };
-    const auto int64 = [&] { m_helper.GetInt64Value(L"v"); };
-    const auto text = [&] { m_helper.GetStringValue(L"v"); };
+TEST_F(RegistryValue, EachReaderTakesOneTypeAndNoMoreBytesThanItHasRoomFor) {
+    std::string placement(44, '\0');
+    for (size_t i = 0; i < placement.size(); ++i) placement[i] = static_cast<char>(i + 1);
     const struct {
         DWORD type;
-        size_t bytes;
-        DWORD ofDword, ofInt64, ofText;
+        std::string bytes;
+        const char* told;
     } cases[] = {
-        {REG_DWORD, 4, 0, 0x70C, 0x70C},
-        {REG_DWORD, 2, 0, 0x70C, 0x70C},
-        {REG_DWORD, 0, 0, 0x70C, 0x70C},
-        {REG_DWORD, 5, ERROR_MORE_DATA, 0x70C, 0x70C},
-        {REG_DWORD, 1 << 20, ERROR_MORE_DATA, 0x70C, 0x70C},
-        {REG_BINARY, 8, 0x70C, 0, 0x70C},
-        {REG_BINARY, 7, 0x70C, 0x70C, 0x70C},
-        {REG_BINARY, 0, 0x70C, 0x70C, 0x70C},
-        {REG_BINARY, 9, 0x70C, ERROR_MORE_DATA, 0x70C},
-        {REG_QWORD, 8, 0x70C, 0x70C, 0x70C},
-        {REG_SZ, 1 << 20, 0x70C, 0x70C, 0},
-        {REG_DWORD_BIG_ENDIAN, 4, 0x70C, 0x70C, 0x70C},
-        {REG_MULTI_SZ, 4, 0x70C, 0x70C, 0x70C},
-        {0x7777, 4, 0x70C, 0x70C, 0x70C},
+        {REG_DWORD, "\x34\x12\0\0"s, "1234/1 !70c !70c !70c !70c "},
+        {REG_DWORD, "\x34\x12", "1234/1 !70c !70c !70c !70c "},  // what a value lacks reads 0
+        {REG_DWORD, "", "0/0 !70c !70c !70c !70c "},
+        {REG_DWORD, "\1\0\0\0\0"s, "!ea !70c !70c !70c !70c "},
+        {REG_DWORD, kMegabyte, "!ea !70c !70c !70c !70c "},
+        {REG_BINARY, "\x8\x7\x6\x5\x4\x3\x2\x81", "!70c 8102030405060708 5060708/0 8/81 !70c "},
+        {REG_BINARY, "1234567", "!70c !70c 34333231/0 7/37 !70c "},
+        {REG_BINARY, "", "!70c !70c 0/0 0/ffffffff !70c "},
+        {REG_BINARY, "123456789", "!70c !ea 34333231/0 9/39 !70c "},
+        {REG_BINARY, placement, "!70c !ea 4030201/2c2b2a29 2c/2c !70c "},
+        {REG_BINARY, placement + "x", "!70c !ea !ea 2d/78 !70c "},
+        {REG_BINARY, kMegabyte, "!70c !ea !ea 100000/78 !70c "},
+        {REG_QWORD, "12345678", "!70c !70c !70c !70c !70c "},
+        {REG_DWORD_BIG_ENDIAN, "\0\0\0\1"s, "!70c !70c !70c !70c !70c "},
+        {REG_MULTI_SZ, "a\0\0\0"s, "!70c !70c !70c !70c !70c "},
+        {0x7777, "1234", "!70c !70c !70c !70c !70c "},
+        // Texts with and without a terminator, odd, with zeros inside, with half a pair.
+        {REG_SZ, "a\0b\0\0\0"s, "!70c !70c !70c !70c 'ab' "},
+        {REG_SZ, "a\0b\0"s, "!70c !70c !70c !70c 'ab' "},
+        {REG_SZ, "a\0b"s, "!70c !70c !70c !70c 'ab' "},
+        {REG_SZ, "a", "!70c !70c !70c !70c 'a' "},
+        {REG_SZ, "\xff\xff\xff", "!70c !70c !70c !70c '\xEF\xBF\xBF\xC3\xBF' "},
+        {REG_SZ, "", "!70c !70c !70c !70c '' "},
+        {REG_SZ, "a\0\0\0b\0\0\0"s, "!70c !70c !70c !70c 'a' "},
+        {REG_SZ, kMegabyte, "!70c !70c !70c !70c 80000 "},
+        {REG_EXPAND_SZ, "%\0O\0S\0%\0"s, "!70c !70c !70c !70c '%OS%' "},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(std::to_string(c.type) + " of " + std::to_string(c.bytes));
-        Set(c.type, Bytes(c.bytes));
-        EXPECT_EQ(StatusThrownBy(dword), c.ofDword);
-        EXPECT_EQ(StatusThrownBy(flag), c.ofDword);
-        EXPECT_EQ(StatusThrownBy(int64), c.ofInt64);
-        EXPECT_EQ(StatusThrownBy(text), c.ofText);
+        SCOPED_TRACE(testing::Message() << "type " << c.type << ", " << testing::PrintToString(c.bytes.substr(0, 20)));
+        Set(c.type, c.bytes);
+        EXPECT_EQ(ReadAll(), c.told);
     }
-    RegDeleteValueW(m_key.Key(), L"v");
-    EXPECT_EQ(StatusThrownBy(dword), 2u);
-    EXPECT_EQ(StatusThrownBy(flag), 2u);
-    EXPECT_EQ(StatusThrownBy(int64), 2u);
-    EXPECT_EQ(StatusThrownBy(text), 0u) << "a missing text is an empty one";
-    EXPECT_FALSE(m_helper.ValueExists(L"v"));
-
-    Set(REG_DWORD, {0x34, 0x12});
-    EXPECT_EQ(m_helper.GetDwordValue(L"v"), 0x1234u) << "what the value lacks reads 0";
-    EXPECT_TRUE(m_helper.GetBoolValue(L"v"));
-    Set(REG_BINARY, {0x08, 0x07, 0x06, 0x05, 0x04, 0x03, 0x02, 0x81});
-    EXPECT_EQ(m_helper.GetInt64Value(L"v"), static_cast<LONGLONG>(0x8102030405060708));
     EXPECT_TRUE(m_helper.ValueExists(L"V"));
+    RegDeleteValueW(m_key.Key(), L"v");
+    EXPECT_EQ(ReadAll(), "!2 !2 !2 !2 '' ");
+    EXPECT_FALSE(m_helper.ValueExists(L"v"));
 }
 
-TEST_F(RegistryValue, AFailedPlacementLeavesTheCallersAsItWas) {
+TEST_F(RegistryValue, AFailureLeavesWhatTheCallerHas) {
     WINDOWPLACEMENT placement{};
-    Bytes bytes(44);
-    for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<BYTE>(i + 1);
-    Set(REG_BINARY, bytes);
-    m_helper.GetPlacementValue(L"v", placement);
-    EXPECT_EQ(placement.length, 0x04030201u);
-    EXPECT_EQ(placement.rcNormalPosition.bottom, 0x2C2B2A29);
-
-    const WINDOWPLACEMENT before = placement;
-    Set(REG_BINARY, Bytes(45));
+    placement.length = 5;
+    DWORD size = 77;
+    Set(REG_BINARY, std::string(45, 'x'));
     EXPECT_EQ(StatusThrownBy([&] { m_helper.GetPlacementValue(L"v", placement); }), DWORD{ERROR_MORE_DATA});
-    Set(REG_SZ, Bytes(44));
-    EXPECT_EQ(StatusThrownBy([&] { m_helper.GetPlacementValue(L"v", placement); }), 0x70Cu);
-    EXPECT_EQ(StatusThrownBy([&] { m_helper.GetPlacementValue(L"missing", placement); }), 2u);
-    EXPECT_EQ(std::memcmp(&placement, &before, sizeof(placement)), 0);
-
-    Set(REG_BINARY, {0xFF});
-    m_helper.GetPlacementValue(L"v", placement);
-    EXPECT_EQ(placement.length, 0xFFu);
-    EXPECT_EQ(placement.rcNormalPosition.bottom, 0) << "what the value lacks reads 0";
+    EXPECT_EQ(placement.length, 5u);
+    EXPECT_EQ(StatusThrownBy([&] { m_helper.GetBinaryValue(L"no", &size); }), 2u);
+    EXPECT_EQ(size, 0u) << "but for the size";
+    CString name = L"kept";
+    DWORD type = 0;
+    EXPECT_EQ(StatusThrownBy([&] { m_helper.EnumValue(0, 0, name, type); }), 0xDu);
+    EXPECT_EQ(StatusThrownBy([&] { m_helper.EnumValue(1, 4, name, type); }), DWORD{ERROR_NO_MORE_ITEMS});
+    m_key.SetText(L"", L"name", L"x");
+    EXPECT_EQ(StatusThrownBy([&] { m_helper.EnumValue(0, 3, name, type); }), DWORD{ERROR_MORE_DATA});
+    EXPECT_EQ(name, L"kept");
 }
 
-TEST_F(RegistryValue, BinaryOfAnySize) {
-    for (const size_t size : {1, 3, 44, 1 << 20}) {
-        Bytes bytes(size);
-        for (size_t i = 0; i < size; ++i) bytes[i] = static_cast<BYTE>(i * 7);
-        Set(REG_BINARY, bytes);
-        DWORD read = 0;
-        const auto buffer = m_helper.GetBinaryValue(L"v", &read);
-        ASSERT_EQ(read, size);
-        EXPECT_EQ(std::memcmp(buffer.get(), bytes.data(), size), 0);
-    }
-    DWORD size = 77;
-    Set(REG_BINARY, {});
-    EXPECT_EQ(m_helper.GetBinaryValue(L"v", &size), nullptr);
-    EXPECT_EQ(size, 0u);
-    size = 77;
-    Set(REG_SZ, {0, 0});
-    EXPECT_EQ(StatusThrownBy([&] { m_helper.GetBinaryValue(L"v", &size); }), 0x70Cu);
-    EXPECT_EQ(size, 0u);
-    EXPECT_EQ(StatusThrownBy([&] { m_helper.GetBinaryValue(L"missing"); }), 2u);
-}
-
-TEST_F(RegistryValue, AValueThatGrowsUnderTheReaderIsAFailureAndOneThatShrinksIsReadAsItIsThen) {
-    const ImportPatch<decltype(&RegQueryValueExW)> patch(GetModuleHandleW(nullptr), "RegQueryValueExW", QueryAndChange);
-    const auto changeTo = [&](DWORD type, const Bytes& now, const Bytes& next) {
-        Set(type, now);
-        s_nextType = type;
-        s_nextBytes = next;
+TEST_F(RegistryValue, ChangesUnderTheReaderAreAFailureOrReadAsTheyAreThen) {
+    const ImportPatch<decltype(&RegQueryValueExW)> patch(GetModuleHandleW(nullptr), "RegQueryValueExW", QueryThen);
+    s_meanwhile = [](HKEY key, DWORD) {
+        RegSetValueExW(key, L"v", 0, REG_SZ, reinterpret_cast<const BYTE*>(L"four!"), 8);
     };
-    const Bytes longText = BytesOf(std::wstring(1000, L'x'));
-    changeTo(REG_SZ, BytesOf({L"ab\0", 3}), longText);
-    EXPECT_EQ(StatusThrownBy([&] { m_helper.GetStringValue(L"v"); }), DWORD{ERROR_MORE_DATA});
-    changeTo(REG_SZ, longText, BytesOf(L"ab"));
-    EXPECT_EQ(m_helper.GetStringValue(L"v"), L"ab");
+    Set(REG_SZ, "x");
+    EXPECT_EQ(Told([&] { return m_helper.GetStringValue(L"v"); }), "!ea ");
+    Set(REG_SZ, kMegabyte);
+    EXPECT_EQ(Told([&] { return m_helper.GetStringValue(L"v"); }), "four ");
     DWORD size = 77;
-    changeTo(REG_BINARY, Bytes(4), Bytes(1000));
+    Set(REG_BINARY, "x");
     EXPECT_EQ(StatusThrownBy([&] { m_helper.GetBinaryValue(L"v", &size); }), DWORD{ERROR_MORE_DATA});
     EXPECT_EQ(size, 0u);
-    changeTo(REG_BINARY, Bytes(1000), Bytes(3, 9));
-    const auto buffer = m_helper.GetBinaryValue(L"v", &size);
-    EXPECT_EQ(size, 3u);
-    EXPECT_EQ(buffer[2], 9);
-    EXPECT_EQ(buffer[3], 0);
+    Set(REG_BINARY, kMegabyte);
+    const auto bytes = m_helper.GetBinaryValue(L"v", &size);
+    EXPECT_EQ(size, 8u);
+    EXPECT_EQ(bytes[8], 0);
 }
 
 TEST_F(RegistryValue, WritesTypesAndBytes) {
+    const auto raw = [&](LPCWSTR name) {
+        DWORD type = 0;
+        BYTE bytes[44];
+        DWORD size = sizeof(bytes);
+        EXPECT_EQ(RegQueryValueExW(m_key.Key(), name, nullptr, &type, bytes, &size), 0);
+        return std::pair(type, std::string(bytes, bytes + size));
+    };
     m_helper.SetBoolValue(L"yes", true);
     m_helper.SetBoolValue(L"no", false);
-    EXPECT_EQ(Raw(L"yes", REG_DWORD), (Bytes{1, 0, 0, 0}));
-    EXPECT_EQ(Raw(L"no", REG_DWORD), (Bytes{0, 0, 0, 0}));
+    EXPECT_EQ(raw(L"yes"), std::pair(DWORD{REG_DWORD}, "\1\0\0\0"s));
+    EXPECT_EQ(raw(L"no"), std::pair(DWORD{REG_DWORD}, "\0\0\0\0"s));
     m_helper.SetInt64Value(L"number", 0x0102030405060708);
-    EXPECT_EQ(Raw(L"number", REG_BINARY), (Bytes{8, 7, 6, 5, 4, 3, 2, 1}));
+    EXPECT_EQ(raw(L"number"), std::pair(DWORD{REG_BINARY}, "\x8\7\6\5\4\3\2\1"s));
     WINDOWPLACEMENT placement{};
     placement.rcNormalPosition.bottom = 0x01020304;
     m_helper.SetPlacementValue(L"placement", placement);
-    const Bytes written = Raw(L"placement", REG_BINARY);
-    ASSERT_EQ(written.size(), 44u);
-    EXPECT_EQ(Bytes(written.end() - 4, written.end()), (Bytes{4, 3, 2, 1}));
+    EXPECT_EQ(raw(L"placement"), std::pair(DWORD{REG_BINARY}, std::string(40, '\0') + "\4\3\2\1"));
     EXPECT_EQ(m_helper.SetStringValue(L"text", L"ab"), ERROR_SUCCESS);
-    EXPECT_EQ(Raw(L"text", REG_SZ), BytesOf({L"ab\0", 3}));
+    EXPECT_EQ(raw(L"text"), std::pair(DWORD{REG_SZ}, "a\0b\0\0\0"s));
     EXPECT_EQ(m_helper.SetStringValue(L"text", nullptr), 13);
 }
 
-TEST_F(RegistryValue, TheFrameworksTextQueryTrustsNothing) {
-    WCHAR buffer[4] = {L'?', L'?', L'?', L'?'};
-    const auto query = [&](ULONG chars, ULONG& result) {
-        result = chars;
-        return m_helper.QueryStringValue(L"v", buffer, &result);
-    };
-    ULONG chars = 0;
-    Set(REG_SZ, BytesOf({L"abc\0", 4}));
-    EXPECT_EQ(query(4, chars), ERROR_SUCCESS);
-    EXPECT_EQ(chars, 4u);
-    EXPECT_EQ(query(3, chars), ERROR_MORE_DATA);
-    EXPECT_EQ(m_helper.QueryStringValue(L"v", nullptr, &(chars = 0)), ERROR_SUCCESS);
-    EXPECT_EQ(chars, 4u);
-    Set(REG_SZ, BytesOf(L"abcd"));
-    EXPECT_EQ(query(4, chars), ERROR_INVALID_DATA);
-    Set(REG_SZ, {'a', 0, 0});
-    EXPECT_EQ(query(4, chars), ERROR_INVALID_DATA);
-    Set(REG_BINARY, {0, 0});
-    EXPECT_EQ(query(4, chars), ERROR_INVALID_DATA);
-    Set(REG_SZ, {});
-    buffer[0] = L'?';
-    EXPECT_EQ(query(0, chars), ERROR_SUCCESS);
-    EXPECT_EQ(buffer[0], L'?') << "a buffer of no characters is not written to";
-    EXPECT_EQ(query(4, chars), ERROR_SUCCESS);
-    EXPECT_EQ(buffer[0], L'\0');
+TEST_F(RegistryValue, NamesAreListedAsFarAsTheyAreThere) {
+    const std::wstring longest(16383, L'n');
+    EXPECT_EQ(SubKeysWhile(nullptr), "");
+    for (const LPCWSTR name : {L"d", L"c", L"b", L"a"}) m_key.AddKey(name);
+    m_key.AddKey(std::wstring(255, L'n'));
+    m_key.SetText(L"", L"", L"12345");
+    m_key.SetText(L"", longest, L"x", REG_EXPAND_SZ);
+    DWORD count = 0;
+    DWORD longestName = 0;
+    DWORD longestData = 0;
+    m_helper.GetSubKeyInfo(count, longestName);
+    EXPECT_EQ(std::pair(count, longestName), std::pair(DWORD{5}, DWORD{255}));
+    m_helper.GetValueInfo(count, longestName, longestData);
+    EXPECT_EQ(std::pair(count, longestName), std::pair(DWORD{2}, DWORD{16383}));
+    EXPECT_EQ(longestData, 12u);
+    for (DWORD index = 0; index < count; ++index) {
+        CString name = L"?";
+        DWORD type = 0;
+        m_helper.EnumValue(index, longestName, name, type);
+        EXPECT_EQ(std::pair(std::wstring(name), type),
+                  index == 0 ? std::pair(std::wstring(), DWORD{REG_SZ}) : std::pair(longest, DWORD{REG_EXPAND_SZ}));
+    }
+    EXPECT_EQ(SubKeysWhile(nullptr), "a,b,c,d," + std::string(255, 'n') + ",");
+    RegDeleteKeyW(m_key.Key(), std::wstring(255, L'n').c_str());
+    EXPECT_EQ(SubKeysWhile([](HKEY key, DWORD index) { index == 1 ? RegDeleteKeyW(key, L"d") : 0; }), "a,b,c,");
+    EXPECT_EQ(SubKeysWhile([](HKEY key, DWORD index) { index == 1 ? RegDeleteKeyW(key, L"a") : 0; }), "a,c,")
+        << "those behind it move up, so the walk passes over one more";
+    EXPECT_EQ(SubKeysWhile([](HKEY key, DWORD) { CRegKey().Create(key, L"aaaaaa", nullptr, REG_OPTION_VOLATILE); }),
+              "b,");
 }

@@ -1,0 +1,388 @@
+// A preinstallation boot with real hive files on another drive, which the toolkit copies, mounts, reads and takes down:
+// without an installed system, with one of 32 bits, with one of 64, and with each damage that it can have.
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <set>
+
+#include "offline/MachineNames.h"
+#include "offline/WinPeHelper.h"
+#include "registry/FileVersion.h"
+#include "registry/FsRedirection.h"
+#include "registry/HiveRedirection.h"
+#include "registry/RegistryHelper.h"
+#include "registry/SystemFacts.h"
+#include "registry/SystemRoot.h"
+#include "registry/Thrown.h"
+#include "support/FreshProcess.h"
+#include "support/LogCapture.h"
+#include "support/ResourceCounter.h"
+#include "support/ScopedPreinstallation.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using Texts = std::vector<std::wstring>;
+
+constexpr wchar_t kTemp[] = L"E:\\Temp";
+constexpr wchar_t kUserHive[] = L"D:\\Users\\Default\\NTUSER.DAT";
+constexpr wchar_t kVersionKey[] = L"Microsoft\\Windows NT\\CurrentVersion";
+constexpr wchar_t kNetwork[] = L"ControlSet002\\Services\\Tcpip\\Parameters";
+const HMODULE kSelf = GetModuleHandleW(nullptr);
+
+std::wstring InConfig(const wchar_t* file) {
+    return std::wstring(L"D:\\Windows\\System32\\config\\") + file;
+}
+
+// The boot image keeps its temporary files on drive E, as a real one keeps them on X; the installed system is on D.
+class BootedMachine {
+public:
+    explicit BootedMachine(bool has64Bits = true) {
+        fs::create_directories(kTemp);
+        SetEnvironmentVariableW(L"TMP", kTemp);
+        HiveBuilder software;
+        software.SetText(kVersionKey, L"SystemRoot", L"C:\\Windows");
+        software.SetText(std::wstring(kVersionKey) + L"\\ProfileList", L"Default", L"%SystemDrive%\\Users\\Default",
+                         REG_EXPAND_SZ);
+        software.SetText(L"Both", L"v", L"64");
+        if (has64Bits) {
+            software.SetText(L"Wow6432Node\\Microsoft\\Windows\\CurrentVersion", L"ProgramFilesDir (x86)", L"C:\\P");
+            software.SetText(L"Wow6432Node\\Both", L"v", L"32");
+            software.SetText(L"Wow6432Node\\Only32", L"v", L"32");
+        }
+        HiveBuilder system;
+        system.SetNumber(L"Select", L"Default", 1);
+        system.SetNumber(L"Select", L"Current", 2);
+        system.SetText(kNetwork, L"Domain", L"alpha.beta");
+        system.SetText(kNetwork, L"Hostname", L"desk-\xE4");
+        HiveBuilder user;
+        user.SetText(L"Software\\Mark", L"v", L"default user");
+        m_machine.Install(L'D', L"SOFTWARE", software);
+        m_machine.Install(L'D', L"SYSTEM", system);
+        fs::create_directories(fs::path(kUserHive).parent_path());
+        user.Save(kUserHive);
+    }
+    ~BootedMachine() {
+        std::error_code ignored;
+        for (const auto& entry : fs::directory_iterator(kTemp, ignored)) MakeReadOnly(entry.path().c_str(), false);
+        for (const std::wstring& file : {InConfig(L"SOFTWARE"), std::wstring(kUserHive)})
+            MakeReadOnly(file.c_str(), false);
+        for (const wchar_t* folder : {L"D:\\Users", kTemp}) fs::remove_all(folder, ignored);
+    }
+
+    static void MakeReadOnly(const wchar_t* file, bool isReadOnly = true) {
+        SetFileAttributesW(file, isReadOnly ? FILE_ATTRIBUTE_READONLY : FILE_ATTRIBUTE_NORMAL);
+    }
+
+    // How the names of the temporary files go on behind their number.
+    static std::set<std::wstring> TempFiles() {
+        std::set<std::wstring> extensions;
+        for (const auto& entry : fs::directory_iterator(kTemp)) {
+            const std::wstring name = entry.path().filename().wstring();
+            extensions.insert(name.substr(0, 2) + name.substr(name.find(L'.')));
+        }
+        return extensions;
+    }
+
+private:
+    ScopedPreinstallation m_machine;
+};
+
+std::wstring Redirected(LPCWSTR path, REGSAM access = KEY_READ, DWORD nativeViewOnly = 0) {
+    CString result = path;
+    RedirectToOfflineHive(result, access, nativeViewOnly);
+    return result.GetString();
+}
+
+// The value "v", or the status thrown.
+std::wstring ValueBelow(LPCWSTR path, REGSAM access = KEY_READ, DWORD nativeViewOnly = 0) {
+    CString value;
+    const DWORD status = StatusThrownBy(
+        [&] { value = CRegistryHelper(HKEY_LOCAL_MACHINE, path, access, nativeViewOnly).GetStringValue(L"v"); });
+    return status == ERROR_SUCCESS ? value.GetString() : std::to_wstring(status);
+}
+
+// Wine's copy leaves the attributes of an existing target as they are; the system's gives it those of the source.
+BOOL WINAPI CopyWithAttributes(LPCWSTR source, LPCWSTR target, BOOL failIfExists) {
+    return SystemFunction(&CopyFileW, L"kernel32.dll", "CopyFileW")(source, target, failIfExists) &&
+           SetFileAttributesW(target, GetFileAttributesW(source));
+}
+
+// "18+" for the enabling of a privilege and "17-" for the disabling of another, by their numbers in the system.
+std::string s_privileges;
+
+BOOL WINAPI NotePrivilege(HANDLE token, BOOL disableAll, PTOKEN_PRIVILEGES wanted, DWORD bytes,
+                          PTOKEN_PRIVILEGES previous, PDWORD previousBytes) {
+    const auto adjust = SystemFunction(&AdjustTokenPrivileges, L"advapi32.dll", "AdjustTokenPrivileges");
+    const LUID_AND_ATTRIBUTES& privilege = wanted->Privileges[0];
+    s_privileges += std::to_string(privilege.Luid.LowPart) + (privilege.Attributes == SE_PRIVILEGE_ENABLED ? "+" : "-");
+    return adjust(token, disableAll, wanted, bytes, previous, previousBytes);
+}
+
+// Wine answers for any file of this name with its own kernel, so the installed one's version is asked of the test
+// program.
+CString FileBehind(LPCWSTR path) {
+    WCHAR self[1000];
+    GetModuleFileNameW(nullptr, self, 1000);
+    return _wcsicmp(path, L"D:\\Windows\\System32\\kernel32.dll") == 0 ? self : path;
+}
+
+DWORD WINAPI SizeBehind(LPCWSTR path, LPDWORD handle) {
+    const auto size = SystemFunction(&GetFileVersionInfoSizeW, L"version.dll", "GetFileVersionInfoSizeW");
+    return size(FileBehind(path), handle);
+}
+
+BOOL WINAPI ReadBehind(LPCWSTR path, DWORD handle, DWORD size, LPVOID block) {
+    const auto read = SystemFunction(&GetFileVersionInfoW, L"version.dll", "GetFileVersionInfoW");
+    return read(FileBehind(path), handle, size, block);
+}
+
+}  // namespace
+
+TEST(BootImage, WithoutAnInstalledSystem) {
+    EXPECT_IN_FRESH_PROCESS([] {
+        const ScopedPreinstallation machine;
+        EXPECT_EQ(Redirected(L"SOFTWARE\\Microsoft"), L"SOFTWARE\\Microsoft") << "nothing can be mounted";
+        EXPECT_TRUE(CRegistryHelper::KeyExists(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Microsoft\\Windows NT"));
+        testing::internal::CaptureStdout();
+        HKEY list = nullptr;
+        EXPECT_EQ(OpenOfflineProfileList(list), 2u);
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), "RegLoadKey failed - Error:00000002\n");
+        EXPECT_EQ(Facts(), "boot image 1, drive 0, mounted 0, 64 bit 0, mask 20019, 32-bit files ''");
+        for (const wchar_t drive : {L'E', L'D'}) {
+            machine.Install(drive, L"SOFTWARE", HiveBuilder());
+            EXPECT_EQ(FindOfflineWindowsDrive(), drive) << "the first with a hive";
+        }
+        const BootedMachine installed;
+        EXPECT_EQ(ValueBelow(L"SOFTWARE\\Both"), L"64");
+        EXPECT_FALSE(IsOffline64BitOs()) << "asked before the mount, it stays so";
+    });
+}
+
+TEST(BootImage, WithAnInstallationOf32BitsItsKernelTellsTheVersion) {
+    EXPECT_IN_FRESH_PROCESS([] {
+        const BootedMachine installed(false);
+        const ImportPatch<decltype(&SizeBehind)> size(kSelf, "GetFileVersionInfoSizeW", SizeBehind);
+        const ImportPatch<decltype(&ReadBehind)> read(kSelf, "GetFileVersionInfoW", ReadBehind);
+        EXPECT_EQ(Redirected(L"software\\x"), L"OS_software\\x");
+        EXPECT_EQ(Redirected(L"SOFTWARE\\Only32"), L"OS_SOFTWARE\\Only32");
+        EXPECT_EQ(Facts(), "boot image 1, drive 68, mounted 1, 64 bit 0, mask 20019, 32-bit files ''");
+        EXPECT_FALSE(CRegistryHelper::KeyExists(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Classes")) << "the boot image's own";
+        EXPECT_TRUE(CRegistryHelper::KeyExists(HKEY_CURRENT_USER, L"SOFTWARE\\Microsoft")) << "other hives stay";
+        EXPECT_EQ(GetSystemRootPath(), L"C:\\Windows");
+        EXPECT_EQ(VersionFacts(), "10.0.22000.65 vista 7 8 8.1 10 11 workstation");
+        EXPECT_TRUE(CWindowsVersion::GetServicePackText().IsEmpty());
+        WCHAR version[64] = {};
+        EXPECT_EQ(GetOfflineOsVersion(version, 64), 1);
+        EXPECT_STREQ(version, L"10.0.22000.65");
+        CString text;
+        EXPECT_NE(GetFileVersionText(L"E:\\Windows\\System32\\kernel32.dll", text), 0u) << "only drive C is moved";
+        EXPECT_EQ(GetFileVersionText(L"c:\\windows\\system32\\kernel32.dll", text), 0u);
+        // The current control set is the selected one.
+        CRegistryHelper select(HKEY_LOCAL_MACHINE, L"SYSTEM\\Select", KEY_ALL_ACCESS);
+        EXPECT_EQ(Redirected(L"system\\currentCONTROLset\\x"), L"OS_system\\ControlSet002\\x");
+        select.SetStringValue(L"Current", L"3");
+        EXPECT_EQ(Redirected(L"SYSTEM\\CurrentControlSet"), L"OS_SYSTEM\\ControlSet051") << "any four bytes";
+        select.SetStringValue(L"Current", L"too long");
+        EXPECT_EQ(Redirected(L"SYSTEM\\CurrentControlSet"), L"OS_SYSTEM\\CurrentControlSet");
+        select.Close();
+        RegDeleteKeyW(HKEY_LOCAL_MACHINE, L"OS_SYSTEM\\Select");
+        EXPECT_EQ(Redirected(L"system\\currentCONTROLset\\x"), L"OS_system\\currentCONTROLset\\x");
+        EXPECT_EQ(StatusThrownBy([] { GetMachineDomainName(); }), 2u);
+    });
+}
+
+TEST(BootImage, WithAnInstallationOf64BitsBothViewsAreReadAndAllIsTakenDown) {
+    EXPECT_IN_FRESH_PROCESS([] {
+        const BootedMachine machine;
+        std::ofstream(fs::path(InConfig(L"SOFTWARE.log1"))) << "1";
+        std::ofstream(fs::path(InConfig(L"SOFTWARE.log2"))) << "2";
+        const ImportPatch<decltype(&AdjustTokenPrivileges)> privileges(kSelf, "AdjustTokenPrivileges", NotePrivilege);
+        EXPECT_TRUE(DisableFsRedirection());  // does not ask the bitness, which nobody knows before the mount
+        EXPECT_FALSE(RevertFsRedirection());
+        {
+            const LogCapture log;
+            EXPECT_EQ(ValueBelow(L"SOFTWARE\\Both"), L"64");
+            EXPECT_EQ(log.Messages(LogLevel::Error), Texts());
+            EXPECT_EQ(log.Messages(LogLevel::Informational).size(), 4u) << "two hives without logs";
+            EXPECT_TRUE(log.Contains(LogLevel::Informational,
+                                     L"Unable to copy reg file('D:\\Windows\\System32\\config\\SYSTEM.log1') to temp "
+                                     L"directory. Error:00000002"));
+            EXPECT_TRUE(log.Contains(LogLevel::Trace, L"GetLastError() for SE_BACKUP_NAME privilege returns 0x0\n"));
+        }
+        const LogCapture log;
+        EXPECT_EQ(WinPeHelper::LoadLocalMachineProfile(), 0u);
+        EXPECT_EQ(log.GetLines(), std::vector<LogCapture::Line>()) << "what is mounted is told to nobody";
+        EXPECT_EQ(Facts(), "boot image 1, drive 68, mounted 1, 64 bit 1, mask 20119, 32-bit files ''");
+        EXPECT_TRUE(DisableFsRedirection());
+        EXPECT_FALSE(RevertFsRedirection());
+        EXPECT_EQ(ValueBelow(L"SOFTWARE\\Both", KEY_READ | KEY_WOW64_32KEY), L"32");
+        EXPECT_EQ(Redirected(L"SOFTWARE\\Both", KEY_READ | KEY_WOW64_32KEY, 1), L"OS_SOFTWARE\\Both");
+        EXPECT_EQ(ValueBelow(L"SOFTWARE\\Only32"), L"32");
+        EXPECT_EQ(ValueBelow(L"SOFTWARE\\Only32", KEY_READ | KEY_WOW64_64KEY), L"2");
+        EXPECT_EQ(ValueBelow(L"SOFTWARE\\Only32", KEY_READ, 1), L"2");
+        EXPECT_EQ(Redirected(L"SOFTWARE\\Nowhere"), L"OS_SOFTWARE\\Wow6432Node\\Nowhere");
+        // A key that is made in one view is read back there, and not in the other.
+        CRegistryHelper(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Made", KEY_WRITE | KEY_WOW64_32KEY).SetStringValue(L"v", L"32");
+        EXPECT_EQ(ValueBelow(L"OS_SOFTWARE\\Wow6432Node\\Made"), L"32");
+        EXPECT_EQ(ValueBelow(L"SOFTWARE\\Made", KEY_READ | KEY_WOW64_64KEY), L"2");
+        CRegistryHelper::EnsureKeyAndChild(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Made64", L"child", nullptr, 0, true);
+        CRegistryHelper::CreateChildKey(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Made32", nullptr, 0);
+        EXPECT_EQ(ValueBelow(L"OS_SOFTWARE\\Made64\\child"), L"");
+        EXPECT_EQ(ValueBelow(L"OS_SOFTWARE\\Wow6432Node\\Made32"), L"");
+        {
+            const ResourceCounter counter({kSelf, LoadedModule(L"framework.dll")});
+            for (int i = 0; i < 100; ++i) {
+                for (const LPCWSTR path : {L"SOFTWARE\\Both", L"SOFTWARE\\No\\CurrentControlSet"}) Redirected(path);
+                CRegistryHelper::KeyExists(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Nowhere");
+            }
+            EXPECT_GE(counter.Created("registry handle"), 500);
+            EXPECT_EQ(counter.Report(), "");
+        }
+        EXPECT_EQ(CRegistryHelper(HKEY_USERS, L"OS_DEFAULT\\Software\\Mark", KEY_READ).GetStringValue(L"v"),
+                  L"default user");
+        EXPECT_EQ(GetMachineDomainName(), L"ALPHA");
+        EXPECT_EQ(GetMachineHostName(), L"DESK-\xC4");
+        CString name;
+        EXPECT_TRUE(GetMachineName(name));
+        EXPECT_EQ(name, L"DESK-\xC4");
+        HKEY list = nullptr;
+        EXPECT_EQ(OpenOfflineProfileList(list), 0u);
+        EXPECT_EQ(RegQueryValueExW(list, L"Default", nullptr, nullptr, nullptr, nullptr), 0);
+        RegCloseKey(list);
+        EXPECT_EQ(BootedMachine::TempFiles(), (std::set<std::wstring>{L"Z7.tmp", L"Z7.tmp.log1", L"Z7.tmp.log2"}));
+        EXPECT_EQ(s_privileges, "18+17+") << "restoring, then saving";
+        WinPeHelper::UnloadLocalMachineProfile();
+        EXPECT_EQ(s_privileges, "18+17+18+17+18-17-");
+        EXPECT_FALSE(IsOfflineSoftwareMounted());
+        EXPECT_EQ(CRegKey().Open(HKEY_LOCAL_MACHINE, L"OS_SYSTEM", KEY_READ), 2);
+        EXPECT_EQ(CRegKey().Open(HKEY_USERS, L"OS_DEFAULT", KEY_READ), 2);
+        EXPECT_EQ(BootedMachine::TempFiles(), (std::set<std::wstring>{L"Z7.tmp.log1", L"Z7.tmp.log2"}));
+        EXPECT_EQ(log.Messages(LogLevel::Warning), Texts());
+        EXPECT_EQ(ValueBelow(L"SOFTWARE\\Both"), L"64") << "mounted again";
+    });
+}
+
+// A machine is well until one thing is broken. What is mounted before the failure stays, so the next call finds it
+// done.
+TEST(BootImage, EachDamageHasItsStatusAndItsLogLines) {
+    const std::wstring noTempFile = L"Unable to get temp file name for registry node. Error:";
+    const std::wstring noSoftware = L"Failed to load HKLM\\SOFTWARE file with Error:";
+    const std::wstring noSystem = L"Failed to load HKLM\\SYSTEM file with Error:";
+    const struct {
+        const char* name;
+        void (*breakIt)();
+        DWORD status, nextStatus;
+        Texts errors;
+    } cases[] = {
+        {"no installed system",
+         [] { fs::remove(InConfig(L"SOFTWARE")); },
+         2,
+         2,
+         {L"PE Win Profile Drive could not be found!"}},
+        {"no SYSTEM hive",
+         [] { fs::remove(InConfig(L"SYSTEM")); },
+         2,
+         0,
+         {L"Unable to copy reg file('D:\\Windows\\System32\\config\\SYSTEM') to temp directory. Error:00000002",
+          noSystem + L"00000002"}},
+        {"a hive without write permission",
+         [] { BootedMachine::MakeReadOnly(InConfig(L"SOFTWARE").c_str()); },
+         5,
+         5,
+         {noTempFile + L"00000005", noSoftware + L"00000005"}},
+        {"no folder for temporary files",
+         [] { fs::remove_all(kTemp); },
+         267,
+         267,
+         {noTempFile + L"0000010b", noSoftware + L"0000010b"}},
+        {"no default user's hive",
+         [] { fs::remove(kUserHive); },
+         2,
+         0,
+         {L"Unable to copy reg file('D:\\Users\\Default\\NTUSER.DAT') to temp directory. Error:00000002",
+          L"Failed to load HKU\\.DEFAULT file with Error:00000002"}},
+        {"no version key and no list of profiles",
+         [] {
+             fs::remove(InConfig(L"SOFTWARE"));
+             HiveBuilder().Save(InConfig(L"SOFTWARE"));
+         },
+         5,
+         0,
+         {L"Failed to load Default User Profile Path!"}},
+        {"a taken name", [] { CRegKey().Create(HKEY_LOCAL_MACHINE, L"OS_SYSTEM"); }, 183, 0, {noSystem + L"000000b7"}},
+        {"a hive that is none",
+         [] { std::ofstream(fs::path(InConfig(L"SYSTEM"))) << "no hive"; },
+         1017,
+         0,
+         {noSystem + L"000003f9"}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_IN_FRESH_PROCESS([&] {
+            const BootedMachine machine;
+            const ImportPatch<decltype(&CopyFileW)> copying(kSelf, "CopyFileW", CopyWithAttributes);
+            c.breakIt();
+            const LogCapture log;
+            EXPECT_EQ(WinPeHelper::LoadLocalMachineProfile(), c.status);
+            EXPECT_EQ(log.Messages(LogLevel::Error), c.errors);
+            EXPECT_EQ(WinPeHelper::LoadLocalMachineProfile(), c.nextStatus);
+            if (c.errors[0] != L"Failed to load Default User Profile Path!") return;
+            for (int again = 0; again < 2; ++again) EXPECT_EQ(StatusThrownBy([] { GetSystemRootPath(); }), 2u);
+            EXPECT_EQ(StatusThrownBy([] { CWindowsVersion::IsVistaOrLater(); }), 2u);
+            EXPECT_EQ(VersionFacts(), " pre") << "thrown once, and zeros from then on";
+            WCHAR version[8] = {};
+            EXPECT_EQ(StatusThrownBy([&] { GetOfflineOsVersion(version, 8); }), 2u);
+        });
+    }
+}
+
+TEST(BootImage, ANodeIsTakenDownOnceItsKeysAreClosed) {
+    EXPECT_IN_FRESH_PROCESS([] {
+        const BootedMachine machine;
+        EnableHivePrivileges();
+        CString tempFile;
+        ASSERT_EQ(WinPeHelper::LoadRegistryNode(HKEY_USERS, L"OS_DEFAULT", kUserHive, tempFile), 0u);
+        const std::wstring copy = tempFile.GetString();
+        CRegKey key;
+        ASSERT_EQ(key.Open(HKEY_USERS, L"OS_DEFAULT", KEY_READ), 0);
+        EXPECT_EQ(WinPeHelper::UnloadRegistryNode(HKEY_USERS, L"OS_DEFAULT", tempFile), 5u);
+        EXPECT_EQ(tempFile, copy.c_str());
+        key.Close();
+        // A copy that somebody reads cannot be deleted; the mount is gone all the same.
+        std::ifstream reader{fs::path(copy)};
+        const LogCapture log;
+        EXPECT_EQ(WinPeHelper::UnloadRegistryNode(HKEY_USERS, L"OS_DEFAULT", tempFile), 0u);
+        EXPECT_TRUE(tempFile.IsEmpty());
+        EXPECT_EQ(log.Messages(LogLevel::Warning),
+                  (Texts{L"Unable to delete temp OS_DEFAULT reg file:'" + copy + L"'. Error:00000020"}));
+        testing::internal::CaptureStdout();
+        EXPECT_EQ(CheckFileReadWrite(L"D:\\none"), 2u);
+        EXPECT_EQ(CheckFileReadWrite(kUserHive), 0u);
+        BootedMachine::MakeReadOnly(kUserHive);
+        EXPECT_EQ(CheckFileReadWrite(kUserHive), 5u);
+        EXPECT_EQ(testing::internal::GetCapturedStdout(),
+                  "'D:\\none' does not exist\nRead/Write Permissions Failed - errno:13\n");
+    });
+}
+
+TEST(RunningSystem, HasNamesOfItsOwnAndKeepsAKeyOfTheOfflineName) {
+    const LPCWSTR path = L"System\\CurrentControlSet\\Services\\Tcpip\\Parameters";
+    CRegistryHelper key(HKEY_LOCAL_MACHINE, path, KEY_ALL_ACCESS);
+    for (const auto& [domain, label] : {std::pair(L"a.b.c", L"A"), {L".local", L".LOCAL"}, {L"alpha", L"ALPHA"}}) {
+        key.SetStringValue(L"Domain", domain);
+        EXPECT_EQ(GetMachineDomainName(), label);
+    }
+    RegDeleteValueW(key, L"Domain");
+    EXPECT_EQ(GetMachineDomainName(), L"");
+    CString name;
+    EXPECT_TRUE(GetMachineName(name));
+    EXPECT_EQ(name, _wgetenv(L"COMPUTERNAME"));
+    const ImportPatch<decltype(&GetComputerNameW)> tooLong(kSelf, "GetComputerNameW",
+                                                           [](LPWSTR, LPDWORD size) { return BOOL{*size != 16}; });
+    EXPECT_FALSE(GetMachineName(name));
+    EXPECT_EQ(name, _wgetenv(L"COMPUTERNAME")) << "as it was";
+    ASSERT_EQ(CRegKey().Create(HKEY_LOCAL_MACHINE, L"OS_SOFTWARE"), 0);
+    WinPeHelper::UnloadLocalMachineProfile();
+    EXPECT_EQ(RegDeleteKeyW(HKEY_LOCAL_MACHINE, L"OS_SOFTWARE"), 0) << "still there";
+}
