@@ -9,7 +9,7 @@
 
 TEST(FollowSize, EachSetOfFlagsInALargerAndASmallerWindow) {
     const struct {
-        std::uint32_t flags;
+        std::uint32_t flags = 0;
         AnchoredSpan at150, at33;
     } cases[] = {
         {0, {15, 52}, {3, 11}},

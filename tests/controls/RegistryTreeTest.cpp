@@ -187,7 +187,8 @@ TEST_F(RegistryTree, ReadsNothingBeforeItIsNeededAndEachKeyOnce) {
         m_key.AddKey(L"later");
         watch.Take();
         m_tree.SelectItem(item);
-        for (const WPARAM key : {VK_LEFT, VK_RIGHT}) m_tree.SendMessage(WM_KEYDOWN, key);  // closed and opened again
+        for (const WPARAM key : {WPARAM{VK_LEFT}, WPARAM{VK_RIGHT}})
+            m_tree.SendMessage(WM_KEYDOWN, key);  // closed and opened again
         EXPECT_EQ(watch.Take(), L"") << "once in the life of the tree";
         EXPECT_NE(GetCursor(), LoadCursorW(nullptr, IDC_WAIT)) << "seen while it reads only";
         m_tree.DestroyWindow();

@@ -16,7 +16,7 @@ class CFrameworkTestApp : public CWinApp {
 public:
     std::vector<CString> m_boxes;
 
-    int DoMessageBox(LPCWSTR text, UINT, UINT) override { return m_boxes.push_back(text), IDOK; }
+    int DoMessageBox(LPCWSTR text, UINT, UINT) override { return m_boxes.emplace_back(text), IDOK; }
 };
 
 inline CFrameworkTestApp theFrameworkTestApp;

@@ -195,8 +195,9 @@ TEST_F(Window, AMessageBoxOfTheUsualKindsHasAnIcon) {
                                                         return IDNO;
                                                     });
     AFX_MODULE_STATE withoutApp(nullptr);
-    for (const UINT type : {MB_OK, MB_OKCANCEL | MB_DEFBUTTON2, MB_YESNO, MB_YESNOCANCEL, MB_RETRYCANCEL,
-                            MB_ABORTRETRYIGNORE, MB_YESNO | MB_ICONQUESTION, MB_OK | MB_ICONSTOP}) {
+    for (const long flags : {MB_OK, MB_OKCANCEL | MB_DEFBUTTON2, MB_YESNO, MB_YESNOCANCEL, MB_RETRYCANCEL,
+                             MB_ABORTRETRYIGNORE, MB_YESNO | MB_ICONQUESTION, MB_OK | MB_ICONSTOP}) {
+        const auto type = static_cast<UINT>(flags);
         const bool isUsual = type != MB_RETRYCANCEL && type != MB_ABORTRETRYIGNORE && (type & MB_ICONMASK) == 0;
         EXPECT_EQ(theFrameworkTestApp.CWinApp::DoMessageBox(L"", type, 0), IDNO);
         EXPECT_EQ(std::exchange(s_type, 0), isUsual ? type | MB_ICONEXCLAMATION : type);
