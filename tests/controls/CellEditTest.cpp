@@ -1,5 +1,7 @@
 // The edit over a cell: how it ends, what it tells, and what may happen while it ends.
 #include "controls/ControlsHost.h"
+#include "entry/HiveText.h"
+#include "entry/Hives.h"
 #include "support/WindowText.h"
 
 namespace {
@@ -205,4 +207,12 @@ TEST_F(CellEdit, PaintsWithTheColoursThatEachCallSets) {
             }
         });
     });
+}
+
+TEST(HiveText, TheTableIsFilledFromTheStringTable) {
+    for (std::size_t row = 0; row < Hives().size(); ++row) {
+        EXPECT_EQ(Hives()[row].rootKey, ShippedHives()[row].rootKey);
+        EXPECT_EQ(Hives()[row].fullName + Hives()[row].abbreviation,
+                  ShippedHives()[row].fullName + ShippedHives()[row].abbreviation);
+    }
 }

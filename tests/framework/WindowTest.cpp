@@ -167,6 +167,19 @@ TEST_F(Window, ReflectsNotificationsToAnObjectInItsOwnModuleState) {
               ::DefWindowProcW(parent, WM_CTLCOLORSTATIC, dc, 0));
 }
 
+TEST_F(Window, AnExchangeSetsOnlyTextsThatAreNewInControlsThatThereAre) {
+    CCounted window;
+    ASSERT_TRUE(CreateHidden(window));
+    const HWND edit = CreateBareChild(window, L"EDIT");
+    ::SetWindowLongPtrW(edit, GWLP_ID, kChildId);
+    ::SendMessageW(edit, EM_SETSEL, 3, 5);
+    CDataExchange exchange(&window, FALSE);
+    CString text = L"before";
+    DDX_Text(&exchange, kChildId, text);
+    EXPECT_EQ(::SendMessageW(edit, EM_GETSEL, 0, 0), MAKELRESULT(3, 5));
+    EXPECT_THROW(DDX_Text(&exchange, kChildId + 1, text), CNotSupportedException*);
+}
+
 TEST_F(Window, WhatAHandlerThrowsOutsideOfADialogIsToldToTheUserAndEndsThere) {
     CCounted window;
     ASSERT_TRUE(CreateHidden(window));
