@@ -22,6 +22,8 @@ bool IsDown(int key) {
 BEGIN_MESSAGE_MAP(CComboListCtrl, CListCtrl)
 ON_WM_HSCROLL()
 ON_WM_VSCROLL()
+ON_MESSAGE(WM_MOUSEWHEEL, &CComboListCtrl::OnWheel)
+ON_MESSAGE(WM_MOUSEHWHEEL, &CComboListCtrl::OnWheel)
 ON_WM_LBUTTONDOWN()
 ON_WM_LBUTTONDBLCLK()
 ON_WM_KEYDOWN()
@@ -168,20 +170,36 @@ CInPlaceCombo* CComboListCtrl::ShowInPlaceCombo(int row, int column, const CStri
     return shown ? combo : nullptr;
 }
 
-void CComboListCtrl::EndOpenEdit() {
+bool CComboListCtrl::EndOpenEdit() {
+    // The end of one may open another: a Type that became Value asks for the name.
+    for (HWND editor = ::GetFocus(); ::IsChild(m_hWnd, editor); editor = ::GetFocus()) {
+        SetFocus();
+        if (::GetFocus() == editor) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void CComboListCtrl::TakeFocus() {
     if (GetFocus() != this) {
         SetFocus();
     }
 }
 
 void CComboListCtrl::OnHScroll(UINT code, UINT position, CScrollBar* bar) {
-    EndOpenEdit();
+    TakeFocus();
     CListCtrl::OnHScroll(code, position, bar);
 }
 
 void CComboListCtrl::OnVScroll(UINT code, UINT position, CScrollBar* bar) {
-    EndOpenEdit();
+    TakeFocus();
     CListCtrl::OnVScroll(code, position, bar);
+}
+
+// The rows must not move under an open editor.
+LRESULT CComboListCtrl::OnWheel(WPARAM, LPARAM) {
+    return EndOpenEdit() ? Default() : 0;
 }
 
 void CComboListCtrl::OnLButtonDown(UINT flags, CPoint point) {

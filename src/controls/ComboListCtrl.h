@@ -43,6 +43,8 @@ public:
     // Opens the editor of a cell: a drop-down or an edit. Nothing happens while another edit is open, for a row that
     // does not have the focus, for a read-only column, and for a cell that does not exist.
     void EditCell(int row, int column);
+    // Takes the focus from an editor that is open, which ends it. False when one is left open that holds a refused key.
+    bool EndOpenEdit();
     void ShowInPlaceEdit(int row, int column, const CString& text);
     // Null, and nothing on the screen, for a cell that does not exist or is too narrow for a drop-down. The combo box
     // belongs to its class, not to the caller.
@@ -51,6 +53,7 @@ public:
 protected:
     afx_msg void OnHScroll(UINT code, UINT position, CScrollBar* bar);
     afx_msg void OnVScroll(UINT code, UINT position, CScrollBar* bar);
+    afx_msg LRESULT OnWheel(WPARAM wParam, LPARAM lParam);
     afx_msg void OnLButtonDown(UINT flags, CPoint point);
     afx_msg void OnLButtonDblClk(UINT flags, CPoint point);
     afx_msg void OnKeyDown(UINT key, UINT repeat, UINT flags);
@@ -66,7 +69,7 @@ private:
     bool HasColumn(int column) const;
     std::vector<int> ColumnWidths() const;
     LRESULT TellParent(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const;
-    void EndOpenEdit();
+    void TakeFocus();
 
     ColumnSet m_ComboColumns;
     ColumnSet m_ReadOnlyColumns;

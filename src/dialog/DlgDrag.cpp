@@ -12,6 +12,7 @@ const CPoint hotSpot(10, 10);
 }
 
 void CRegistryRulesDlg::BeginRuleDrag(const NMTREEVIEWW& notification) {
+    if (!MayBeginRuleDrag()) return;
     m_dragItem = notification.itemNew.hItem;
     m_registryTree.SelectItem(m_dragItem);
     delete m_dragImage;
@@ -65,24 +66,15 @@ void CRegistryRulesDlg::HighlightDropRow(CPoint screenPoint) {
     m_ruleList.UpdateWindow();
 }
 
-void CRegistryRulesDlg::EndRuleDrag(CPoint point) {
-    if (m_dragImage == nullptr) return;
-    StopDragging();
-    ClientToScreen(&point);
-    if (WindowFromPoint(point) == &m_ruleList) DropTreeItem(m_ruleList);
-}
-
-void CRegistryRulesDlg::StopDragging() {
+void CRegistryRulesDlg::RemoveDragImage() {
     CImageList::DragLeave(GetDesktopWindow());
     CImageList::EndDrag();
-    ReleaseCapture();
-    m_dragActive = false;
+    if (m_dropRow != -1) m_ruleList.SetItemState(m_dropRow, 0, LVIS_DROPHILITED);
 }
 
-// The dialog can end in the middle of a drag, by Escape say. The image that floats over the whole desktop must not
-// outlive it, and the next run must not begin with a drag.
-void CRegistryRulesDlg::AbandonRuleDrag() {
-    if (m_dragActive) StopDragging();
+void CRegistryRulesDlg::DropRule(CPoint point) {
+    ClientToScreen(&point);
+    if (WindowFromPoint(point) == &m_ruleList) DropTreeItem(m_ruleList);
 }
 
 void CRegistryRulesDlg::DropTreeItem(CListCtrl& list) {

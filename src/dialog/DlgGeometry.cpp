@@ -1,5 +1,4 @@
-// The dialog's run-time geometry: the strip fitted to the font, the gap between tree and list that the user drags, and
-// the mouse, which serves the drag of a rule while there is one and the gap otherwise.
+// The dialog's run-time geometry: the strip fitted to the font, and the gap between tree and list that the user drags.
 #include "dialog/DialogGeometry.h"
 #include "dialog/RegistryRulesDlg.h"
 #include "helpers/CursorHelper.h"
@@ -75,13 +74,20 @@ void CRegistryRulesDlg::ComputeSplitterRect() {
 bool CRegistryRulesDlg::MoveSplitter(CPoint point) {
     const int delta = m_splitterPosX - point.x;
     m_splitterPosX = point.x;
+    CRect strip;
     for (const geometry::SplitterFollower& follower : geometry::SplitterFollowers()) {
-        const CRect moved = ToRect(geometry::Follow(follower, ToBox(ControlRect(follower.controlId)), delta));
+        const CRect before = ControlRect(follower.controlId);
+        const CRect moved = ToRect(geometry::Follow(follower, ToBox(before), delta));
         CWnd* const control = GetDlgItem(follower.controlId);
         control->MoveWindow(&moved);
         control->InvalidateRect(nullptr, FALSE);
         control->UpdateWindow();
+        if (follower.controlId == IDC_REGISTRY_TREE || follower.controlId == IDC_RULE_LIST) continue;
+        ::UnionRect(&strip, &strip, &before);
+        ::UnionRect(&strip, &strip, &moved);
     }
+    // The frames of the heads do not paint their inside and carry along what another control has left there by then.
+    RedrawWindow(&strip, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
     m_splitterRect.left -= delta;
     m_splitterRect.right -= delta;
     return true;
@@ -101,13 +107,6 @@ void CRegistryRulesDlg::BeginSplitterDrag(CPoint point) {
     ClipCursor(&bounds);
 }
 
-void CRegistryRulesDlg::EndSplitterDrag() {
-    if (m_splitterActive == 0) return;
-    m_splitterActive = 0;
-    ClipCursor(nullptr);
-    ReleaseCapture();
-}
-
 void CRegistryRulesDlg::TrackSplitter(CPoint point) {
     if (m_splitterActive == 0) {
         if (IsInSplitter(point))
@@ -120,25 +119,4 @@ void CRegistryRulesDlg::TrackSplitter(CPoint point) {
     } else if (IsInSplitter(point)) {
         m_splitterIdle = 0;
     }
-}
-
-void CRegistryRulesDlg::OnLButtonDown(UINT flags, CPoint point) {
-    if (IsInSplitter(point)) BeginSplitterDrag(point);
-    CBvDialogBase::OnLButtonDown(flags, point);
-}
-
-void CRegistryRulesDlg::OnLButtonUp(UINT flags, CPoint point) {
-    if (m_dragActive)
-        EndRuleDrag(point);
-    else
-        EndSplitterDrag();
-    CBvDialogBase::OnLButtonUp(flags, point);
-}
-
-void CRegistryRulesDlg::OnMouseMove(UINT flags, CPoint point) {
-    if (m_dragActive)
-        UpdateRuleDrag(point);
-    else
-        TrackSplitter(point);
-    CBvDialogBase::OnMouseMove(flags, point);
 }

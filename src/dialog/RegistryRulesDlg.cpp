@@ -22,6 +22,9 @@ ON_CBN_SELCHANGE(IDC_NEW_TYPE, &CRegistryRulesDlg::OnTypeSelChange)
 ON_WM_LBUTTONDOWN()
 ON_WM_LBUTTONUP()
 ON_WM_MOUSEMOVE()
+ON_MESSAGE(WM_CAPTURECHANGED, &CRegistryRulesDlg::OnCaptureChanged)
+ON_MESSAGE(WM_ENABLE, &CRegistryRulesDlg::OnEnableMessage)
+ON_WM_DESTROY()
 ON_WM_CLOSE()
 ON_WM_SIZE()
 ON_MESSAGE(RRM_ENABLE_CELL_EDIT, &CRegistryRulesDlg::OnEnableCellEdit)
@@ -70,6 +73,7 @@ BOOL CRegistryRulesDlg::OnInitDialog() {
     CBvDialogBase::OnInitDialog();
     // A cell that held a refused key when the run before was ended went down with its window.
     m_mayLeaveEdit = 1;
+    m_hostCursor = ::GetCursor();
     m_registryTree.Initialize(true);
     InitRuleList();
     ResetStrip();
@@ -85,18 +89,16 @@ void CRegistryRulesDlg::OnOK() {
     if (!CommitStrip()) return;
     m_resultCode = RULES_RESULT_OK;
     HarvestRules();
-    AbandonRuleDrag();
-    EndSplitterDrag();
+    EndMouseMode();
     CDialog::OnOK();
 }
 
 void CRegistryRulesDlg::OnCancel() {
     // The code stays even when the user then decides to stay.
     m_resultCode = RULES_RESULT_CANCEL;
-    // Escape comes here in the middle of a drag of the splitter too; the question's buttons must be within reach.
-    EndSplitterDrag();
-    if (m_dirty != 0 && AfxMessageBox(LoadResourceString(IDS_CONFIRM_CANCEL), MB_YESNO) == IDNO) return;
-    AbandonRuleDrag();
+    // A question that was closed by other means, or never shown, was not answered with Yes.
+    if (m_dirty != 0 && AfxMessageBox(LoadResourceString(IDS_CONFIRM_CANCEL), MB_YESNO) != IDYES) return;
+    EndMouseMode();
     CDialog::OnCancel();
 }
 

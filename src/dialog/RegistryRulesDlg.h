@@ -1,8 +1,8 @@
 // The modal dialog in which the administrator edits the rules, and the rule sets that it reads and rewrites.
 //
 // Its parts stand in files of their own: RuleSets.cpp (the sets), DlgRows.cpp (rows of the list), DlgDrag.cpp (drag
-// from the tree), DlgStrip.cpp (the new-rule strip), DlgGeometry.cpp (layout and splitter). RegistryRulesDlg.cpp holds
-// the life of the dialog and its message table.
+// from the tree), DlgStrip.cpp (the new-rule strip), DlgGeometry.cpp (layout and splitter), DlgMouse.cpp (what the
+// mouse does, and how it ends). RegistryRulesDlg.cpp holds the life of the dialog and its message table.
 #pragma once
 
 #include <afxcmn.h>
@@ -54,11 +54,13 @@ public:
 protected:
     void DoDataExchange(CDataExchange* exchange) override;
     BOOL OnInitDialog() override;
+    BOOL PreTranslateMessage(MSG* message) override;
     void OnOK() override;
     void OnCancel() override;
 
     // Lifecycle
     afx_msg void OnClose();
+    afx_msg void OnDestroy();
     afx_msg void OnSize(UINT type, int width, int height);
 
     // Rows
@@ -92,6 +94,8 @@ protected:
     afx_msg void OnLButtonDown(UINT flags, CPoint point);
     afx_msg void OnLButtonUp(UINT flags, CPoint point);
     afx_msg void OnMouseMove(UINT flags, CPoint point);
+    afx_msg LRESULT OnCaptureChanged(WPARAM wParam, LPARAM taker);
+    afx_msg LRESULT OnEnableMessage(WPARAM enabled, LPARAM lParam);
 
     DECLARE_MESSAGE_MAP()
 
@@ -124,12 +128,17 @@ private:
     // DlgDrag.cpp
     void BeginRuleDrag(const NMTREEVIEWW& notification);
     void UpdateRuleDrag(CPoint point);
-    void EndRuleDrag(CPoint point);
     void LeaveDragTarget();
     void HighlightDropRow(CPoint screenPoint);
-    void StopDragging();
-    void AbandonRuleDrag();
+    void RemoveDragImage();
+    void DropRule(CPoint point);
     void DropTreeItem(CListCtrl& list);
+
+    // DlgMouse.cpp
+    bool MayBeginRuleDrag();
+    bool HasCapture() const;
+    // Ends the drag of a rule, without a drop, or of the gap; nothing happens when there is none.
+    void EndMouseMode();
 
     // DlgGeometry.cpp
     void LayoutStrip();
@@ -141,7 +150,6 @@ private:
     bool IsInSplitter(CPoint point) const;
     void BeginSplitterDrag(CPoint point);
     void TrackSplitter(CPoint point);
-    void EndSplitterDrag();
 
     static RuleSet<CKeyRule> s_keyRules;
     static RuleSet<CValueRule> s_valueRules;
@@ -179,4 +187,5 @@ private:
     bool m_dragActive = false;
     CImageList* m_dragImage = nullptr;
     HTREEITEM m_dragItem = nullptr;
+    HCURSOR m_hostCursor = nullptr;  // in force when the dialog opened
 };

@@ -7,7 +7,8 @@ int s_boxesUp = 0;
 
 }  // namespace
 
-int ShowEntryMessage(const CString& text, UINT type) {
+int ShowEntryMessage(HWND edit, const CString& text, UINT type) {
+    if (!::IsWindowVisible(edit)) return IDCANCEL;
     struct Count {
         Count() { ++s_boxesUp; }
         ~Count() { --s_boxesUp; }

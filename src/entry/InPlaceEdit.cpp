@@ -69,6 +69,9 @@ BOOL CInPlaceEdit::PreTranslateMessage(MSG* pMsg) {
 
 LRESULT CInPlaceEdit::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
     const CEditorScope<CInPlaceEdit> scope(this);
+    // An edit of one line has no use for the wheel and leaves it to its parent; Wine 8.0's swallows it.
+    if (message == WM_MOUSEWHEEL || message == WM_MOUSEHWHEEL)
+        return ::SendMessageW(::GetParent(m_hWnd), message, wParam, lParam);
     return CColorEdit::WindowProc(message, wParam, lParam);
 }
 
@@ -100,7 +103,7 @@ void CInPlaceEdit::OnChar(UINT nChar, UINT nRepCnt, UINT nFlags) {
         // The text to fill in is the format itself, so the box shows it twice over; it has always read like that.
         CString message;
         message.Format(LoadResourceString(IDS_NOT_ALLOWED), m_strNotAllowed.GetString());
-        ShowEntryMessage(message, MB_OK);
+        ShowEntryMessage(m_hWnd, message, MB_OK);
         return;
     }
     CColorEdit::OnChar(nChar, nRepCnt, nFlags);
@@ -138,7 +141,7 @@ void CInPlaceEdit::EndEdit() {
 
 int CInPlaceEdit::ConfirmDeletedKey(HWND dialog) {
     const HWND window = m_hWnd;
-    const int answer = ShowEntryMessage(LoadResourceString(IDS_UNKNOWN_HIVE), MB_OKCANCEL);
+    const int answer = ShowEntryMessage(m_hWnd, LoadResourceString(IDS_UNKNOWN_HIVE), MB_OKCANCEL);
     if (m_hWnd != window) return KEY_DISMISSED;
     if (answer == IDOK) {
         SetFocus();

@@ -41,7 +41,7 @@ int CValidateKeyEdit::ValidateKey() {
     }
 
     const HWND window = m_hWnd;
-    const int answer = ShowEntryMessage(LoadResourceString(RefusalId(check.verdict)), MB_OKCANCEL);
+    const int answer = ShowEntryMessage(m_hWnd, LoadResourceString(RefusalId(check.verdict)), MB_OKCANCEL);
     if (m_hWnd != window) return KEY_DISMISSED;
     if (answer != IDOK) {
         if (check.verdict == KeyVerdict::KeyUnknownHive) SetWindowText(L"");

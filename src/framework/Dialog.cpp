@@ -169,6 +169,12 @@ void CDialog::EndDialog(int result) {
     PostMessage(WM_NULL);  // the loop may be asleep: the handler can have been called by a sent message
 }
 
+// A window that goes without EndDialog, with its owner say, must wake the loop as well.
+void CDialog::PostNcDestroy() {
+    if (m_isModal) ::PostThreadMessageW(::GetCurrentThreadId(), WM_NULL, 0, 0);
+    CWnd::PostNcDestroy();
+}
+
 BOOL CDialog::PreTranslateMessage(MSG* message) {
     const UINT number = message->message;
     const bool isInput =

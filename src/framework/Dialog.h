@@ -54,6 +54,8 @@ protected:
     virtual void OnOK();
     virtual void OnCancel();
 
+    void PostNcDestroy() override;
+
     DECLARE_MESSAGE_MAP()
 
 private:

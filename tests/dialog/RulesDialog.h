@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <gtest/gtest.h>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -26,6 +27,11 @@ private:
 };
 
 class RulesDialog : public testing::Test {
+public:
+    // Opens the dialog, throws the gap between tree and list about, and compares what stands on the screen after each
+    // move with a fresh paint.
+    static void MoveTheGapAbout();
+
 protected:
     using Texts = std::vector<std::wstring>;
 
@@ -49,6 +55,11 @@ protected:
 
     // The rows as "TYPE|KEY|VALUE".
     static Texts Rows(Dialog& d);
+    // All that an administrator sees of the dialog, a text for each thing.
+    using Look = std::map<std::string, std::wstring>;
+    // What looks different since the last call, or since the dialog opened.
+    Look Changes(Dialog& d);
+
     // The in-place edit or drop-down over a cell, or null.
     static HWND CellEdit(Dialog& d);
     static HWND CellCombo(Dialog& d);
@@ -81,5 +92,8 @@ protected:
     DialogDriver driver;
 
 private:
+    static Look LookAt(Dialog& d);
+
+    Look m_look;
     static HWND OpenCell(Dialog& d, int row, int column, HWND (*editor)(Dialog&));
 };

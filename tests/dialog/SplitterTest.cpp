@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "dialog/RulesDialog.h"
-#include "support/Input.h"
 
 namespace {
 
@@ -158,7 +157,7 @@ TEST_F(Splitter, EscapeInTheMiddleFreesTheMouseBeforeTheQuestion) {
         EXPECT_EQ(d.ExpectBox(), confirmCancel);
         EXPECT_FALSE(IsClipped());
         EXPECT_EQ(d.Capture(), nullptr);
-        input::LeftUp();
+        d.Release();
         d.AnswerBox(IDNO);
         const Layout before = AllPlaces(d);
         d.Move({gap.x - 40, gap.y});
@@ -173,5 +172,4 @@ TEST_F(Splitter, EscapeInTheMiddleFreesTheMouseBeforeTheQuestion) {
     });
     EXPECT_FALSE(IsClipped()) << "OK ends it too";
     EXPECT_EQ(GetCapture(), nullptr);
-    input::LeftUp();
 }

@@ -1,79 +1,556 @@
 #include "support/DialogDriver.h"
 
+#include <algorithm>
+#include <cwctype>
+#include <exception>
 #include <gtest/gtest.h>
 #include <thread>
-#include <utility>
 
-#include "support/Input.h"
+#include "support/Narrow.h"
+#include "support/WindowText.h"
 
 namespace {
 
+constexpr UINT kPatienceMs = 10000;
 // Two clicks of a script on one spot are two clicks, however fast it is; Dialog::DoubleClick makes the exception.
 constexpr UINT kNoDoubleClickMs = 1;
+constexpr UINT kSlowDoubleClickMs = 5000;
+constexpr UINT kRun = WM_APP;
+constexpr int kBoxText = 0xFFFF;
 
-// Where the cursor is over no control of a dialog, so that no run depends on the one before.
-POINT ParkingPlace() {
-    return {GetSystemMetrics(SM_CXSCREEN) - 1, GetSystemMetrics(SM_CYSCREEN) - 1};
+struct Task {
+    std::function<void()> function;
+    std::exception_ptr thrown;
+    bool hasEnded = false;
+};
+
+LRESULT CALLBACK HelperProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message != kRun) return DefWindowProcW(window, message, wParam, lParam);
+    Task& task = *reinterpret_cast<Task*>(lParam);
+    try {
+        task.function();
+    } catch (...) {
+        task.thrown = std::current_exception();
+    }
+    task.hasEnded = true;
+    return 0;
 }
 
-// Waits for the event and looks after the thread's messages meanwhile: the script may be asking this thread something.
-void WaitPumping(HANDLE event) {
-    while (MsgWaitForMultipleObjects(1, &event, FALSE, INFINITE, QS_ALLINPUT) != WAIT_OBJECT_0) {
-        MSG message;
-        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
-    }
+void Send(std::vector<INPUT> inputs) {
+    const UINT count = static_cast<UINT>(inputs.size());
+    if (SendInput(count, inputs.data(), sizeof(INPUT)) != count) throw std::runtime_error("SendInput was refused");
+    // Wine 8 remembers per thread for 50 ms that a key is up, also in the dialog's thread; asking here for each key
+    // ends that (ComboListCtrlTest.ClickWithShiftOrCtrlNeitherEditsNorTells).
+    for (int key = 1; key < 255; ++key) GetAsyncKeyState(key);
 }
 
-// A forced end may leave one behind, and the next dialog would end at once.
-void DropQuitMessage() {
-    MSG message;
-    while (PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE)) {
+void SendMouse(DWORD flags, POINT screen = {}, int wheel = 0) {
+    // Rounded up, so that the system's rounding down gives the same pixel again.
+    const auto absolute = [](LONG pixel, int extent) { return (pixel * 65536LL + extent - 1) / extent; };
+    INPUT event{};
+    event.type = INPUT_MOUSE;
+    event.mi.dwFlags = flags;
+    event.mi.mouseData = static_cast<DWORD>(wheel);
+    if ((flags & MOUSEEVENTF_MOVE) != 0) {
+        event.mi.dx = static_cast<LONG>(absolute(screen.x, GetSystemMetrics(SM_CXSCREEN)));
+        event.mi.dy = static_cast<LONG>(absolute(screen.y, GetSystemMetrics(SM_CYSCREEN)));
     }
+    Send({event});
+}
+
+void MoveTo(POINT screen) {
+    SendMouse(MOUSEEVENTF_ABSOLUTE | MOUSEEVENTF_MOVE, screen);
+}
+
+void SendKey(WORD key, DWORD flags) {
+    // The block between letters and number pad; without the flag they would be the number pad's.
+    const bool extended = (key >= VK_PRIOR && key <= VK_DOWN) || key == VK_INSERT || key == VK_DELETE;
+    INPUT event{};
+    event.type = INPUT_KEYBOARD;
+    event.ki.wVk = key;
+    event.ki.wScan = static_cast<WORD>(MapVirtualKeyW(key, MAPVK_VK_TO_VSC));
+    event.ki.dwFlags = flags | (extended ? KEYEVENTF_EXTENDEDKEY : 0);
+    Send({event});
+}
+
+void SendText(std::wstring_view text) {
+    std::vector<INPUT> inputs;
+    for (const wchar_t character : text) {
+        for (const DWORD flags : {KEYEVENTF_UNICODE, KEYEVENTF_UNICODE | KEYEVENTF_KEYUP}) {
+            INPUT event{};
+            event.type = INPUT_KEYBOARD;
+            event.ki.wScan = static_cast<WORD>(character);
+            event.ki.dwFlags = flags;
+            inputs.push_back(event);
+        }
+    }
+    Send(inputs);
+}
+
+bool IsDown(int key) {
+    return (GetAsyncKeyState(key) & 0x8000) != 0;
+}
+
+std::string PointText(POINT point) {
+    return std::to_string(point.x) + "," + std::to_string(point.y);
+}
+
+std::wstring BoxText(HWND box) {
+    return WindowText(GetDlgItem(box, kBoxText));
+}
+
+POINT Middle(HWND window, RECT area) {
+    MapWindowPoints(window, nullptr, reinterpret_cast<POINT*>(&area), 2);
+    return {(area.left + area.right) / 2, (area.top + area.bottom) / 2};
 }
 
 }  // namespace
 
-DialogDriver::DialogDriver() : m_doubleClickTime(GetDoubleClickTime()) {
+HWND Dialog::Control(int id) {
+    const HWND control = GetDlgItem(m_window, id);
+    if (control == nullptr) Fail(m_modalReturned ? "the dialog is closed" : "no control " + std::to_string(id));
+    return control;
+}
+
+std::wstring Dialog::Text(int id) {
+    return WindowText(Control(id));
+}
+
+GUITHREADINFO Dialog::ThreadInfo() const {
+    GUITHREADINFO info{};
+    info.cbSize = sizeof info;
+    GetGUIThreadInfo(m_thread, &info);
+    return info;
+}
+
+HWND Dialog::FindBelow(HWND window, const wchar_t* className) {
+    HWND child = nullptr;
+    do {
+        child = FindWindowExW(window, child, className, nullptr);
+    } while (child != nullptr && !IsWindowVisible(child));
+    return child;
+}
+
+POINT Dialog::Centre(HWND window) {
+    RECT area{};
+    GetWindowRect(window, &area);
+    return Middle(nullptr, area);
+}
+
+std::pair<int, int> Dialog::EditSelection(HWND edit) {
+    DWORD start = 0;
+    DWORD end = 0;
+    SendMessageW(edit, EM_GETSEL, reinterpret_cast<WPARAM>(&start), reinterpret_cast<LPARAM>(&end));
+    return {static_cast<int>(start), static_cast<int>(end)};
+}
+
+void Dialog::Click(POINT screen) {
+    Move(screen);
+    Press();
+    Release();
+}
+
+void Dialog::DoubleClick(POINT screen) {
+    // The first click must not become the second of a double click with the step before.
+    Click(screen);
+    SetDoubleClickTime(kSlowDoubleClickMs);
+    Click(screen);
+    SetDoubleClickTime(kNoDoubleClickMs);
+}
+
+void Dialog::Move(POINT screen) {
+    Step("move to " + PointText(screen), [&] { MoveTo(screen); });
+}
+
+void Dialog::Press() {
+    Step("press", [] { SendMouse(MOUSEEVENTF_LEFTDOWN); });
+}
+
+void Dialog::Release() {
+    // The press may have brought up a box, or closed the dialog.
+    m_steps.push_back("release");
+    SendMouse(MOUSEEVENTF_LEFTUP);
+    Settle();
+}
+
+void Dialog::Wheel(POINT screen, int notches) {
+    Move(screen);
+    Step("turn the wheel", [&] { SendMouse(MOUSEEVENTF_WHEEL, {}, -notches * WHEEL_DELTA); });
+}
+
+void Dialog::Drag(POINT from, POINT to, int steps) {
+    Move(from);
+    Press();
+    for (int i = 1; i <= steps; ++i) Move({from.x + (to.x - from.x) * i / steps, from.y + (to.y - from.y) * i / steps});
+    Release();
+}
+
+void Dialog::PickFromPopup(HWND combo, int index) {
+    COMBOBOXINFO info{};
+    info.cbSize = sizeof info;
+    WaitFor("an open drop-down list", [&] {
+        return SendMessageW(combo, CB_GETCOMBOBOXINFO, 0, reinterpret_cast<LPARAM>(&info)) != 0 &&
+               IsWindowVisible(info.hwndList);
+    });
+    RECT area{};
+    SendMessageW(info.hwndList, LB_GETITEMRECT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&area));
+    Click(Middle(info.hwndList, area));
+}
+
+void Dialog::Key(WORD virtualKey, std::initializer_list<WORD> held) {
+    for (const WORD key : held) KeyDown(key);
+    KeyDown(virtualKey);
+    // The key may have closed the dialog.
+    SendKey(virtualKey, KEYEVENTF_KEYUP);
+    for (const WORD* key = held.end(); key != held.begin();) SendKey(*--key, KEYEVENTF_KEYUP);
+    Settle();
+}
+
+void Dialog::KeyDown(WORD virtualKey) {
+    Step("key down " + std::to_string(virtualKey), [&] { SendKey(virtualKey, 0); });
+}
+
+void Dialog::KeyUp(WORD virtualKey) {
+    Step("key up " + std::to_string(virtualKey), [&] { SendKey(virtualKey, KEYEVENTF_KEYUP); });
+}
+
+void Dialog::Alt(wchar_t letter) {
+    // The virtual keys of the letters are their capitals.
+    Key(static_cast<WORD>(std::towupper(letter)), {VK_MENU});
+}
+
+void Dialog::Type(std::wstring_view text) {
+    constexpr std::wstring_view keys = L"\r\t\x1b\b";
+    for (std::size_t start = 0; start < text.size();) {
+        const std::wstring_view piece = text.substr(start, text.find_first_of(keys, start) - start);
+        if (!piece.empty()) Step("type " + Narrow(piece), [&] { SendText(piece); });
+        start += piece.size();
+        // The virtual keys of these four are their characters.
+        if (start < text.size()) Key(static_cast<WORD>(text[start++]));
+    }
+}
+
+std::wstring Dialog::ExpectBox() {
+    m_steps.push_back("expect a message box");
+    if (m_expectedBox == nullptr || OpenBox() != m_expectedBox) {
+        PollUntil("a message box", Boxes::Allowed,
+                  [this] { return OpenBox() != nullptr && GetForegroundWindow() == OpenBox(); });
+        m_expectedBox = OpenBox();
+        Settle();
+        m_boxTexts.push_back(BoxText(m_expectedBox));
+    }
+    return BoxText(m_expectedBox);
+}
+
+std::wstring Dialog::AnswerBox(int button) {
+    const std::wstring text = ExpectBox();
+    m_steps.push_back("answer with " + std::to_string(button) + ": " + Narrow(text));
+    const HWND box = m_expectedBox;
+    const HWND pressed = GetDlgItem(box, button);
+    if (pressed == nullptr) Fail("the box has no button " + std::to_string(button));
+    PostMessageW(box, WM_COMMAND, MAKEWPARAM(button, BN_CLICKED), reinterpret_cast<LPARAM>(pressed));
+    PollUntil("the end of the message box", Boxes::Allowed, [&] { return !IsWindowVisible(box); });
+    m_expectedBox = nullptr;
+    // The window behind it comes to the front a moment later, unless the answer closed it or led to the next box.
+    PollUntil("the dialog in front again", Boxes::Allowed, [&] {
+        const HWND next = OpenBox();
+        return m_modalReturned || (next != nullptr && next != box) || GetForegroundWindow() == m_window ||
+               !IsWindowVisible(m_window);
+    });
+    Settle();
+    return text;
+}
+
+void Dialog::WaitFor(const std::string& what, const std::function<bool()>& condition) {
+    m_steps.push_back("wait for " + what);
+    PollUntil(what, Boxes::Unexpected, condition);
+}
+
+void Dialog::WaitUntilClosed() {
+    WaitFor("the end of the modal call", [this] { return m_modalReturned.load(); });
+}
+
+void Dialog::WaitUntilOpen() {
+    PollUntil("an open dialog", Boxes::Allowed, [this] {
+        const std::vector<HWND> dialogs = OpenDialogs();
+        if (!dialogs.empty()) m_window = dialogs.back();
+        return m_window != nullptr && GetForegroundWindow() == m_window;
+    });
+    // Keys that come before the loop are lost; once it has taken this message, it runs.
+    PostMessageW(m_window, WM_NULL, 0, 0);
+    Settle();
+}
+
+void Dialog::ForceClose() {
+    for (const WORD key : {WORD{VK_SHIFT}, WORD{VK_CONTROL}, WORD{VK_MENU}}) {
+        if (IsDown(key)) SendKey(key, KEYEVENTF_KEYUP);
+    }
+    if (IsDown(VK_LBUTTON)) SendMouse(MOUSEEVENTF_LEFTUP);
+    const ULONGLONG start = GetTickCount64();
+    for (; !m_modalReturned; Sleep(20)) {
+        const HWND open = OpenBox() != nullptr ? OpenBox() : m_window;
+        // Of a box, the answer that lets a dialog go on closing.
+        for (const int button : {IDYES, IDCANCEL, IDOK}) {
+            if (open == nullptr || GetDlgItem(open, button) == nullptr) continue;
+            PostMessageW(open, WM_COMMAND, static_cast<WPARAM>(button), 0);
+            break;
+        }
+        if (GetTickCount64() - start < kPatienceMs) continue;
+        // Nothing else ends it: this ends every message loop of the thread.
+        PostThreadMessageW(m_thread, WM_QUIT, 0, 0);
+        return;
+    }
+}
+
+void Dialog::Step(const std::string& what, const std::function<void()>& action) {
+    m_steps.push_back(what);
+    if (m_modalReturned) Fail("the dialog is closed");
+    FailOnUnexpectedBox();
+    PollUntil("the dialog in front", Boxes::Allowed,
+              [this] { return GetWindowThreadProcessId(GetForegroundWindow(), nullptr) == m_thread; });
+    action();
+    Settle();
+}
+
+void Dialog::FailOnUnexpectedBox() {
+    const HWND box = OpenBox();
+    if (box == nullptr || box == m_expectedBox) return;
+    m_boxTexts.push_back(BoxText(box));
+    Fail("an unexpected message box: " + Narrow(m_boxTexts.back()));
+}
+
+void Dialog::OnGuiThread(const std::function<void()>& function) const {
+    // Not taken back when the thread does not answer: it may do so later.
+    auto* const task = new Task{function, nullptr};
+    DWORD_PTR result = 0;
+    if (!SendMessageTimeoutW(m_helper, kRun, 0, reinterpret_cast<LPARAM>(task), SMTO_NORMAL, kPatienceMs, &result))
+        Fail("the dialog's thread does not answer");
+    const Task done = *task;
+    delete task;
+    // The system hides an access violation in a window procedure: the call comes back as if nothing had been.
+    if (!done.hasEnded) throw std::runtime_error("a crash on the dialog's thread");
+    if (done.thrown) std::rethrow_exception(done.thrown);
+}
+
+void Dialog::Settle() const {
+    const ULONGLONG start = GetTickCount64();
+    for (DWORD waiting = ~0u; (waiting & (QS_INPUT | QS_POSTMESSAGE | QS_PAINT)) != 0; Sleep(0)) {
+        if (m_modalReturned) return;
+        if (GetTickCount64() - start > kPatienceMs) Fail("the dialog's thread does not come to rest");
+        OnGuiThread([&] { waiting = HIWORD(GetQueueStatus(QS_ALLINPUT)); });
+    }
+}
+
+void Dialog::PollUntil(const std::string& what, Boxes boxes, const std::function<bool()>& condition) {
+    const ULONGLONG start = GetTickCount64();
+    for (;; Sleep(1)) {
+        // Read first: what the end of the modal call made true must still be seen.
+        const bool over = m_modalReturned;
+        if (condition()) return;
+        if (boxes == Boxes::Unexpected) FailOnUnexpectedBox();
+        if (over) Fail("the dialog closed while waiting for " + what);
+        if (GetTickCount64() - start > kPatienceMs) Fail("waited in vain for " + what);
+    }
+}
+
+void Dialog::Fail(const std::string& why) const {
+    constexpr std::size_t kLastSteps = 12;
+    std::string message = why;
+    for (std::size_t i = m_steps.size() - std::min(m_steps.size(), kLastSteps); i < m_steps.size(); ++i)
+        message += "\n  step " + std::to_string(i + 1) + ": " + m_steps[i];
+    throw StepFailed(message);
+}
+
+std::vector<HWND> Dialog::OpenDialogs() const {
+    std::vector<HWND> dialogs;
+    const auto add = [](HWND window, LPARAM found) -> BOOL {
+        if (IsWindowVisible(window) && ClassName(window) == L"#32770")
+            reinterpret_cast<std::vector<HWND>*>(found)->push_back(window);
+        return TRUE;
+    };
+    EnumThreadWindows(m_thread, add, reinterpret_cast<LPARAM>(&dialogs));
+    return dialogs;
+}
+
+HWND Dialog::OpenBox() const {
+    for (const HWND dialog : OpenDialogs()) {
+        if (dialog != m_window && GetDlgItem(dialog, kBoxText) != nullptr) return dialog;
+    }
+    return nullptr;
+}
+
+std::wstring ListSteps::Text(int row, int column) const {
+    for (std::wstring text(256, L'\0');; text.resize(text.size() * 4)) {
+        LVITEMW item{};
+        item.iSubItem = column;
+        item.pszText = text.data();
+        item.cchTextMax = static_cast<int>(text.size());
+        const auto length = static_cast<std::size_t>(
+            SendMessageW(m_list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item)));
+        if (length + 1 < text.size()) return text.substr(0, length);
+    }
+}
+
+std::vector<std::wstring> ListSteps::Row(int row) const {
+    std::vector<std::wstring> texts;
+    const int columns = Header_GetItemCount(ListView_GetHeader(m_list));
+    for (int column = 0; column < columns; ++column) texts.push_back(Text(row, column));
+    return texts;
+}
+
+std::vector<std::vector<std::wstring>> ListSteps::Rows() const {
+    std::vector<std::vector<std::wstring>> rows;
+    for (int row = 0; row < RowCount(); ++row) rows.push_back(Row(row));
+    return rows;
+}
+
+int ListSteps::RowWithState(UINT state) const {
+    int row = RowCount() - 1;
+    while (row >= 0 && ListView_GetItemState(m_list, row, state) != state) --row;
+    return row;
+}
+
+RECT ListSteps::CellRect(int row, int column) const {
+    ListView_EnsureVisible(m_list, row, FALSE);
+    m_dialog.Settle();
+    RECT area{LVIR_BOUNDS, column, 0, 0};
+    if (row >= RowCount() ||
+        !SendMessageW(m_list, LVM_GETSUBITEMRECT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&area)))
+        m_dialog.Fail("no cell " + std::to_string(row) + "," + std::to_string(column) + " of the list");
+    // The system gives the whole row for the first column.
+    if (column == 0) area.right = area.left + ListView_GetColumnWidth(m_list, 0);
+    MapWindowPoints(m_list, nullptr, reinterpret_cast<POINT*>(&area), 2);
+    return area;
+}
+
+POINT ListSteps::Centre(int row, int column) const {
+    return Middle(nullptr, CellRect(row, column));
+}
+
+POINT ListSteps::BehindRows() const {
+    RECT area{};
+    GetClientRect(m_list, &area);
+    LVHITTESTINFO hit{};
+    hit.pt = {area.right / 2, area.bottom - 2};
+    if (SendMessageW(m_list, LVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit)) != -1)
+        m_dialog.Fail("no room behind the rows of the list");
+    ClientToScreen(m_list, &hit.pt);
+    return hit.pt;
+}
+
+void ListSteps::Click(int row, int column) {
+    m_dialog.Click(Centre(row, column));
+}
+
+void ListSteps::DoubleClick(int row, int column) {
+    m_dialog.DoubleClick(Centre(row, column));
+}
+
+HTREEITEM TreeSteps::Next(UINT relation, HTREEITEM item) const {
+    return reinterpret_cast<HTREEITEM>(SendMessageW(m_tree, TVM_GETNEXTITEM, relation, reinterpret_cast<LPARAM>(item)));
+}
+
+HTREEITEM TreeSteps::Item(const Path& path) const {
+    HTREEITEM item = nullptr;
+    for (const std::wstring& text : path) {
+        item = item != nullptr ? Next(TVGN_CHILD, item) : Next(TVGN_ROOT, nullptr);
+        while (item != nullptr && Text(item) != text) item = Next(TVGN_NEXT, item);
+        if (item == nullptr) m_dialog.Fail("no tree item " + Narrow(text));
+    }
+    return item;
+}
+
+std::wstring TreeSteps::Text(HTREEITEM item) const {
+    std::wstring text(512, L'\0');
+    TVITEMW request{};
+    request.mask = TVIF_TEXT;
+    request.hItem = item;
+    request.pszText = text.data();
+    request.cchTextMax = static_cast<int>(text.size());
+    // The tree may have put a text of its own in the buffer's place.
+    return SendMessageW(m_tree, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&request)) != 0 ? request.pszText : L"";
+}
+
+POINT TreeSteps::Centre(HTREEITEM item) const {
+    SendMessageW(m_tree, TVM_ENSUREVISIBLE, 0, reinterpret_cast<LPARAM>(item));
+    m_dialog.Settle();
+    RECT area{};
+    *reinterpret_cast<HTREEITEM*>(&area) = item;
+    SendMessageW(m_tree, TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(&area));
+    RECT client{};
+    GetClientRect(m_tree, &client);
+    area.right = std::min(area.right, client.right);
+    return Middle(m_tree, area);
+}
+
+void TreeSteps::ClickButton(HTREEITEM item) {
+    TVHITTESTINFO hit{};
+    hit.pt = Centre(item);
+    ScreenToClient(m_tree, &hit.pt);
+    for (hit.hItem = nullptr; hit.hItem != item || (hit.flags & TVHT_ONITEMBUTTON) == 0; --hit.pt.x) {
+        if (hit.pt.x < 0) m_dialog.Fail("the tree item has no button to click: " + Narrow(Text(item)));
+        SendMessageW(m_tree, TVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit));
+    }
+    ClientToScreen(m_tree, &hit.pt);
+    m_dialog.Click(hit.pt);
+}
+
+HTREEITEM TreeSteps::Expand(const Path& path) {
+    HTREEITEM item = nullptr;
+    for (std::size_t length = 1; length <= path.size(); ++length) {
+        item = Item(Path(path.begin(), path.begin() + static_cast<Path::difference_type>(length)));
+        if ((TreeView_GetItemState(m_tree, item, TVIS_EXPANDED) & TVIS_EXPANDED) == 0) ClickButton(item);
+    }
+    return item;
+}
+
+DialogDriver::DialogDriver()
+    : m_helper(CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr)) {
+    SetWindowLongPtrW(m_helper, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(HelperProcedure));
     SetDoubleClickTime(kNoDoubleClickMs);
 }
 
 DialogDriver::~DialogDriver() {
+    DestroyWindow(m_helper);
     SetDoubleClickTime(m_doubleClickTime);
 }
 
 void DialogDriver::Run(const std::function<void()>& modal, const std::function<void(Dialog&)>& script) {
-    input::MoveTo(ParkingPlace());
-    std::atomic<bool> modalReturned{false};
-    std::exception_ptr thrown;
-    const HANDLE scriptDone = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    // The cursor begins over no control of a dialog, so that no run depends on the one before.
+    MoveTo({GetSystemMetrics(SM_CXSCREEN) - 1, GetSystemMetrics(SM_CYSCREEN) - 1});
+    Dialog dialog(m_helper, m_boxTexts);
+    std::string failure;
+    std::atomic<bool> scriptDone = false;
     std::thread scriptThread([&] {
-        RunScript(script, modalReturned);
-        SetEvent(scriptDone);
+        try {
+            dialog.WaitUntilOpen();
+            script(dialog);
+            if (!testing::Test::HasFatalFailure() && !dialog.m_modalReturned) dialog.WaitUntilClosed();
+        } catch (const std::exception& problem) {
+            failure = problem.what();
+        } catch (...) {
+            failure = "something was thrown";
+        }
+        dialog.ForceClose();
+        scriptDone = true;
+        PostMessageW(m_helper, WM_NULL, 0, 0);
     });
+    std::exception_ptr thrown;
     try {
         modal();
     } catch (...) {
         thrown = std::current_exception();
     }
-    modalReturned = true;
-    WaitPumping(scriptDone);
-    scriptThread.join();
-    CloseHandle(scriptDone);
-    DropQuitMessage();
-    if (!m_failure.empty()) ADD_FAILURE() << "the dialog's script: " << std::exchange(m_failure, {});
-    if (thrown) std::rethrow_exception(thrown);
-}
-
-void DialogDriver::RunScript(const std::function<void(Dialog&)>& script, const std::atomic<bool>& modalReturned) {
-    Dialog dialog(m_gui, modalReturned, m_boxTexts);
-    try {
-        dialog.WaitUntilOpen();
-        script(dialog);
-        if (!testing::Test::HasFatalFailure()) dialog.Finish();
-    } catch (const std::exception& failure) {
-        m_failure = failure.what();
-    } catch (...) {
-        m_failure = "something was thrown";
+    dialog.m_modalReturned = true;
+    // The script may still be asking this thread something. A forced end may leave a quit message behind, and the next
+    // dialog would end at once.
+    MSG message;
+    while (!scriptDone) {
+        GetMessageW(&message, nullptr, 0, 0);
+        DispatchMessageW(&message);
     }
-    dialog.ForceClose();
+    scriptThread.join();
+    while (PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE)) continue;
+    if (!failure.empty()) ADD_FAILURE() << "the dialog's script: " << failure;
+    if (thrown) std::rethrow_exception(thrown);
 }
