@@ -1,8 +1,11 @@
 #include <afxcoll.h>
+#include <afxmt.h>
 #include <afxtempl.h>
 
 #include <gtest/gtest.h>
 #include <random>
+#include <set>
+#include <thread>
 #include <vector>
 
 // Against a vector; the remembered place of the last FindIndex must not outlive a change in front of it.
@@ -64,4 +67,27 @@ TEST(PtrCollections, FindRemoveAndRefuse) {
     EXPECT_EQ(value, &map);
     EXPECT_TRUE(map.Lookup(&things[1], value));
     EXPECT_EQ(value, &things[2]);
+    std::multiset<void*> keys;
+    void* key = nullptr;
+    for (POSITION place = map.GetStartPosition(); place != nullptr; keys.insert(key))
+        map.GetNextAssoc(place, key, value);
+    EXPECT_EQ(keys, (std::multiset<void*>{&things[1], &things[2]}));
+}
+
+TEST(SingleLock, KeepsOtherThreadsOutAndMayBeTakenAgainByItsOwn) {
+    CCriticalSection section;
+    int count = 0;
+    const auto work = [&] {
+        for (int i = 0; i < 500; ++i) {
+            const CSingleLock lock(&section, TRUE);
+            const CSingleLock again(&section, TRUE);
+            const int before = count;
+            std::this_thread::yield();  // the others' chance, all threads being on one processor
+            count = before + 1;
+        }
+    };
+    std::thread other(work);
+    work();
+    other.join();
+    EXPECT_EQ(count, 2 * 500);
 }
