@@ -22,6 +22,7 @@
 namespace {
 
 namespace fs = std::filesystem;
+using namespace std::string_literals;
 using Texts = std::vector<std::wstring>;
 
 constexpr wchar_t kTemp[] = L"E:\\Temp";
@@ -178,6 +179,11 @@ TEST(BootImage, WithAnInstallationOf32BitsItsKernelTellsTheVersion) {
         CString text;
         EXPECT_NE(GetFileVersionText(L"E:\\Windows\\System32\\kernel32.dll", text), 0u) << "only drive C is moved";
         EXPECT_EQ(GetFileVersionText(L"c:\\windows\\system32\\kernel32.dll", text), 0u);
+        EXPECT_EQ(text, version);
+        CString name = L"as it was";
+        RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, (L"OS_SYSTEM\\"s + kNetwork).c_str(), L"Hostname");
+        EXPECT_FALSE(GetMachineName(name));
+        EXPECT_EQ(name, L"as it was");
         // The current control set is the selected one.
         CRegistryHelper select(HKEY_LOCAL_MACHINE, L"SYSTEM\\Select", KEY_ALL_ACCESS);
         EXPECT_EQ(Redirected(L"system\\currentCONTROLset\\x"), L"OS_system\\ControlSet002\\x");

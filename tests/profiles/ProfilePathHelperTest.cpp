@@ -87,19 +87,19 @@ TEST(ProfileRegistryValue, GivesAStatusForWhatIsNoText) {
     using namespace std::string_literals;
     ScopedRegistryPlace list(HKEY_LOCAL_MACHINE, kProfileList);
     const struct {
-        DWORD type;
         std::string bytes;
-        LONG status;
         CString expected;
+        DWORD type;
+        LONG status;
     } cases[] = {
-        {REG_SZ, "%\0O\0S\0%\0\0\0"s, 0, L"%OS%"},
-        {REG_EXPAND_SZ, "%\0O\0S\0%\0\0\0"s, 0, L"Windows_NT"},
-        {REG_SZ, "", 0, L""},
-        {REG_EXPAND_SZ, std::string(100000, 'x') + "\0\0"s, 0, CString(L'\x7878', 50000)},
-        {REG_SZ, "C\0:\0"s, 13, L""},
-        {REG_SZ, "C\0:\0\0"s, 13, L""},
-        {REG_MULTI_SZ, "C\0\0\0\0\0"s, 13, L""},
-        {REG_DWORD, "\1\0\0\0"s, 13, L""},
+        {"%\0O\0S\0%\0\0\0"s, L"%OS%", REG_SZ, 0},
+        {"%\0O\0S\0%\0\0\0"s, L"Windows_NT", REG_EXPAND_SZ, 0},
+        {"", L"", REG_SZ, 0},
+        {std::string(100000, 'x') + "\0\0"s, CString(L'\x7878', 50000), REG_EXPAND_SZ, 0},
+        {"C\0:\0"s, L"", REG_SZ, 13},
+        {"C\0:\0\0"s, L"", REG_SZ, 13},
+        {"C\0\0\0\0\0"s, L"", REG_MULTI_SZ, 13},
+        {"\1\0\0\0"s, L"", REG_DWORD, 13},
     };
     CString value;
     const LogCapture log;
