@@ -3,7 +3,7 @@
 IMPLEMENT_DYNAMIC(CCoreSocketFileException, CException)
 IMPLEMENT_DYNAMIC(CCoreSocketFile, CVlpFile)
 
-CCoreSocketFile::CCoreSocketFile(LPCWSTR name, UINT flags, CSocketFileOwner* owner) : m_owner(owner) {
+CCoreSocketFile::CCoreSocketFile(const CString& name, UINT flags, CSocketFileOwner* owner) : m_owner(owner) {
     CFileException problem;
     if (!CVlpFile::Open(name, flags, &problem)) {
         AfxThrowFileException(problem.m_cause, problem.m_lOsError, problem.m_strFileName);

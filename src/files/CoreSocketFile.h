@@ -28,7 +28,7 @@ class CCoreSocketFile : public CVlpFile {
 public:
     CCoreSocketFile() = default;
     // Opens the local file; CFileException if that fails.
-    CCoreSocketFile(LPCWSTR name, UINT flags, CSocketFileOwner* owner = nullptr);
+    CCoreSocketFile(const CString& name, UINT flags, CSocketFileOwner* owner = nullptr);
     // Closes an open file, and with it writes a memory buffer; what goes wrong then is lost.
     ~CCoreSocketFile() override;
 

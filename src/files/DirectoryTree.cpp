@@ -31,11 +31,13 @@ bool FindRoot(const CString& path, CString& root) {
 }
 
 // The path and those above it that are missing, the topmost first. A path without a root of its own, such as C:a, ends
-// where nothing is left.
+// where nothing is left, and one with the prefix at its own drive, which without a backslash is not there as a
+// directory.
 void CollectMissing(const CString& path, const CString& root, CStringList& missing) {
     missing.AddHead(path);
     CString parent = CPathHelper::GetParentPath(path);
-    while (!parent.IsEmpty() && parent != root && !CPathHelper::DirectoryExists(parent)) {
+    while (!parent.IsEmpty() && parent != root && !CPathHelper::IsRootPath(parent) &&
+           !CPathHelper::DirectoryExists(parent)) {
         missing.AddHead(parent);
         parent = CPathHelper::GetParentPath(parent);
     }
@@ -55,6 +57,7 @@ bool CreateOne(const CString& directory, const CString& path) {
 }  // namespace
 
 bool CPathHelper::CreateDirectoryTree(const CString& path) {
+    if (LongPath::IsRefused(path)) return false;
     if (DirectoryExists(path)) return true;
     CString root;
     if (!FindRoot(path, root) || path == root) return false;
@@ -77,6 +80,7 @@ void CPathHelper::MoveFile(const CString& original, const CString& destination) 
 }
 
 bool CPathHelper::DeleteDirectory(const CString& path, bool recursive) {
+    if (LongPath::IsRefused(path)) return false;
     if (!recursive) return RemoveDirectoryW(MakeLongPath(path)) != FALSE;
     CString from = path;
     from.AppendChar(L'\0');  // a list of paths, which ends in two zeros

@@ -5,6 +5,7 @@
 
 #include <utility>
 
+#include "files/LongPathFile.h"
 #include "files/PathHelper.h"
 #include "helpers/LocalMemory.h"
 #include "siblings/coresv/LogMethodEntryExit.h"
@@ -37,6 +38,7 @@ bool HoldsSid(void* entry) {
 
 CFileAcl::CFileAcl(const CString& path) : m_path(path) {
     if (path.IsEmpty()) AfxThrowFileException(CFileException::badPath, -1);
+    if (LongPath::IsRefused(path)) AfxThrowFileException(CFileException::badPath, ERROR_INVALID_NAME, path);
     m_supportsAcls = VolumeSupportsAcls();
     if (m_supportsAcls && !ReadSecurity()) {
         AfxThrowFileException(CFileException::genericException, static_cast<LONG>(GetLastError()), path);

@@ -11,8 +11,9 @@
 
 class CFileAcl {
 public:
-    // A heap CFileException: badPath with the system error -1 for an empty path, genericException with the last error
-    // when the volume keeps access lists and the file's cannot be read.
+    // A heap CFileException: badPath with the system error -1 for an empty path, and with ERROR_INVALID_NAME for one
+    // with a zero inside; genericException with the last error when the volume keeps access lists and the file's cannot
+    // be read.
     explicit CFileAcl(const CString& path);
     virtual ~CFileAcl();
     CFileAcl(const CFileAcl&) = delete;

@@ -4,6 +4,7 @@
 #include <memory>
 #include <vector>
 
+#include "files/LongPathFile.h"
 #include "files/LongPathPrefix.h"
 #include "files/PathHelper.h"
 #include "files/PathView.h"
@@ -59,6 +60,10 @@ BOOL CFileFindEx::Fail(DWORD error) {
     Close();
     SetLastError(error);
     return FALSE;
+}
+
+BOOL CFileFindEx::FindFile(const CString& path) {
+    return !LongPath::IsRefused(path) && FindFile(path.GetString());
 }
 
 BOOL CFileFindEx::FindFile(LPCWSTR path, DWORD) {

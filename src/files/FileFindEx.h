@@ -16,6 +16,8 @@ public:
     // with nothing done for null and for fewer than 4 characters. FALSE with the last error when nothing is found:
     // ERROR_BAD_ARGUMENTS for a name of 260 characters or more.
     BOOL FindFile(LPCWSTR path = nullptr, DWORD unused = 0) override;
+    // A pattern with a zero inside is refused: ERROR_INVALID_NAME.
+    BOOL FindFile(const CString& path);
 
 private:
     BOOL Fail(DWORD error);

@@ -13,6 +13,7 @@
 #include "files/PathView.h"
 #include "helpers/LocalMemory.h"
 #include "helpers/UniqueHandle.h"
+#include "registry/ProcessPrivilege.h"
 #include "registry/WindowsVersion.h"
 
 namespace {
@@ -40,7 +41,8 @@ bool IsEmptyDirectory(const CString& path) {
     return true;
 }
 
-// The entry that denies everyone the creation of files keeps them out of what will be a link.
+// The right that everyone is denied is the one to create a child, which for a folder is the one to list it: it keeps
+// everybody out of what will be a link. Whoever opens the link itself needs the privileges for that.
 bool CreateGuardedDirectory(const CString& path) {
     constexpr LPCWSTR kAccess = L"D:(D;;CC;;;WD)(A;OICIID;FA;;;SY)(A;OICIID;FA;;;BA)";
     PSECURITY_DESCRIPTOR descriptor = nullptr;
@@ -65,6 +67,7 @@ bool HasAttribute(const CString& path, DWORD attribute) {
 }  // namespace
 
 HANDLE OpenJunction(const CString& path, bool forWriting) {
+    const ScopedBackupPrivileges privileges;
     return LongPath::CreateFile(path, GENERIC_READ | (forWriting ? GENERIC_WRITE : 0), 0, nullptr, OPEN_EXISTING,
                                 FILE_FLAG_OPEN_REPARSE_POINT | FILE_FLAG_BACKUP_SEMANTICS);
 }
@@ -76,6 +79,7 @@ bool IsJunction(const CString& path) {
 }
 
 bool PrepareJunctionDirectory(const CString& path) {
+    if (LongPath::IsRefused(path)) return false;
     const DWORD attributes = LongPath::GetFileAttributes(path);
     if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
         return IsEmptyDirectory(path);
@@ -86,11 +90,13 @@ bool PrepareJunctionDirectory(const CString& path) {
 }
 
 bool CreateJunction(const CString& path, const CString& linkTarget) {
+    if (LongPath::IsRefused(linkTarget)) return false;
     const auto bytes = Junction::Encode(ViewOf(linkTarget));
     if (!bytes) {
         SetLastError(ERROR_FILENAME_EXCED_RANGE);
         return false;
     }
+    const ScopedBackupPrivileges privileges;
     if (!PrepareJunctionDirectory(path)) return false;
     const UniqueHandle link = Open(path, true);
     return link && Control(link, kSetReparsePoint, *bytes);
@@ -98,6 +104,7 @@ bool CreateJunction(const CString& path, const CString& linkTarget) {
 
 bool DeleteJunction(const CString& path, bool removeDirectory) {
     if (!IsJunction(path)) return false;
+    const ScopedBackupPrivileges privileges;
     {
         const UniqueHandle link = Open(path, true);
         if (!link || !Control(link, kDeleteReparsePoint, Junction::EncodeRemoval())) return false;
@@ -107,6 +114,7 @@ bool DeleteJunction(const CString& path, bool removeDirectory) {
 
 CString GetJunctionTarget(const CString& path) {
     if (!IsJunction(path)) return path;
+    const ScopedBackupPrivileges privileges;
     const UniqueHandle link = Open(path, false);
     if (!link) return {};
     std::vector<std::byte> bytes(Junction::kBufferBytes);
@@ -116,6 +124,10 @@ CString GetJunctionTarget(const CString& path) {
         return {};
     }
     const std::wstring target = Junction::Decode(std::span(bytes).first(std::min<std::size_t>(got, bytes.size())));
+    if (target.empty()) {
+        SetLastError(ERROR_INVALID_REPARSE_DATA);
+        return {};
+    }
     const bool isPrefixed =
         ViewOf(path).size() > PathText::kLongPathPrefix.size() && PathText::HasLongPathPrefix(ViewOf(path));
     return isPrefixed ? CPathHelper::MakeLongPath(TextOf(target)) : TextOf(target);
@@ -123,6 +135,7 @@ CString GetJunctionTarget(const CString& path) {
 
 DWORD GetJunctionAttributes(const CString& path) {
     if (!IsJunction(path)) return INVALID_FILE_ATTRIBUTES;
+    const ScopedBackupPrivileges privileges;
     const UniqueHandle link = Open(path, false);
     BY_HANDLE_FILE_INFORMATION info{};
     if (!link || !GetFileInformationByHandle(link.get(), &info)) return INVALID_FILE_ATTRIBUTES;
@@ -139,6 +152,7 @@ bool IsJunctionSystem(const CString& path) {
 
 bool SetJunctionAttributes(const CString& path, DWORD attributes) {
     if (!IsJunction(path)) return false;
+    const ScopedBackupPrivileges privileges;
     const UniqueHandle link = Open(path, true);
     FILE_BASIC_INFO info{};
     if (!link || !GetFileInformationByHandleEx(link.get(), FileBasicInfo, &info, sizeof(info))) return false;

@@ -1,5 +1,9 @@
 // Junctions: directories that stand for another one. Each function takes the path of the link and works on the link
-// itself, never on what it points to. Failures show as the result and leave the last error; none throws or logs.
+// itself, never on what it points to. Failures show as the result and leave the last error; none throws or logs. A path
+// or a target with a zero inside is refused with ERROR_INVALID_NAME.
+//
+// Links of other users are opened by the backup and restore privileges, which are the process's for the length of a
+// call.
 #pragma once
 
 #include <afx.h>
@@ -9,15 +13,15 @@ bool IsJunction(const CString& path);
 // Makes `path` a junction to `linkTarget`, a full path without prefix. The directory is created when it is missing, in
 // a directory that is there, and must be empty otherwise. What a later step refuses leaves it as a plain directory.
 bool CreateJunction(const CString& path, const CString& linkTarget);
-// The first step alone: an empty directory, which from Windows 6.1 on nobody can put files into when it is created
-// here.
+// The first step alone: an empty directory, which from Windows 6.1 on keeps everybody out when it is created here.
 bool PrepareJunctionDirectory(const CString& path);
 
 // Makes a junction a plain directory again, and removes that, too, if asked to. False for anything but a junction.
 bool DeleteJunction(const CString& path, bool removeDirectory);
 
 // Where the link leads; with the long-path prefix when `path` has it and the target needs it. `path` itself for
-// anything but a junction, empty when the link cannot be read.
+// anything but a junction, empty when the link cannot be read: ERROR_INVALID_REPARSE_DATA when it holds no target, as
+// another kind of link does.
 CString GetJunctionTarget(const CString& path);
 
 // INVALID_FILE_ATTRIBUTES for anything but a junction; hidden and system are then both false.

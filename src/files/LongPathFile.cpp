@@ -45,6 +45,12 @@ void ApplyOfflineDriveRule(CString& path) {
     if (const WCHAR drive = FindOfflineWindowsDrive()) path.SetAt(0, drive);
 }
 
+bool IsRefused(const CString& path) {
+    if (path.Find(L'\0') < 0) return false;
+    SetLastError(ERROR_INVALID_NAME);
+    return true;
+}
+
 CString ForSystemCall(const CString& path) {
     CString working = path;
     ApplyOfflineDriveRule(working);
@@ -52,33 +58,37 @@ CString ForSystemCall(const CString& path) {
 }
 
 DWORD GetFileAttributes(const CString& path) {
-    return ::GetFileAttributesW(ForSystemCall(path));
+    return IsRefused(path) ? INVALID_FILE_ATTRIBUTES : ::GetFileAttributesW(ForSystemCall(path));
 }
 
 BOOL GetFileAttributesEx(const CString& path, GET_FILEEX_INFO_LEVELS level, void* data) {
-    return ::GetFileAttributesExW(ForSystemCall(path), level, data);
+    return !IsRefused(path) && ::GetFileAttributesExW(ForSystemCall(path), level, data);
 }
 
 BOOL SetFileAttributes(const CString& path, DWORD attributes) {
-    return ::SetFileAttributesW(ForSystemCall(path), attributes);
+    return !IsRefused(path) && ::SetFileAttributesW(ForSystemCall(path), attributes);
 }
 
 HANDLE CreateFile(const CString& path, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security, DWORD disposition,
                   DWORD flags) {
+    if (IsRefused(path)) return INVALID_HANDLE_VALUE;
     return ::CreateFileW(ForSystemCall(path), access, share, security, disposition, flags, nullptr);
 }
 
 BOOL CopyFile(const CString& source, const CString& target, bool failIfExists) {
+    if (IsRefused(source) || IsRefused(target)) return FALSE;
     const CString from = ForSystemCall(source);
     return ::CopyFileW(from, ForSystemCall(target), failIfExists);
 }
 
 BOOL MoveFile(const CString& source, const CString& target) {
+    if (IsRefused(source) || IsRefused(target)) return FALSE;
     const CString from = ForSystemCall(source);
     return ::MoveFileExW(from, ForSystemCall(target), kMoveFlags);
 }
 
 bool ReplaceFile(const CString& source, const CString& target) {
+    if (IsRefused(source) || IsRefused(target)) return false;
     if (source.CompareNoCase(target) == 0) return true;
     // A missing target has every attribute, the read-only one too, and then fails here.
     const DWORD attributes = GetFileAttributes(target);
@@ -91,15 +101,16 @@ bool ReplaceFile(const CString& source, const CString& target) {
 
 int FileAccess(const CString& path) {
     constexpr int kExistence = 0;
-    return _waccess(ForSystemCall(path), kExistence);
+    return IsRefused(path) ? -1 : _waccess(ForSystemCall(path), kExistence);
 }
 
 BOOL DeleteFile(const CString& path) {
-    return ::DeleteFileW(WithPrefix(path));
+    return !IsRefused(path) && ::DeleteFileW(WithPrefix(path));
 }
 
 BOOL CreateHardLink(const CString& newName, const CString& existing, SECURITY_ATTRIBUTES* security) {
-    return ::CreateHardLinkW(WithPrefix(newName), WithPrefix(existing), security);
+    return !IsRefused(newName) && !IsRefused(existing) &&
+           ::CreateHardLinkW(WithPrefix(newName), WithPrefix(existing), security);
 }
 
 BOOL GetFileTime(const CString& path, FILETIME* created, FILETIME* accessed, FILETIME* written) {
@@ -128,6 +139,7 @@ BY_HANDLE_FILE_INFORMATION& GetFileInformation(const CString& path, BY_HANDLE_FI
 }
 
 DWORD_PTR GetShellFileInfo(const CString& path, DWORD attributes, SHFILEINFOW& info, UINT size, UINT flags) {
+    if (IsRefused(path)) return 0;
     if (path.GetLength() >= kShellPathChars) return GetInfoOfShortCopy(path, attributes, info, size, flags);
     return ::SHGetFileInfoW(path, attributes, &info, size, flags);
 }

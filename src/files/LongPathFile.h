@@ -3,6 +3,8 @@
 //
 //     if (!LongPath::CopyFile(source, target, true)) return GetLastError();
 //
+// A path with a zero inside, at which the system would cut it, is refused: the call fails with ERROR_INVALID_NAME.
+//
 // A path of more than 247 characters goes to the system with the long-path prefix. Before that, unless a function says
 // otherwise, drive C of a preinstallation boot stands for the drive of the installed system.
 //
@@ -19,7 +21,9 @@ namespace LongPath {
 // On a preinstallation boot puts the installed system's drive in place of a first character C or c. Without an
 // installed system the path stays as it is.
 void ApplyOfflineDriveRule(CString& path);
-// The path as it goes to the system after both rules, for callers with calls of their own.
+// For callers with calls of their own: whether the path is refused, with the last error then set, and else the path as
+// it goes to the system after both rules.
+bool IsRefused(const CString& path);
 CString ForSystemCall(const CString& path);
 
 DWORD GetFileAttributes(const CString& path);

@@ -1,5 +1,8 @@
 #include "files/LongPathPrefix.h"
 
+#include "files/PathRoots.h"
+#include "helpers/AsciiCase.h"
+
 namespace PathText {
 
 namespace {
@@ -20,13 +23,14 @@ bool NeedsLongPathPrefix(std::wstring_view path) {
 PathPieces AddLongPathPrefix(std::wstring_view path) {
     if (HasLongPathPrefix(path)) return {{path}};
     if (path.starts_with(kUncStart)) return {{kLongPathPrefix, kUnc, path.substr(kUncStart.size())}};
-    return {{kLongPathPrefix, path}};
+    // Without the backslash the prefixed drive would be the volume and not its root folder.
+    return {{kLongPathPrefix, path, IsBareDrive(path) ? L"\\" : L""}};
 }
 
 PathPieces RemoveLongPathPrefix(std::wstring_view path) {
     if (!HasLongPathPrefix(path)) return {{path}};
     path.remove_prefix(kLongPathPrefix.size());
-    if (path.starts_with(kUnc)) return {{kUncStart, path.substr(kUnc.size())}};
+    if (StartsWithIgnoringAsciiCase(path, kUnc)) return {{kUncStart, path.substr(kUnc.size())}};
     return {{path}};
 }
 

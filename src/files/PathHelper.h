@@ -1,6 +1,7 @@
 // Path operations on the string class. Those of the first group are pure text: see PathRoots.h, PathParts.h and
 // LongPathPrefix.h, which say what each answers for odd paths. An empty result means "none". The others ask the system;
-// where they work on files, paths may have any length and drive C is that of the target system, unless they say so.
+// where they work on files, paths may have any length and drive C is that of the target system, unless they say so; a
+// path with a zero inside is refused with ERROR_INVALID_NAME.
 //
 //     const CString file = CPathHelper::CombinePath(CPathHelper::GetParentPath(path), L"Local\\list.txt");
 //     if (!CPathHelper::FileExists(file)) CPathHelper::CreateDirectoryTree(CPathHelper::GetParentPath(file));
@@ -46,9 +47,9 @@ public:
     static bool FileExists(const CString& path);
     static bool DirectoryExists(const CString& path);
 
-    // The short or the long names of all elements of an existing path. They throw a CFileException with the cause
-    // genericException and the system's error. GetLongPath never answers with the long-path prefix, GetShortPath keeps
-    // one, also one that the length made necessary.
+    // The short or the long names of all elements of an existing path; GetLongPath takes a drive alone for its root.
+    // They throw a CFileException with the cause genericException and the system's error. GetLongPath never answers
+    // with the long-path prefix, GetShortPath keeps one, also one that the length made necessary.
     static CString GetShortPath(const CString& path);
     static CString GetLongPath(const CString& path);
 

@@ -1,6 +1,7 @@
 #include "files/PathRoots.h"
 
 #include "files/LongPathPrefix.h"
+#include "helpers/AsciiCase.h"
 
 namespace PathText {
 
@@ -48,7 +49,7 @@ bool IsDrivePath(std::wstring_view path) {
 bool IsUncPath(std::wstring_view path) {
     if (HasLongPathPrefix(path)) {
         path.remove_prefix(kLongPathPrefix.size());
-        if (path.starts_with(L"UNC\\")) return true;
+        if (StartsWithIgnoringAsciiCase(path, L"UNC\\")) return true;
     }
     path = WholeElementsWithinLimit(path);
     return path.starts_with(kUncStart) && path.find(L'\\', kUncStart.size()) != kNone;

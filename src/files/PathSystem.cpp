@@ -18,7 +18,7 @@ constexpr int kClassicLimit = 260;
 template <class Call>
 CString PathFrom(Call call, const CString& usablePath, const CString& path) {
     CString text;
-    const DWORD size = call(usablePath, nullptr, 0);
+    const DWORD size = LongPath::IsRefused(path) ? 0 : call(usablePath, nullptr, 0);
     if (size != 0) {
         const DWORD length = call(usablePath, text.GetBuffer(static_cast<int>(size)), size);
         text.ReleaseBuffer(length < size ? static_cast<int>(length) : 0);
@@ -27,19 +27,25 @@ CString PathFrom(Call call, const CString& usablePath, const CString& path) {
     AfxThrowFileException(CFileException::genericException, static_cast<LONG>(GetLastError()), path);
 }
 
+// The expansion would cut the path at a zero inside.
+DWORD AttributesOf(const CString& path) {
+    return LongPath::IsRefused(path) ? INVALID_FILE_ATTRIBUTES : LongPath::GetFileAttributes(ExpandPath(path));
+}
+
 }  // namespace
 
 bool CPathHelper::IsSameRoot(const CString& first, const CString& second) {
-    return PathIsSameRootW(first.Left(kClassicLimit), second.Left(kClassicLimit)) != FALSE;
+    return !LongPath::IsRefused(first) && !LongPath::IsRefused(second) &&
+           PathIsSameRootW(first.Left(kClassicLimit), second.Left(kClassicLimit)) != FALSE;
 }
 
 bool CPathHelper::FileExists(const CString& path) {
-    const DWORD attributes = LongPath::GetFileAttributes(ExpandPath(path));
+    const DWORD attributes = AttributesOf(path);
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 
 bool CPathHelper::DirectoryExists(const CString& path) {
-    const DWORD attributes = LongPath::GetFileAttributes(ExpandPath(path));
+    const DWORD attributes = AttributesOf(path);
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 

@@ -24,8 +24,18 @@ bool Fail(CString& errorText, LPCWSTR format, Arguments... arguments) {
     return false;
 }
 
+bool FailJunction(CString& errorText, const CString& target, const CString& linkTarget, DWORD error) {
+    CString message;
+    message.Format(LoadResourceString(kJunctionNotCreatedText), target.GetString(), linkTarget.GetString(), error);
+    Logger().LogErrorMessage(message);
+    errorText += message;
+    SetLastError(error);
+    return false;
+}
+
 // Like its parent, whose attributes the directory takes. The plain paths come first, because they may be relative.
 bool CreateLikeParent(const CString& target) {
+    if (LongPath::IsRefused(target)) return false;
     const CString parent = target.Left(target.ReverseFind(L'\\'));
     if (CreateDirectoryExW(parent, target, nullptr)) return true;
     if (target.Left(4) == L"\\\\?\\") return false;
@@ -180,19 +190,14 @@ bool CProfileCreator::CopyFileEntry(const Copy& copy, const CString& source, con
 bool CProfileCreator::CopyJunction(const Copy& copy, const CString& source, const CString& target) {
     OnCopying(source, target);
     CString linkTarget = GetJunctionTarget(source);
+    const DWORD readError = GetLastError();
     Logger().LogTraceMessageFormat(L"The source (%s) is a directory and a junction point with the target path '%s'",
                                    source.GetString(), linkTarget.GetString());
+    // Without a target the link would lead nowhere.
+    if (linkTarget.IsEmpty()) return FailJunction(copy.errorText, target, linkTarget, readError);
     linkTarget.Replace(copy.originalSource, copy.originalTarget);
     Logger().LogTraceMessageFormat(L"The target path for the new junction point is '%s'", linkTarget.GetString());
-    if (!CreateJunction(target, linkTarget)) {
-        const DWORD error = GetLastError();
-        CString message;
-        message.Format(LoadResourceString(kJunctionNotCreatedText), target.GetString(), linkTarget.GetString(), error);
-        Logger().LogErrorMessage(message);
-        copy.errorText += message;
-        SetLastError(error);
-        return false;
-    }
+    if (!CreateJunction(target, linkTarget)) return FailJunction(copy.errorText, target, linkTarget, GetLastError());
     Logger().LogTraceMessage(L"Successfully created the junction point");
     CopyJunctionAttributes(source, target);
     return true;

@@ -49,7 +49,8 @@ public:
     //
     // False at the first file, directory or junction that cannot be copied: what was done stays, the rest is not tried,
     // and `errorText` has the words for the user. A directory whose attributes cannot be set leaves words, too, beside
-    // true. The last error is that of what failed. Paths have at least 4 characters. A heap CFileException goes through
+    // true. The last error is that of what failed. Paths have at least 4 characters and no zero inside. A link whose
+    // target cannot be read cannot be copied. A heap CFileException goes through
     // when the security of something that was laid down cannot be read.
     bool CopyFilesAndFolders(const CString& source, const CString& target, const CString& originalSource,
                              const CString& originalTarget, CProfileUser& user, CString& errorText, bool recursive);

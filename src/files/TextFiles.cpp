@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <ctime>
 
+#include "files/LongPathFile.h"
 #include "files/TextLineSplitter.h"
 #include "files/Utf8TextFile.h"
 #include "helpers/TextCompare.h"
@@ -42,6 +43,7 @@ CString Timestamp() {
 bool OpenWithTries(CUtf8TextFile& file, const CString& path, UINT flags) {
     constexpr int kTries = 10;
     constexpr DWORD kPauseMs = 1000;
+    if (LongPath::IsRefused(path)) return false;
     for (int i = 0; i < kTries; ++i) {
         if (file.Open(path, flags)) return true;
         Sleep(kPauseMs);
@@ -58,8 +60,8 @@ void WriteLine(CUtf8TextFile& file, CString line) {
 
 void ReadTextLines(const CString& path, CStringList& lines, bool keepLineEnds) {
     constexpr UINT kBlockBytes = 4096;
-    const bool hasMark = CUtf8TextFile::HasByteOrderMark(path);
     lines.RemoveAll();
+    const bool hasMark = CUtf8TextFile::HasByteOrderMark(path);
     CVlpFile file;
     if (!file.Open(path, CFile::modeRead | CFile::shareDenyWrite)) return;
     if (hasMark) file.Seek(kByteOrderMarkBytes, CFile::begin);

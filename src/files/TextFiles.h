@@ -1,4 +1,4 @@
-// Whole lines of UTF-8 text files.
+// Whole lines of UTF-8 text files. A path with a zero inside cannot be opened: ERROR_INVALID_NAME, and no second try.
 #pragma once
 
 #include <afxcoll.h>

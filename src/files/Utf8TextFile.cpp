@@ -4,6 +4,8 @@
 #include <cstring>
 #include <limits>
 #include <memory>
+#include <span>
+#include <vector>
 
 IMPLEMENT_DYNAMIC(CUtf8TextFile, CCoreSocketFile)
 
@@ -11,16 +13,54 @@ namespace {
 
 constexpr BYTE kByteOrderMark[kByteOrderMarkBytes] = {0xEF, 0xBB, 0xBF};
 
+bool StartsWithMark(std::span<const BYTE> bytes) {
+    return bytes.size() >= kByteOrderMarkBytes && std::memcmp(bytes.data(), kByteOrderMark, kByteOrderMarkBytes) == 0;
+}
+
+// Whether the work throws, and with what; what is no matter of files is a generic one.
+template <class Work>
+bool Throws(Work work, CFileException* problem) {
+    try {
+        work();
+        return false;
+    } catch (CException* thrown) {
+        const auto* const ofFile = dynamic_cast<CFileException*>(thrown);
+        if (problem != nullptr) {
+            problem->m_cause = ofFile != nullptr ? ofFile->m_cause : int{CFileException::genericException};
+            problem->m_lOsError = ofFile != nullptr ? ofFile->m_lOsError : -1;
+        }
+        thrown->Delete();
+        return true;
+    }
+}
+
 }  // namespace
 
-CUtf8TextFile::CUtf8TextFile(LPCWSTR name, UINT flags, CSocketFileOwner* owner) : CCoreSocketFile(name, flags, owner) {
+CUtf8TextFile::CUtf8TextFile(const CString& name, UINT flags, CSocketFileOwner* owner)
+    : CCoreSocketFile(name, flags, owner) {
     if (NeedsByteOrderMark(flags)) WriteByteOrderMark();
 }
 
 BOOL CUtf8TextFile::Open(LPCWSTR name, UINT flags, CFileException* problem) {
     if (!CCoreSocketFile::Open(name, flags, problem)) return FALSE;
-    if (NeedsByteOrderMark(flags)) WriteByteOrderMark();
+    if (Throws([&] { StartWithByteOrderMark(flags); }, problem)) {
+        if (problem != nullptr) problem->m_strFileName = name;
+        Throws([&] { Close(); }, nullptr);
+        return FALSE;
+    }
     return TRUE;
+}
+
+void CUtf8TextFile::StartWithByteOrderMark(UINT flags) {
+    if (!NeedsByteOrderMark(flags)) return;
+    // A memory buffer may have been given its text before the file was opened.
+    std::vector<BYTE> given(UsesMemoryBuffer() ? GetLength() : 0);
+    if (given.empty()) return WriteByteOrderMark();
+    SeekToBegin();
+    Read(given.data(), static_cast<UINT>(given.size()));
+    if (StartsWithMark(given)) return;
+    WriteByteOrderMark();
+    Write(given.data(), static_cast<UINT>(given.size()));
 }
 
 void CUtf8TextFile::WriteString(const CString& text) {
@@ -44,20 +84,19 @@ void CUtf8TextFile::WriteByteOrderMark() {
     Write(kByteOrderMark, kByteOrderMarkBytes);
 }
 
-bool CUtf8TextFile::HasByteOrderMark(LPCWSTR path) {
+bool CUtf8TextFile::HasByteOrderMark(const CString& path) {
     CVlpFile file;
     if (!file.Open(path, modeRead | shareDenyWrite)) return false;
     BYTE head[kByteOrderMarkBytes];
-    return file.Read(head, kByteOrderMarkBytes) == kByteOrderMarkBytes &&
-           std::memcmp(head, kByteOrderMark, kByteOrderMarkBytes) == 0;
+    return StartsWithMark({head, file.Read(head, kByteOrderMarkBytes)});
 }
 
 bool CUtf8TextFile::NeedsByteOrderMark(UINT flags) const {
     if ((flags & modeCreate) == 0) return false;
-    return (flags & modeNoTruncate) == 0 || (IsOpen() && GetLength() == 0);
+    return (flags & modeNoTruncate) == 0 || (IsOpen() && IsEmpty());
 }
 
-void CUtf8TextFile::AppendFile(LPCWSTR path) {
+void CUtf8TextFile::AppendFile(const CString& path) {
     constexpr UINT kBlockBytes = 4096;
     if (!IsOpen() || !HasByteOrderMark(path)) return;
     CVlpFile source(path);

@@ -12,7 +12,21 @@
 
 IMPLEMENT_DYNAMIC(CVlpFile, CFile)
 
-CVlpFile::CVlpFile(LPCWSTR name) {
+namespace {
+
+BOOL FailOpening(LPCWSTR name, CFileException* problem) {
+    const LONG error = static_cast<LONG>(GetLastError());
+    if (problem != nullptr) {
+        problem->m_lOsError = error;
+        problem->m_cause = CFileException::OsErrorToException(error);
+        problem->m_strFileName = name;
+    }
+    return FALSE;
+}
+
+}  // namespace
+
+CVlpFile::CVlpFile(const CString& name) {
     const CLogMethodEntryExit log(L"CVlpFile ctor");
     CFileException problem;
     if (!CVlpFile::Open(name, modeRead | shareDenyWrite, &problem)) {
@@ -33,18 +47,14 @@ BOOL CVlpFile::Open(LPCWSTR name, UINT flags, CFileException* problem) {
     m_bCloseOnDelete = FALSE;
     m_strFileName = name;
     const HANDLE file = OpenLocal(flags);
-    if (file == INVALID_HANDLE_VALUE) {
-        const LONG error = static_cast<LONG>(GetLastError());
-        if (problem != nullptr) {
-            problem->m_lOsError = error;
-            problem->m_cause = CFileException::OsErrorToException(error);
-            problem->m_strFileName = name;
-        }
-        return FALSE;
-    }
+    if (file == INVALID_HANDLE_VALUE) return FailOpening(name, problem);
     m_hFile = file;
     m_bCloseOnDelete = TRUE;
     return TRUE;
+}
+
+BOOL CVlpFile::Open(const CString& name, UINT flags, CFileException* problem) {
+    return LongPath::IsRefused(name) ? FailOpening(name, problem) : Open(name.GetString(), flags, problem);
 }
 
 UINT CVlpFile::Read(void* buffer, UINT count) {
@@ -73,6 +83,11 @@ ULONGLONG CVlpFile::GetLength() const {
     if (m_useMemoryBuffer) return m_memoryBuffer.GetLength();
     if (m_session != nullptr) AfxThrowFileException(CFileException::none, -1, m_strFileName);
     return CFile::GetLength();
+}
+
+bool CVlpFile::IsEmpty() const {
+    // Opening in a session makes the file anew, so only a local one can hold anything that its buffer does not.
+    return GetLength() == 0 && (!m_useMemoryBuffer || m_session != nullptr || CFile::GetLength() == 0);
 }
 
 void CVlpFile::Write(const void* buffer, UINT count) {

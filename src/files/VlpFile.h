@@ -21,7 +21,7 @@ class CVlpFile : public CFile {
 public:
     CVlpFile() = default;
     // Opens a local file for reading, which others may read too; a failure is logged, and thrown as a CFileException.
-    explicit CVlpFile(LPCWSTR name);
+    explicit CVlpFile(const CString& name);
     // What a memory buffer holds is lost. A file of a session stays open on its machine.
     ~CVlpFile() override = default;
 
@@ -32,6 +32,8 @@ public:
     // Does not close an earlier file. In a session flags and `problem` do not count: the file is made anew on the other
     // machine. With flags of both access bits the file is opened for reading.
     BOOL Open(LPCWSTR name, UINT flags, CFileException* problem = nullptr) override;
+    // A name with a zero inside is refused: ERROR_INVALID_NAME.
+    BOOL Open(const CString& name, UINT flags, CFileException* problem = nullptr);
     // While a memory buffer is used these three are about the buffer. The position in a session counts the bytes asked
     // for, also when fewer came.
     UINT Read(void* buffer, UINT count) override;
@@ -48,6 +50,9 @@ public:
 
 protected:
     bool IsOpen() const { return m_hFile != hFileNull; }
+    bool UsesMemoryBuffer() const { return m_useMemoryBuffer; }
+    // Neither the file nor a memory buffer holds anything. Throws as GetLength does.
+    bool IsEmpty() const;
 
 private:
     HANDLE OpenLocal(UINT flags) const;

@@ -20,7 +20,7 @@ using Lines = std::vector<std::string>;
 Lines Read(const std::wstring& path, bool keepLineEnds = false) {
     CStringList list;
     list.AddTail(L"from before");
-    ReadTextLines(path.c_str(), list, keepLineEnds);
+    ReadTextLines({path.data(), static_cast<int>(path.size())}, list, keepLineEnds);
     Lines lines;
     for (POSITION place = list.GetHeadPosition(); place != nullptr;) {
         const CString& line = list.GetNext(place);
@@ -70,6 +70,52 @@ TEST(Utf8TextFile, TheMarkStandsInNewAndEmptyFilesOnly) {
     std::string expected = WithMark("\xE2\x82\xAC\xC3\xA4\r\n");
     for (int i = 0; i < 1000; ++i) expected += "\xE2\x82\xAC";
     EXPECT_EQ(BytesOf(path), expected);
+}
+
+TEST(Utf8TextFile, AMarkThatCannotBeWrittenFailsTheOpeningAndClosesTheFile) {
+    const ScopedTestDir dir;
+    const std::wstring path = dir.Path(L"a.txt");
+    {
+        const ImportPatch<decltype(&WriteFile)> full(LoadedModule(L"framework.dll"), "WriteFile",
+                                                     [](HANDLE, LPCVOID, DWORD, LPDWORD, LPOVERLAPPED) -> BOOL {
+                                                         SetLastError(ERROR_DISK_FULL);
+                                                         return FALSE;
+                                                     });
+        CUtf8TextFile file;
+        CFileException problem;
+        EXPECT_FALSE(file.Open(path.c_str(), kNew, &problem));
+        EXPECT_EQ(problem.m_cause, CFileException::diskFull);
+        EXPECT_EQ(problem.m_lOsError, LONG{ERROR_DISK_FULL});
+        EXPECT_EQ(problem.m_strFileName, path.c_str());
+        EXPECT_FALSE(file.Open(path.c_str(), kNew));
+        EXPECT_EQ(file.m_hFile, CFile::hFileNull);
+        EXPECT_TRUE(DeleteFileW(path.c_str())) << "nobody has it open";
+        EXPECT_EQ(CauseOf([&] { CUtf8TextFile(path.c_str(), kNew); }), CFileException::diskFull);
+    }
+    CFileException problem;
+    EXPECT_FALSE(CUtf8TextFile().Open(CString(L"C:\\a\0b", 6), kNew, &problem));
+    EXPECT_EQ(problem.m_lOsError, LONG{ERROR_INVALID_NAME});
+}
+
+TEST(Utf8TextFile, TheMarkOfAMemoryBufferCoversNothing) {
+    const ScopedTestDir dir;
+    const std::wstring path = dir.Path(L"a.txt");
+    const struct {
+        UINT flags;
+        std::string given, before, after;
+    } rows[] = {{kNew, "text", "old file", WithMark("text!")}, {kNew, WithMark("text"), "", WithMark("text!")},
+                {kNew, "", "old file", WithMark("!")},         {kKept, "", "", WithMark("!")},
+                {kKept, "", "old file", "!ld file"},           {kKept, "text", "old file", "text!ile"}};
+    for (const auto& row : rows) {
+        PutBytes(path, row.before);
+        CUtf8TextFile file;
+        file.SetUseMemoryBuffer(true);
+        file.Write(row.given.data(), static_cast<UINT>(row.given.size()));
+        ASSERT_TRUE(file.Open(path.c_str(), row.flags));
+        file.WriteString(L"!");
+        file.Close();
+        EXPECT_EQ(BytesOf(path), row.after) << row.given;
+    }
 }
 
 TEST(Utf8TextFile, TheMarkIsThreeBytes) {
@@ -149,6 +195,7 @@ TEST(TextFiles, ReadsShortBrokenAndMarkedFiles) {
         EXPECT_EQ(Read(path), row.lines) << row.bytes;
     }
     EXPECT_EQ(Read(dir.Path(L"none")), Lines{});
+    EXPECT_EQ(Read(path + std::wstring(L"\0x", 2)), Lines{});
     const CFile writer(path.c_str(), CFile::modeWrite | CFile::shareDenyNone);
     EXPECT_EQ(Read(path), Lines{});
 }
@@ -231,6 +278,8 @@ TEST(TextFiles, ALockedFileIsTriedTenTimes) {
     CFile locker(path.c_str(), kNew | CFile::shareExclusive);
     CStringList lines;
     s_sleeps = 0;
+    EXPECT_FALSE(AppendTextLine(CString(L"C:\\a\0b", 6), L"line", false, true));
+    EXPECT_EQ(s_sleeps, 0) << "a name that nothing can have is no matter of time";
     EXPECT_FALSE(AppendTextLine(path.c_str(), L"line", false, true));
     EXPECT_EQ(s_sleeps, 10);
     s_sleeps = 0;

@@ -1,12 +1,16 @@
-// Junctions on a volume that knows none, as Wine's: the links are kept in memory as long as the object lives, and the
-// test program's own calls see them. A link is opened only with FILE_FLAG_OPEN_REPARSE_POINT, else what it points to;
-// paths that lead through a link are not followed. On a volume that has junctions nothing is replaced.
+// Junctions, and folders of other users, on a volume that knows neither, as Wine's: they are kept in memory as long as
+// the object lives, and the test program's own calls see them. The control codes answer as NTFS does. A link is opened
+// by FILE_FLAG_OPEN_REPARSE_POINT only, a folder of another user only while the backup and restore privileges are
+// enabled.
 #pragma once
 
-#include <windows.h>
+#include <afx.h>
 
-#include <cstddef>
-#include <memory>
+#include <algorithm>
+#include <cstring>
+#include <cwctype>
+#include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -14,23 +18,133 @@
 
 class ReparseVolume {
 public:
-    ReparseVolume();
-    ~ReparseVolume();
-    ReparseVolume(const ReparseVolume&) = delete;
-    ReparseVolume& operator=(const ReparseVolume&) = delete;
+    using Bytes = std::vector<std::byte>;
 
-    // Whether the volume of temporary files has junctions of its own. The members below are then of no use.
-    bool IsReal() const { return m_isReal; }
+    ReparseVolume() = default;
+    ~ReparseVolume() {
+        s_links.clear();
+        s_others.clear();
+    }
 
-    // The bytes that are kept for a link; none for anything else.
-    static std::vector<std::byte> BytesOf(const std::wstring& path);
-    // Makes an existing directory a link with bytes of any kind, as a damaged volume might.
-    static void SetBytes(const std::wstring& path, std::vector<std::byte> bytes);
+    // What is kept for a link; an existing directory becomes one by bytes of any kind, as on a damaged volume.
+    static Bytes& BytesOf(const std::wstring& path) { return s_links[KeyOf(path)]; }
+    static void GiveToAnotherUser(const std::wstring& path) { s_others.insert(KeyOf(path)); }
+    static bool HasBackupPrivileges() { return IsEnabled(17) && IsEnabled(18); }
 
 private:
-    template <class Function>
-    void Replace(HMODULE module, const char* name, Function replacement);
+    struct Opened {
+        std::wstring key;
+        DWORD access;
+        bool isEmpty;
+    };
+    inline static std::map<std::wstring, Bytes> s_links;  // by full path in small letters, without prefix
+    inline static std::set<std::wstring> s_others;
+    inline static std::map<HANDLE, Opened> s_opened;  // a number that is used again is overwritten
 
-    bool m_isReal;
-    std::vector<std::unique_ptr<ImportSlot>> m_slots;
+    static bool IsEnabled(DWORD privilege) {
+        PRIVILEGE_SET one{1, PRIVILEGE_SET_ALL_NECESSARY, {{{privilege, 0}, 0}}};
+        BOOL enabled = FALSE;
+        return PrivilegeCheck(GetCurrentProcessToken(), &one, &enabled) && enabled;
+    }
+    static std::wstring KeyOf(std::wstring path) {
+        if (path.starts_with(L"\\\\?\\")) path.erase(0, 4);
+        for (wchar_t& c : path) c = static_cast<wchar_t>(towlower(c));
+        return path;
+    }
+    static DWORD Attributes(const std::wstring& path) {
+        return SystemFunction(&GetFileAttributesW, L"kernel32.dll", "GetFileAttributesW")(path.c_str());
+    }
+    static DWORD WithLink(DWORD attributes, const std::wstring& key) {
+        return s_links.contains(key) ? attributes | FILE_ATTRIBUTE_REPARSE_POINT : attributes;
+    }
+
+    // What stands first in the bytes: the kind of link, how much follows, and where the names of a junction are.
+    struct Head {
+        DWORD tag = 0;
+        WORD length = 0, reserved = 0, targetAt = 0, target = 0, shownAt = 0, shown = 0;
+        Head(const void* bytes, size_t size) { std::memcpy(this, bytes, std::min(size, sizeof(*this))); }
+        bool IsMountPoint(DWORD size) const {
+            return targetAt == 0 && shownAt == target + 2 && size == sizeof(*this) + target + shown + 4;
+        }
+    };
+
+    static DWORD Set(const Opened& link, const std::byte* input, DWORD size) {
+        const Head head(input, size);
+        if (size < 8 || size > 0x4000 || size != head.length + 8u) return ERROR_INVALID_REPARSE_DATA;
+        if (head.tag <= 1) return ERROR_REPARSE_TAG_INVALID;
+        if (head.tag == 0xA0000003 && !head.IsMountPoint(size)) return ERROR_INVALID_REPARSE_DATA;
+        if ((link.access & GENERIC_WRITE) == 0) return ERROR_ACCESS_DENIED;
+        if ((Attributes(link.key) & FILE_ATTRIBUTE_DIRECTORY) == 0) return ERROR_DIRECTORY;
+        if (!link.isEmpty) return ERROR_DIR_NOT_EMPTY;
+        Bytes& bytes = s_links[link.key];
+        if (!bytes.empty() && Head(bytes.data(), bytes.size()).tag != head.tag) return ERROR_REPARSE_TAG_MISMATCH;
+        bytes.assign(input, input + size);
+        return ERROR_SUCCESS;
+    }
+    static DWORD Delete(const Opened& link, const std::byte* input, DWORD size) {
+        const Head head(input, size);
+        if ((size != 8 && size != 24) || head.length != 0) return ERROR_INVALID_REPARSE_DATA;
+        if ((link.access & GENERIC_WRITE) == 0) return ERROR_ACCESS_DENIED;
+        const auto found = s_links.find(link.key);
+        if (found == s_links.end()) return ERROR_NOT_A_REPARSE_POINT;
+        if (Head(found->second.data(), found->second.size()).tag != head.tag) return ERROR_REPARSE_TAG_MISMATCH;
+        s_links.erase(found);
+        return ERROR_SUCCESS;
+    }
+    static DWORD Get(const Opened& link, void* output, DWORD size, DWORD* got) {
+        const auto found = s_links.find(link.key);
+        if (found == s_links.end()) return ERROR_NOT_A_REPARSE_POINT;
+        if (size < 8) return ERROR_INSUFFICIENT_BUFFER;
+        *got = std::min(size, static_cast<DWORD>(found->second.size()));
+        std::memcpy(output, found->second.data(), *got);
+        return *got < found->second.size() ? ERROR_MORE_DATA : ERROR_SUCCESS;
+    }
+
+    const HMODULE m_program = GetModuleHandleW(nullptr);
+    const ImportPatch<decltype(&GetFileAttributesW)> m_attributes{
+        m_program, "GetFileAttributesW", [](LPCWSTR path) -> DWORD {
+            const DWORD attributes = Attributes(path);
+            return attributes == INVALID_FILE_ATTRIBUTES ? attributes : WithLink(attributes, KeyOf(path));
+        }};
+    const ImportPatch<decltype(&CreateFileW)> m_create{
+        m_program, "CreateFileW",
+        [](LPCWSTR path, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security, DWORD disposition, DWORD flags,
+           HANDLE pattern) -> HANDLE {
+            const std::wstring key = KeyOf(path);
+            const bool isFollowed = s_links.contains(key) && (flags & FILE_FLAG_OPEN_REPARSE_POINT) == 0;
+            if (isFollowed || (s_others.contains(key) && !HasBackupPrivileges())) {
+                SetLastError(isFollowed ? ERROR_CANT_ACCESS_FILE : ERROR_ACCESS_DENIED);
+                return INVALID_HANDLE_VALUE;
+            }
+            CFileFind search;
+            Opened opened{key, access, true};
+            for (BOOL more = search.FindFile((L"\\\\?\\" + key + L"\\*").c_str()); more;) {
+                more = search.FindNextFile();
+                opened.isEmpty &= search.IsDots() != FALSE;
+            }
+            const auto create = SystemFunction(&CreateFileW, L"kernel32.dll", "CreateFileW");
+            const HANDLE handle = create(path, access, share, security, disposition, flags, pattern);
+            s_opened[handle] = opened;
+            return handle;
+        }};
+    const ImportPatch<decltype(&DeviceIoControl)> m_control{
+        m_program, "DeviceIoControl",
+        [](HANDLE handle, DWORD code, void* input, DWORD inputSize, void* output, DWORD outputSize, DWORD* got,
+           OVERLAPPED*) -> BOOL {
+            const Opened& link = s_opened[handle];
+            const auto* const bytes = static_cast<const std::byte*>(input);
+            const DWORD error = code == 0x900A4   ? Set(link, bytes, inputSize)
+                                : code == 0x900A8 ? Get(link, output, outputSize, got)
+                                : code == 0x900AC ? Delete(link, bytes, inputSize)
+                                                  : ERROR_INVALID_FUNCTION;
+            SetLastError(error);
+            return error == ERROR_SUCCESS;
+        }};
+    const ImportPatch<decltype(&GetFileInformationByHandle)> m_information{
+        m_program, "GetFileInformationByHandle", [](HANDLE handle, BY_HANDLE_FILE_INFORMATION* info) -> BOOL {
+            const auto ask = SystemFunction(&GetFileInformationByHandle, L"kernel32.dll", "GetFileInformationByHandle");
+            if (!ask(handle, info)) return FALSE;
+            info->dwFileAttributes = WithLink(info->dwFileAttributes, s_opened[handle].key);
+            return TRUE;
+        }};
 };
