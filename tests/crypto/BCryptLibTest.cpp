@@ -2,37 +2,45 @@
 
 #include <gtest/gtest.h>
 #include <new>
-#include <string_view>
 
 #include "crypto/EncryptorAes256.h"
 #include "crypto/EncryptorStandard.h"
-#include "crypto/EntryPointPatch.h"
+#include "crypto/EntryPoints.h"
+#include "support/ImportPatch.h"
 
 namespace {
 
-struct Steps {
-    bool hasHash;
-    bool canEncrypt;
-    bool canDecrypt;
-};
-
-// What an encryptor can still do.
-Steps Try() {
+// What an encryptor can still do: h has a hash, e encrypt, d decrypt.
+std::string Abilities() {
     EncryptorAes256 encryptor;
     std::unique_ptr<BYTE[]> hash;
     DWORD bytes = 0;
     encryptor.ComputeHash(L"secret", hash, bytes);
-    BYTE block[32] = {};
-    DWORD length = 16;
     BYTE chunk[kCipherChunkBytes] = {};
-    DWORD chunkLength = kCipherChunkBytes;
-    return {hash != nullptr && bytes == 64, encryptor.Encrypt(block, length) == 0,
-            encryptor.Decrypt(chunk, chunkLength) == 0};
+    DWORD length = 16;
+    std::string abilities = hash != nullptr && bytes == 64 ? "h" : "";
+    if (encryptor.Encrypt(chunk, length) == 0) abilities += 'e';
+    length = kCipherChunkBytes;
+    if (encryptor.Decrypt(chunk, length) == 0) abilities += 'd';
+    return abilities;
 }
 
-NTSTATUS WINAPI RefuseSha256(BCRYPT_ALG_HANDLE* provider, LPCWSTR algorithm, LPCWSTR implementation, ULONG flags) {
-    if (std::wstring_view(algorithm) == BCRYPT_SHA256_ALGORITHM) return static_cast<NTSTATUS>(0xC0000017);
-    return BCryptOpenAlgorithmProvider(provider, algorithm, implementation, flags);
+int s_refused = -1;   // the allocation that gets no memory, counted from 0
+int s_alive = 0;      // blocks and modules
+int s_givenBack = 0;  // providers, hashes and keys
+
+NTSTATUS WINAPI GiveBack(BCRYPT_HANDLE) {
+    ++s_givenBack;
+    return 0;
+}
+
+NTSTATUS WINAPI Close(BCRYPT_ALG_HANDLE provider, ULONG) {
+    return GiveBack(provider);
+}
+
+template <class Function>
+Function* System(Function* function, const char* name) {
+    return SystemFunction(function, L"kernel32.dll", name);
 }
 
 }  // namespace
@@ -44,97 +52,84 @@ TEST(BCryptLib, WithoutTheLibraryNothingIsSupported) {
     EXPECT_EQ(library.Load(), kNotSupportedStatus);
     EXPECT_EQ(library.Load(), 0) << "a failed load is not tried again";
     EXPECT_EQ(library.BCryptDestroyKey(nullptr), kNotSupportedStatus);
-    const Steps steps = Try();
-    EXPECT_FALSE(steps.hasHash || steps.canEncrypt || steps.canDecrypt);
+    EXPECT_EQ(Abilities(), "");
 }
 
 TEST(BCryptLib, AMissingEntryPointEndsOnlyWhatNeedsIt) {
-    const struct {
-        const char* name;
-        Steps steps;
-    } rows[] = {
-        {"", {true, true, true}},
-        {"BCryptCloseAlgorithmProvider", {true, true, true}},
-        {"BCryptCreateHash", {false, false, false}},
-        {"BCryptDecrypt", {true, true, false}},
-        {"BCryptDestroyHash", {true, true, true}},
-        {"BCryptDestroyKey", {true, true, true}},
-        {"BCryptEncrypt", {true, false, true}},
-        {"BCryptFinishHash", {false, false, false}},
-        {"BCryptGenerateSymmetricKey", {true, false, false}},
-        {"BCryptGetProperty", {false, false, false}},
-        {"BCryptHashData", {false, false, false}},
-        {"BCryptOpenAlgorithmProvider", {false, false, false}},
-        {"BCryptSetProperty", {true, true, true}},
+    const std::pair<const char*, const char*> rows[] = {
+        {"", "hed"},
+        {"BCryptCloseAlgorithmProvider", "hed"},
+        {"BCryptCreateHash", ""},
+        {"BCryptDecrypt", "he"},
+        {"BCryptDestroyHash", "hed"},
+        {"BCryptDestroyKey", "hed"},
+        {"BCryptEncrypt", "hd"},
+        {"BCryptFinishHash", ""},
+        {"BCryptGenerateSymmetricKey", "h"},
+        {"BCryptGetProperty", ""},
+        {"BCryptHashData", ""},
+        {"BCryptOpenAlgorithmProvider", ""},
+        {"BCryptSetProperty", "hed"},
     };
-    for (const auto& row : rows) {
-        const EntryPointPatch patch(row.name, nullptr);
-        const Steps steps = Try();
-        EXPECT_EQ(steps.hasHash, row.steps.hasHash) << row.name;
-        EXPECT_EQ(steps.canEncrypt, row.steps.canEncrypt) << row.name;
-        EXPECT_EQ(steps.canDecrypt, row.steps.canDecrypt) << row.name;
+    for (const auto& [name, abilities] : rows) {
+        const EntryPoints patch({{name, nullptr}});
+        EXPECT_EQ(Abilities(), abilities) << name;
     }
 }
 
-TEST(BCryptLib, AFailedKeyDoesNotLeaveTheEarlierOne) {
-    EncryptorAes256 encryptor;
-    std::unique_ptr<BYTE[]> hash;
-    DWORD bytes = 0;
-    const EntryPointPatch patch("BCryptOpenAlgorithmProvider", reinterpret_cast<void*>(&RefuseSha256));
-    encryptor.ComputeHash(L"secret", hash, bytes);
-    EXPECT_EQ(bytes, 64U);
-    BYTE buffer[32] = {};
-    DWORD length = 16;
-    EXPECT_NE(encryptor.Encrypt(buffer, length), 0);
-}
-
-namespace {
-
-// The allocation that gets no memory, counted from 0; the others do.
-int s_refused = 0;
-
-bool IsRefused() {
-    return s_refused-- == 0;
-}
-
-LPVOID WINAPI AllocateUnlessRefused(HANDLE heap, DWORD flags, SIZE_T bytes) {
-    return IsRefused() ? nullptr : SystemFunction(&HeapAlloc, L"kernel32.dll", "HeapAlloc")(heap, flags, bytes);
-}
-
-void* NewUnlessRefused(size_t bytes, const std::nothrow_t&) noexcept {
-    return IsRefused() ? nullptr : ::operator new(bytes);
-}
-
-}  // namespace
-
-TEST(Encryptors, WithoutMemoryThereIsNoHashAndTheStatusSaysSo) {
-    constexpr auto kNoMemory = static_cast<NTSTATUS>(0xC0000017);
-    const ImportPatch<decltype(&HeapAlloc)> heap(GetModuleHandleW(nullptr), "HeapAlloc", AllocateUnlessRefused);
-    const ImportPatch<decltype(&NewUnlessRefused)> news(GetModuleHandleW(nullptr), "_ZnayRKSt9nothrow_t",
-                                                        NewUnlessRefused);
+TEST(BCryptLib, WithoutMemoryTheStatusSaysSoAndAllIsGivenBack) {
+    const HMODULE program = GetModuleHandleW(nullptr);
+    using NewFunction = void* (*)(size_t, const std::nothrow_t&);
+    const ImportPatch<NewFunction> news(program, "_ZnayRKSt9nothrow_t", [](size_t bytes, const std::nothrow_t&) {
+        return s_refused-- == 0 ? nullptr : ::operator new(bytes);
+    });
+    const ImportPatch<decltype(&HeapAlloc)> heap(program, "HeapAlloc", [](HANDLE owner, DWORD flags, SIZE_T bytes) {
+        if (s_refused-- == 0) return LPVOID{};
+        ++s_alive;
+        return System(&HeapAlloc, "HeapAlloc")(owner, flags, bytes);
+    });
+    const ImportPatch<decltype(&HeapFree)> free(program, "HeapFree", [](HANDLE owner, DWORD flags, LPVOID block) {
+        if (block != nullptr) --s_alive;
+        return System(&HeapFree, "HeapFree")(owner, flags, block);
+    });
+    const ImportPatch<decltype(&LoadLibraryW)> load(program, "LoadLibraryW", [](LPCWSTR name) {
+        ++s_alive;
+        return System(&LoadLibraryW, "LoadLibraryW")(name);
+    });
+    const ImportPatch<decltype(&FreeLibrary)> unload(program, "FreeLibrary", [](HMODULE module) {
+        --s_alive;
+        return System(&FreeLibrary, "FreeLibrary")(module);
+    });
+    const EntryPoints counted({{"BCryptCloseAlgorithmProvider", reinterpret_cast<void*>(&Close)},
+                               {"BCryptDestroyHash", reinterpret_cast<void*>(&GiveBack)},
+                               {"BCryptDestroyKey", reinterpret_cast<void*>(&GiveBack)}});
     std::unique_ptr<BYTE[]> hash;
     DWORD bytes = 0;
     BYTE buffer[32] = {};
-    // Each digest takes a key object, the digest, a hash object and the password in UTF-8.
-    for (int refused = 0; refused < 8; ++refused) {
+    int refused = 0;
+    // Each of the two digests takes a key object, itself, a hash object and the password in UTF-8; then there is
+    // enough. Given back are the provider of each, and its hash where there was one; each cipher gives its key back.
+    for (const int givenBack : {1, 1, 1, 1, 3, 3, 3, 3, 6}) {
         SCOPED_TRACE(refused);
-        EncryptorAes256 encryptor;
-        s_refused = -1;
-        encryptor.ComputeHash(L"an earlier one", hash, bytes);
-        s_refused = refused;
-        encryptor.ComputeHash(L"secret", hash, bytes);
-        EXPECT_LT(s_refused, 0);
-        EXPECT_EQ(bytes, refused < 4 ? 0u : 64u);
-        EXPECT_EQ(hash == nullptr, refused < 4);
-        DWORD length = 16;
-        EXPECT_EQ(encryptor.Encrypt(buffer, length), kNoMemory);
-        EXPECT_EQ(encryptor.Decrypt(buffer, length), kNoMemory);
-        EXPECT_EQ(length, 16u);
-        encryptor.ComputeHash(L"secret", hash, bytes);
-        EXPECT_EQ(encryptor.Encrypt(buffer, length), 0);
+        s_givenBack = 0;
+        {
+            EncryptorAes256 encryptor;
+            s_refused = refused;
+            encryptor.ComputeHash(L"secret", hash, bytes);
+            s_refused = -1;
+            EXPECT_EQ(bytes, refused < 4 ? 0U : 64U);
+            EXPECT_EQ(hash == nullptr, refused < 4);
+            const auto status = static_cast<NTSTATUS>(refused < 8 ? 0xC0000017 : 0);
+            DWORD length = 16;
+            EXPECT_EQ(encryptor.Encrypt(buffer, length), status);
+            EXPECT_EQ(encryptor.Decrypt(buffer, length), status);
+        }
+        EXPECT_EQ(s_givenBack, givenBack);
+        EXPECT_EQ(s_alive, 0);
+        ++refused;
     }
     s_refused = 0;
     EncryptorStandard().ComputeHash(L"secret", hash, bytes);
     EXPECT_EQ(hash, nullptr);
-    EXPECT_EQ(bytes, 0u);
+    EXPECT_EQ(bytes, 0U);
 }

@@ -1,51 +1,22 @@
-// Made by tests/crypto/make-vectors.
+// Passwords, buffers, and what other implementations made of them: the files in tests/crypto/vectors, which
+// make-vectors wrote and explains.
 #pragma once
 
-#include <cstdint>
+#include <fstream>
+#include <iterator>
+#include <string>
 
-// clang-format off
-struct DigestVector { const wchar_t* password; const char* sha512; };
-constexpr DigestVector kDigestVectors[] = {
-    {L"a", "1f40fc92da241694750979ee6cf582f2d5d7d28e18335de05abc54d0560e0f5302860c652bf08d560252aa5e74210546f369fbbbce8c12cfc7957b2652fe9a75"},
-    {L"Gr\x00fc" L"\x00df" L"e, \x4e16" L"\x754c" L"", "0d79353f8f649ab846f0231c291e5da4c97e6ac88ab8583074ba69b94aef85f33eba3e12f34ce718f826dc88bb6489a5823d1c7159d07918c274c0ed45f00ac3"},
-    {L"012345678901234567890123456789012345678901234567890123456789abc\x20ac" L"beyond the cut", "112e52c23bb78e24100d50fed5bc2d45ac8cb825339a3e6f5a0909aa9af6ce7d7f18c48aa51e4d2b6e9644991dd80ea80ac79adf4ff510e66101bf7ccdc4e535"},
-};
+inline constexpr const wchar_t* kPasswords[] = {
+    L"abc", L"Gr\u00fc\u00dfe, \u4e16\u754c",
+    L"012345678901234567890123456789012345678901234567890123456789abc\u20acbeyond the cut"};
 
-constexpr const wchar_t* kAesPassword = L"Gr\x00fc" L"\x00df" L"e, \x4e16" L"\x754c" L"";
-struct AesVector { uint32_t length; uint32_t encryptedLength; const char* sha256; };
-constexpr AesVector kAesVectors[] = {
-    {0, 0, "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855"},
-    {1, 16, "293fccd28f9e22b66201832be4a51af2980b017216d08dce173489432f5b2964"},
-    {15, 16, "91e5d54f334436470a7df4052c0bc386ca85f2cef33db0c9db8ee7d67410f28a"},
-    {16, 32, "d616e40fbd2912c2c6c262acf972487057d94ffffa99e08df0ea05cd15451ca8"},
-    {17, 32, "03637392c8fe2461a7e8e82a15b482f6febbeb3e96573009b19a7eccd0bf239b"},
-    {2031, 2032, "633dd3dcd20e74d84e5d80a8e85aeb931a0ab51ac6a83d225fd981760cd662f6"},
-    {2032, 2048, "b0f100680209cd76e6abc77b1fc5532dfdfe0b54f0d1d5d509f09d3e1a7a1600"},
-    {2047, 2048, "8267ce287039d27699a12a143783c7aa97e04225262aeebbe1fc3ab4e11f67e0"},
-    {2048, 2048, "65e5ad437d87471f6b41b4a242209b9a684f14472bc2175614585480b5a6c49a"},
-    {2049, 2064, "05b3201368d23b3d9cc402eadf7ba648dcaed9bc67ddff0be7fa500e5d288297"},
-    {2063, 2064, "f4be1f238c36409f1881511eab3f7c6c37e4ed4761e5bda643576b3a92b9b5c2"},
-    {4096, 4096, "4cc717858f5484337a5eff3bcc5e7673009f7ad832055d17d9a7acf7f472f10e"},
-    {65535, 65536, "744e796b600039bb0c09585795645cf91ee564987dc1460371384e89ae85059b"},
-    {65536, 65536, "de540be3b28ec312e5a762e6a51bf6d5904f48b600f62584ad1529baddf5fe6d"},
-    {65537, 65552, "1795cc8bc17e1a6738b06bda43a5f5a4acc9b2700809c2e46d1af80622e52f08"},
-};
+// The whole file, which must be there.
+inline std::string Vector(const std::string& name) {
+    std::ifstream file(VECTORS "/" + name, std::ios::binary);
+    file.exceptions(std::ios::badbit | std::ios::failbit);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
 
-struct ScramblerVector { uint32_t length; const char* sha256; };
-constexpr ScramblerVector kScramblerVectors[] = {
-    {0, "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855"},
-    {1, "8e35c2cd3bf6641bdb0e2050b76932cbb2e6034a0ddacc1d9bea82a6ba57f7cf"},
-    {7, "6cefe8aab4cdfb0fc26d76987449d66121b842420368fce1962b753b1b1ac7ff"},
-    {8, "83399db417e7755f83ca2693e35346a8b500ef10e9302e40af96bf8b1e3dfa0c"},
-    {9, "1ce0aee6ded981a47ad60c0fd54090718b327521a48e803cbf2b132132005ea6"},
-    {1023, "a554aac44d010554912dc8560ad93da683b387060630b58c6032e25148c63faf"},
-    {1024, "8fbc75461016e54ef2229e1c32dea59b6722ac75426ad20bf5d58bccbea3757a"},
-    {1025, "c63531a1159832cad0bbfb196c6633ad666657a2ce4f487a26b2d85061da320b"},
-    {2048, "3a084b0dfc505601fa0eb1b1814be60c9ae1de57170e8c60df0a56a1da3ba252"},
-    {3000, "053a33de6215a6dd146e85c132d6d17dda5691f54ae955e9c3331dca00004146"},
-    {65536, "bb855b28c621deb8c2da184fe5404455e303ec4bdb9f05471ccedccdf62864f0"},
-};
-constexpr const char* kScrambledThirteen = "4cb2af877a6995739c5b4351a9";
-constexpr const char* kStandardHash = "5f1ebb49a0f04857038d8533393d4e21dbe4";
-constexpr const char* kStandardHashOf512 = "ce1e9bc59aaa1e3f510f9633e534ddc4e0f128d7c6d34db4c5467c4278cebf06";
-// clang-format on
+inline std::string Plain(size_t length) {
+    return Vector("plain").substr(0, length);
+}

@@ -1,147 +1,106 @@
 #include "helpers/NumberFormat.h"
 
 #include <cstring>
-#include <cwchar>
+#include <functional>
 #include <gtest/gtest.h>
 #include <limits>
+#include <string>
+#include <vector>
 
 #include "support/FreshProcess.h"
 #include "support/ImportPatch.h"
-#include "support/Narrow.h"
 
 namespace {
 
+constexpr LCID kSystemLocale = 0x0807;
+
 struct Locale {
-    LPCWSTR decimal = L".";
-    LPCWSTR thousand = L",";
-    LPCWSTR grouping = L"3;0";
-    DWORD negativeOrder = 1;
-    DWORD leadingZero = 1;
+    LPCWSTR decimal, thousand, grouping;
+    DWORD negativeOrder = 1, leadingZero = 1;
 };
-
 Locale s_locale;
-int s_asked = 0;
-
-int AnswerText(LPCWSTR text, LPWSTR buffer, int size) {
-    const int length = static_cast<int>(std::wcslen(text)) + 1;
-    if (size == 0) return length;
-    if (size < length) return 0;
-    std::wmemcpy(buffer, text, static_cast<size_t>(length));
-    return length;
-}
-
-int AnswerNumber(DWORD number, LPWSTR buffer) {
-    std::memcpy(buffer, &number, sizeof(number));
-    return sizeof(number) / sizeof(WCHAR);
-}
 
 int WINAPI AnswerLocaleInfo(LCID locale, LCTYPE item, LPWSTR buffer, int size) {
-    EXPECT_EQ(locale, 0x800u);
-    ++s_asked;
-    switch (item) {
-        case LOCALE_SDECIMAL:
-            return AnswerText(s_locale.decimal, buffer, size);
-        case LOCALE_STHOUSAND:
-            return AnswerText(s_locale.thousand, buffer, size);
-        case LOCALE_SGROUPING:
-            return AnswerText(s_locale.grouping, buffer, size);
-        case LOCALE_INEGNUMBER | LOCALE_RETURN_NUMBER:
-            return AnswerNumber(s_locale.negativeOrder, buffer);
-        case LOCALE_ILZERO | LOCALE_RETURN_NUMBER:
-            return AnswerNumber(s_locale.leadingZero, buffer);
-        default:
-            ADD_FAILURE() << "not asked by anybody: " << item;
-            return 0;
+    EXPECT_EQ(locale, 0x800U);
+    if ((item & LOCALE_RETURN_NUMBER) != 0) {
+        const bool isZero = (item & 0xFFFF) == LOCALE_ILZERO;
+        std::memcpy(buffer, isZero ? &s_locale.leadingZero : &s_locale.negativeOrder, sizeof(DWORD));
+        return sizeof(DWORD) / sizeof(WCHAR);
     }
+    const std::wstring text = item == LOCALE_SDECIMAL    ? s_locale.decimal
+                              : item == LOCALE_STHOUSAND ? s_locale.thousand
+                                                         : s_locale.grouping;
+    if (size > 0) std::wcscpy(buffer, text.c_str());
+    return static_cast<int>(text.size()) + 1;
 }
 
-void ExpectText(const CString& text, LPCWSTR expected) {
-    EXPECT_EQ(Narrow(text.GetString()), Narrow(expected));
+int WINAPI FormatNumber(LCID locale, DWORD flags, LPCWSTR digits, const NUMBERFMTW* format, LPWSTR buffer, int size) {
+    EXPECT_EQ(locale, kSystemLocale);
+    return GetNumberFormatEx(LOCALE_NAME_USER_DEFAULT, flags, digits, format, buffer, size);
 }
 
-// The locale is read once for a process, so each one needs a process of its own.
-#define EXPECT_UNDER_LOCALE(locale, ...)                                                                \
-    EXPECT_IN_FRESH_PROCESS([&] {                                                                       \
-        s_locale = locale;                                                                              \
-        const ImportPatch<decltype(&GetLocaleInfoW)> patch(GetModuleHandleW(nullptr), "GetLocaleInfoW", \
-                                                           AnswerLocaleInfo);                           \
-        __VA_ARGS__                                                                                     \
-    })
+using Texts = std::vector<std::wstring>;
+
+// The locale is read once for a process, so each one needs a process of its own, and a later change shows nowhere.
+void ExpectUnder(const Locale& locale, const std::function<Texts()>& format, const Texts& expected) {
+    EXPECT_IN_FRESH_PROCESS([&] {
+        const HMODULE program = GetModuleHandleW(nullptr);
+        const ImportPatch<decltype(&GetLocaleInfoW)> info(program, "GetLocaleInfoW", AnswerLocaleInfo);
+        const ImportPatch<decltype(&GetNumberFormatW)> number(program, "GetNumberFormatW", FormatNumber);
+        const ImportPatch<decltype(&GetSystemDefaultLCID)> system(program, "GetSystemDefaultLCID",
+                                                                  [] { return kSystemLocale; });
+        for (const Locale& told : {locale, Locale{L"!", L"!", L"9;0"}}) {
+            s_locale = told;
+            EXPECT_EQ(format(), expected);
+        }
+    });
+}
+
+TEST(NumberFormat, GroupsSeparatorsAndSignsAreTheSystemsLocales) {
+    const struct {
+        LPCWSTR grouping, number, negative;
+    } rows[] = {
+        {L"3;0", L"123,456,789", L"(1,234)"}, {L"3;2;0", L"12,34,56,789", L"-1,234"},
+        {L"3", L"123456,789", L"- 1,234"},    {L"", L"123456789", L"1234-"},
+        {L"3;0", L"123,456,789", L"1,234 -"}, {L"3;0", L"123,456,789", L"-1234"},
+    };
+    // There is no order 5: what Windows does not format comes back plain.
+    for (DWORD order = 0; order < std::size(rows); ++order) {
+        const auto& [grouping, number, negative] = rows[order];
+        ExpectUnder({L".", L",", grouping, order},
+                    [] {
+                        return Texts{FormatUnsigned(123456789).GetString(), FormatSigned(-1234).GetString()};
+                    },
+                    {number, negative});
+    }
+    const auto extremes = [] {
+        return Texts{FormatDecimal(-1234567.891).GetString(),
+                     FormatUnsigned(std::numeric_limits<ULONGLONG>::max()).GetString(),
+                     FormatSigned(std::numeric_limits<LONGLONG>::min()).GetString(), FormatDecimal(0.5).GetString()};
+    };
+    ExpectUnder({L",", L".", L"3;0"}, extremes,
+                {L"-1.234.567,89", L"18.446.744.073.709.551.615", L"-9.223.372.036.854.775.808", L"0,50"});
+    ExpectUnder({L"###", L"\u202F", L"6;0", 1, 0}, extremes,
+                {L"-1\u202F234567###89", L"18\u202F446744\u202F073709\u202F551615",
+                 L"-9\u202F223372\u202F036854\u202F775808", L"###50"});
+}
+
+TEST(NumberFormat, ASizeOfExactlyAUnitStaysInTheSmallerOne) {
+    CString plain;
+    plain.Format(L"%.2f", 1e200);  // longer than Windows formats
+    ExpectUnder({L".", L",", L"3;0"},
+                [] {
+                    Texts texts{FormatDecimal(1e200).GetString(), FormatByteSize(nullptr).GetString()};
+                    for (const LONGLONG bytes : {0LL, 1024LL, 1025LL, 1048576LL, 1048577LL, 1073741824LL, 5368709120LL,
+                                                 std::numeric_limits<LONGLONG>::max(), -1LL}) {
+                        LARGE_INTEGER size;
+                        size.QuadPart = bytes;
+                        texts.emplace_back(FormatByteSize(&size).GetString());
+                    }
+                    return texts;
+                },
+                {plain.GetString(), L"0 Bytes", L"0.00 Bytes", L"1,024.00 Bytes", L"1.00 KB", L"1,024.00 KB",
+                 L"1.00 MB", L"1,024.00 MB", L"5.00 GB", L"8,589,934,592.00 GB", L"-1.00 Bytes"});
+}
 
 }  // namespace
-
-TEST(NumberFormat, GroupsAsTheLocaleSays) {
-    struct Case {
-        LPCWSTR grouping, expected;
-    };
-    const Case cases[] = {
-        {L"3;0", L"123,456,789"}, {L"3;2;0", L"12,34,56,789"}, {L"3", L"123456,789"}, {L"", L"123456789"}};
-    for (const Case& c : cases) {
-        SCOPED_TRACE(Narrow(c.grouping));
-        EXPECT_UNDER_LOCALE(Locale{.grouping = c.grouping}, ExpectText(FormatUnsigned(123456789), c.expected););
-    }
-}
-
-TEST(NumberFormat, WritesTheLocalesSeparatorsAndSigns) {
-    const Locale german{.decimal = L",", .thousand = L"."};
-    EXPECT_UNDER_LOCALE(german, {
-        ExpectText(FormatDecimal(-1234567.891), L"-1.234.567,89");
-        ExpectText(FormatUnsigned(std::numeric_limits<ULONGLONG>::max()), L"18.446.744.073.709.551.615");
-        ExpectText(FormatSigned(std::numeric_limits<LONGLONG>::min()), L"-9.223.372.036.854.775.808");
-        ExpectText(FormatSigned(999), L"999");
-    });
-    const LPCWSTR expected[] = {L"(1,234)", L"-1,234", L"- 1,234", L"1,234-", L"1,234 -"};
-    for (DWORD order = 0; order < std::size(expected); ++order) {
-        EXPECT_UNDER_LOCALE(Locale{.negativeOrder = order}, ExpectText(FormatSigned(-1234), expected[order]););
-    }
-    EXPECT_UNDER_LOCALE(Locale{.leadingZero = 0}, ExpectText(FormatDecimal(0.5), L".50"););
-    const Locale wide{.decimal = L"###", .thousand = L"\x202F"};
-    EXPECT_UNDER_LOCALE(wide, ExpectText(FormatDecimal(1234),
-                                         L"1\x202F"
-                                         L"234###00"););
-}
-
-TEST(NumberFormat, WhatWindowsDoesNotFormatComesBackPlain) {
-    EXPECT_UNDER_LOCALE(Locale{.negativeOrder = 9}, ExpectText(FormatSigned(-1234), L"-1234"););
-    EXPECT_UNDER_LOCALE(Locale{}, {
-        CString digits;
-        digits.Format(L"%.2f", 1e200);
-        ASSERT_GT(digits.GetLength(), 64);
-        ExpectText(FormatDecimal(1e200), digits);
-        const CString infinite = FormatDecimal(std::numeric_limits<double>::infinity());
-        EXPECT_FALSE(infinite.IsEmpty());
-    });
-}
-
-TEST(NumberFormat, ReadsTheLocaleOnce) {
-    EXPECT_UNDER_LOCALE(Locale{}, {
-        FormatUnsigned(1);
-        FormatDecimal(1);
-        const int asked = s_asked;
-        s_locale.thousand = L"'";
-        ExpectText(FormatUnsigned(1234), L"1,234");
-        ExpectText(FormatDecimal(1234), L"1,234.00");
-        EXPECT_EQ(s_asked, asked);
-    });
-}
-
-TEST(FormatByteSize, AnExactUnitStaysInTheSmallerOne) {
-    EXPECT_UNDER_LOCALE(Locale{}, {
-        const auto size = [](LONGLONG bytes) {
-            LARGE_INTEGER record{};
-            record.QuadPart = bytes;
-            return FormatByteSize(&record);
-        };
-        ExpectText(FormatByteSize(nullptr), L"0 Bytes");
-        ExpectText(size(0), L"0.00 Bytes");
-        ExpectText(size(5), L"5.00 Bytes");
-        ExpectText(size(1024), L"1,024.00 Bytes");
-        ExpectText(size(1025), L"1.00 KB");
-        ExpectText(size(1048576), L"1,024.00 KB");
-        ExpectText(size(1048577), L"1.00 MB");
-        ExpectText(size(1073741824), L"1,024.00 MB");
-        ExpectText(size(5368709120), L"5.00 GB");
-        ExpectText(size(std::numeric_limits<LONGLONG>::max()), L"8,589,934,592.00 GB");
-        ExpectText(size(-1), L"-1.00 Bytes");
-    });
-}
