@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "Printable.h"
+
 enum class HostRuleKind { Branch, Key, Value };
 
 // One rule as host and file know it; texts are UTF-8.
@@ -18,19 +20,15 @@ struct HostRule {
     bool operator==(const HostRule&) const = default;
 };
 
-// A text that is not a rules file.
+// A text that is not a rules file. Its own text is one line: the place, "line 3, column 7" or the JSON pointer of the
+// member that is wrong ("/rules/2/type"), and the reason.
 class RulesFileError : public std::runtime_error {
 public:
-    RulesFileError(std::string place, const std::string& reason)
-        : std::runtime_error(place + ": " + reason), m_place(std::move(place)) {}
-    // "line 3, column 7", or the JSON pointer of the member that is wrong ("/rules/2/type").
-    const std::string& Place() const { return m_place; }
-
-private:
-    std::string m_place;
+    RulesFileError(const std::string& place, const std::string& reason)
+        : std::runtime_error(Printable(place + ": " + reason)) {}
 };
 
-// The rules in the order of the file. Throws RulesFileError, whose text is one line.
+// The rules in the order of the file. Throws RulesFileError.
 std::vector<HostRule> ParseRules(std::string_view text);
 
 // The text of a file that ParseRules reads back to the same rules. Texts must be valid UTF-8.

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
+
+#include "Printable.h"
 
 namespace {
 
@@ -14,25 +15,6 @@ constexpr std::size_t WidestColumn = 60;
 // Characters, counted without the continuation bytes of UTF-8.
 std::size_t Width(const std::string& text) {
     return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char c) { return (c & 0xC0) != 0x80; }));
-}
-
-// Escapes what a terminal obeys: U+0000 to U+001F and U+007F to U+009F, of which those from U+0080 on are the byte 0xC2
-// and the code.
-std::string Printable(const std::string& text) {
-    const auto byte = [&](std::size_t index) { return static_cast<unsigned>(static_cast<unsigned char>(text[index])); };
-    std::string result;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const bool isHighControl = byte(i) == 0xC2 && byte(i + 1) < 0xA0;
-        if (byte(i) >= 0x20 && byte(i) != 0x7F && !isHighControl) {
-            result += text[i];
-            continue;
-        }
-        if (isHighControl) ++i;
-        char escaped[8];
-        std::snprintf(escaped, sizeof escaped, "\\x%02X", byte(i));
-        result += escaped;
-    }
-    return result;
 }
 
 Row MakeRow(const HostRule& rule) {

@@ -17,6 +17,6 @@ inline std::string Vector(const std::string& name) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-inline std::string Plain(size_t length) {
-    return Vector("plain").substr(0, length);
+inline std::string Plain(int length) {
+    return Vector("plain").substr(0, static_cast<size_t>(length));
 }

@@ -112,15 +112,19 @@ BOOL HasRoom(HANDLE file) {
     return FALSE;
 }
 
-Undo FillVolume(const std::wstring& part) {
+// A write without room fails, or tells only by the count what was written.
+bool s_fails;
+
+Undo FillVolume(const std::wstring& part, bool fails = true) {
     s_full = part;
+    s_fails = fails;
     return Patch<decltype(&WriteFile)>(
         "WriteFile", [](HANDLE file, LPCVOID data, DWORD bytes, LPDWORD written, LPOVERLAPPED overlapped) {
-            static const auto write = SystemFunction(&WriteFile, L"kernel32.dll", "WriteFile");
-            const bool hasRoom = HasRoom(file);
-            const BOOL isWritten = write(file, data, hasRoom ? bytes : bytes / 2, written, overlapped);
-            if (!hasRoom) SetLastError(ERROR_DISK_FULL);
-            return isWritten && hasRoom ? TRUE : FALSE;
+            const auto write = SystemFunction(&WriteFile, L"kernel32.dll", "WriteFile");
+            if (HasRoom(file)) return write(file, data, bytes, written, overlapped);
+            write(file, data, bytes / 2, written, overlapped);
+            SetLastError(ERROR_DISK_FULL);
+            return s_fails ? FALSE : TRUE;
         });
 }
 
@@ -204,6 +208,7 @@ const Trouble Troubles[] = {
      },
      "another program has changed", "mine", L"Regeln \x4E2D.unsaved-2.json"},
     {"no room", [](const auto&) { return FillVolume(L".new"); }, "cannot write: "},
+    {"less written", [](const auto&) { return FillVolume(L".new", false); }, "cannot write: "},
     {"no room that shows only in the end",
      [](const auto&) {
          return Patch<decltype(&FlushFileBuffers)>("FlushFileBuffers", [](HANDLE file) {
