@@ -62,4 +62,14 @@ cat build/run/host.log
 [ "$(md5sum <"$rules" 2>/dev/null || true)" != "$before" ] || fail "the steps changed no rule: look at build/run/dialog.png"
 sed -n '/^Rules after/,$p' build/run/host.log | grep -q '^0 *key .*Instruments.Gauge' ||
     fail "the new rule is not the first one, or no Key: look at build/run/dialog.png"
-step "the rules are in $rules, the picture is build/run/dialog.png"
+step "capturing what the rules select, and listing it"
+code=0
+without_display wine "$host" capture "$rules" build/run/carried.reg --force || code=$?
+cat "$WINEPREFIX/command.log"
+# 4: rules whose keys are not in this registry are told.
+[ $code -eq 0 ] || [ $code -eq 4 ] || fail "capture ended with $code"
+code=0
+without_display wine "$host" list "$rules" || code=$?
+cat "$WINEPREFIX/command.log"
+[ $code -eq 0 ] || [ $code -eq 4 ] || fail "list ended with $code"
+step "the rules are in $rules, what they select in build/run/carried.reg, the picture is build/run/dialog.png"

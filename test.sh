@@ -55,6 +55,8 @@ if build windows; then
         step "comparing the export table"
         if scripts/check-exports build/windows/bin/RegistryRules.dll; then passed=$((passed + 1)); else fail "the export table"; fi
     fi
+    step "carrying settings from one machine to another and back"
+    if scripts/check-carry windows; then passed=$((passed + 1)); else fail "the circle of capture and apply"; fi
     step "building a host of its own against the installed package"
     if scripts/check-package windows; then passed=$((passed + 1)); else fail "the package (see build/package.log)"; fi
 fi

@@ -1,11 +1,12 @@
 #include "RulesHost.h"
 
-#include <windows.h>
-
 #include <exception>
 #include <stdexcept>
 
+#include "CommandLine.h"
+#include "Commands.h"
 #include "FileText.h"
+#include "HostOutput.h"
 #include "RulePositions.h"
 #include "RulesExchange.h"
 #include "RulesFile.h"
@@ -17,6 +18,10 @@ namespace {
 
 constexpr const char* Usage =
     "Usage: RulesHost [FILE]\n"
+    "       RulesHost list FILE\n"
+    "       RulesHost check FILE\n"
+    "       RulesHost capture FILE OUT.reg [--force]\n"
+    "       RulesHost apply FILE.reg --undo UNDO.reg [--force] [--dry-run]\n"
     "\n"
     "Shows the rules of FILE in the Registry Rules dialog and, if they were changed and\n"
     "confirmed by OK, writes them back. A missing file is an empty set of rules. Without\n"
@@ -26,30 +31,29 @@ constexpr const char* Usage =
     "to NAME.unsaved-1.json (or the next free number) beside it, or else in the folder for\n"
     "temporary files.\n"
     "\n"
-    "  --help   print this text\n"
+    "  list     prints the keys and values that the rules of FILE select now\n"
+    "  check    tells the rules that name nothing, overlap, or are invalid\n"
+    "  capture  writes what the rules select into a registry file\n"
+    "  apply    carries out a registry file; UNDO.reg, written first, puts back what was\n"
+    "\n"
+    "  --undo UNDO.reg    the file that takes it back; needed but for --dry-run\n"
+    "  --dry-run          reads the registry file, and changes nothing\n"
+    "  --force            replaces OUT.reg or UNDO.reg; removes whole hives, too\n"
+    "  --offline DRIVE    works on the Windows of that drive, which is not running\n"
+    "  --user WHO         who HKEY_CURRENT_USER is: a SID, a name or a profile folder\n"
+    "  --json             prints JSON: list, check, and the reports of capture and apply\n"
+    "  --help             prints this text\n"
     "\n"
     "Exit codes:\n"
     "  0   done\n"
-    "  1   wrong arguments, FILE cannot be read, or the rules could be saved nowhere\n"
-    "  2   FILE is not a rules file (it is left as it was)\n"
-    "  3   not saved in place: the rules are in the file that is named\n";
-
-void Print(DWORD stream, const std::string& text) {
-    const HANDLE handle = GetStdHandle(stream);
-    DWORD written = 0;
-    DWORD mode = 0;
-    if (GetConsoleMode(handle, &mode)) {
-        // A console takes wide text whatever its code page is.
-        const std::wstring wide = FromUtf8(text);
-        WriteConsoleW(handle, wide.data(), static_cast<DWORD>(wide.size()), &written, nullptr);
-    } else {
-        WriteFile(handle, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
-    }
-}
-
-void PrintFailure(const std::string& text) {
-    Print(STD_ERROR_HANDLE, "RulesHost: " + text + "\n");
-}
+    "  1   wrong arguments, a file or user that is not to be had, nothing was changed; or\n"
+    "      the edited rules could be saved nowhere\n"
+    "  2   FILE is not a rules file or registry file (it is left as it was)\n"
+    "  3   not saved in place: the rules are in the file that is named\n"
+    "  4   done, with things told that were left out; of check: something is wrong\n"
+    "  5   refused: OUT.reg or UNDO.reg exists, or a whole hive would be removed\n"
+    "  6   failed or cancelled, and all taken back\n"
+    "  7   failed, and not all taken back: UNDO.reg tells how it was\n";
 
 // Saves what was edited, in the file or, when that cannot be, in another one.
 ExitCode SaveRules(const std::wstring& path, const std::optional<std::string>& before, const EditedRules& edited) {
@@ -60,14 +64,14 @@ ExitCode SaveRules(const std::wstring& path, const std::optional<std::string>& b
         if (!edited.isExact)
             throw std::runtime_error("U+FFFD stands for half a surrogate pair, which no file can hold");
         ReplaceFileText(path, before, text);
-        Print(STD_OUTPUT_HANDLE, "Saved to " + name + ".\n");
+        PrintOutput("Saved to " + name + ".\n");
         return ExitCode::Done;
     } catch (const std::exception& error) {
         reason = error.what();
     }
     const std::wstring other = WriteUnsavedText(path, text);
     if (other.empty()) {
-        Print(STD_OUTPUT_HANDLE, text);
+        PrintOutput(text);
         PrintFailure(name + ": " + reason + "; not saved anywhere: the text of the file is printed");
         return ExitCode::Failed;
     }
@@ -79,7 +83,7 @@ ExitCode EditRules(const std::wstring& path) {
     const std::string name = path.empty() ? "(no file)" : ToReadableUtf8(path);
     const std::optional<std::string> text = path.empty() ? std::nullopt : ReadFileText(path);
     const std::vector<HostRule> before = text ? ParseRules(*text) : std::vector<HostRule>();
-    Print(STD_OUTPUT_HANDLE, "Rules before, from " + name + ":\n" + RulesTable(before));
+    PrintOutput("Rules before, from " + name + ":\n" + RulesTable(before));
     if (!EditorKeepsOrder(before)) {
         PrintFailure(name + ": the dialog takes positions up to 32767 only: the rules beyond will change their order");
     }
@@ -88,9 +92,9 @@ ExitCode EditRules(const std::wstring& path) {
     AddRules(editor, before);
     const bool changed = editor.Show() == 1;
     const EditedRules after = ReadRules(editor);
-    Print(STD_OUTPUT_HANDLE, "Rules after:\n" + RulesTable(after.rules));
+    PrintOutput("Rules after:\n" + RulesTable(after.rules));
     if (changed && !path.empty()) return SaveRules(path, text, after);
-    Print(STD_OUTPUT_HANDLE, changed ? "Not saved: no file.\n" : "Nothing to save.\n");
+    PrintOutput(changed ? "Not saved: no file.\n" : "Nothing to save.\n");
     return ExitCode::Done;
 }
 
@@ -105,8 +109,14 @@ std::string ExceptionText(CException* problem) {
 
 ExitCode RunHost(const std::vector<std::wstring>& arguments) {
     if (arguments.size() == 1 && arguments[0] == L"--help") {
-        Print(STD_OUTPUT_HANDLE, Usage);
+        PrintOutput(Usage);
         return ExitCode::Done;
+    }
+    try {
+        if (const auto command = ParseCommandLine(arguments)) return RunCommand(*command);
+    } catch (const CommandLineError& error) {
+        PrintFailure(std::string(error.what()) + "; RulesHost --help tells the usage");
+        return ExitCode::Failed;
     }
     const bool isOption = !arguments.empty() && arguments[0].starts_with(L"-");
     if (arguments.size() > 1 || isOption) {

@@ -19,11 +19,15 @@ std::size_t Width(const std::string& text) {
 
 Row MakeRow(const HostRule& rule) {
     Row row{std::to_string(rule.position), std::string(KindName(rule.kind)), Printable(rule.key), ""};
-    if (rule.kind == HostRuleKind::Value) row[3] = rule.value.empty() ? "(Default)" : Printable(rule.value);
+    if (rule.kind == HostRuleKind::Value) row[3] = ValueText(rule.value);
     return row;
 }
 
 }  // namespace
+
+std::string ValueText(const std::string& name) {
+    return name.empty() ? "(Default)" : Printable(name);
+}
 
 std::string RulesTable(const std::vector<HostRule>& rules) {
     if (rules.empty()) return "(no rules)\n";
