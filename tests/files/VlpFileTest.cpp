@@ -2,8 +2,9 @@
 
 #include <atlbase.h>
 #include <gtest/gtest.h>
+#include <vector>
 
-#include "files/DeepFolder.h"
+#include "files/WriteRate.h"
 #include "support/FileBytes.h"
 #include "support/ImportPatch.h"
 #include "support/LogCapture.h"
@@ -12,19 +13,10 @@
 namespace {
 
 struct Opening {
-    DWORD access;
-    DWORD share;
-    DWORD disposition;
-    DWORD attributes;
+    DWORD access, share, disposition, attributes;
     bool isInherited = true;
     bool operator==(const Opening&) const = default;
 };
-
-void PrintTo(const Opening& opening, std::ostream* out) {
-    *out << std::hex << opening.access << ' ' << opening.share << ' ' << opening.disposition << ' '
-         << opening.attributes << ' ' << opening.isInherited;
-}
-
 Opening s_opening;
 std::wstring s_openedPath;
 HANDLE s_transaction = nullptr;
@@ -59,50 +51,38 @@ private:
 
 TEST(VlpFile, EveryFlagReachesTheSystem) {
     const ImportPatch<decltype(&CreateFileW)> patch(GetModuleHandleW(nullptr), "CreateFileW", NoteOpening);
-    const struct {
-        UINT flags;
-        Opening opening;
-    } rows[] = {
-        {0x0, {GENERIC_READ, 0, OPEN_EXISTING, 0x80}},
-        {0x1, {GENERIC_WRITE, 0, OPEN_EXISTING, 0x80}},
-        {0x2, {GENERIC_READ | GENERIC_WRITE, 0, OPEN_EXISTING, 0x80}},
-        {0x8010, {GENERIC_READ, 0, OPEN_EXISTING, 0x80}},
-        {0x20, {GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING, 0x80}},
-        {0x30, {GENERIC_READ, FILE_SHARE_WRITE, OPEN_EXISTING, 0x80}},
-        {0x40, {GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING, 0x80}},
-        {0x50, {GENERIC_READ, 0, OPEN_EXISTING, 0x80}},
-        {0x80, {GENERIC_READ, 0, OPEN_EXISTING, 0x80, false}},
-        {0x1001, {GENERIC_WRITE, 0, CREATE_ALWAYS, 0x80}},
-        {0x3011, {GENERIC_WRITE, 0, OPEN_ALWAYS, 0x80}},
-        {0x2001, {GENERIC_WRITE, 0, OPEN_EXISTING, 0x80}},
-        {0x10000, {GENERIC_READ, 0, OPEN_EXISTING, 0x80 | FILE_FLAG_NO_BUFFERING}},
-        {0x20000, {GENERIC_READ, 0, OPEN_EXISTING, 0x80 | FILE_FLAG_WRITE_THROUGH}},
-        {0x40000, {GENERIC_READ, 0, OPEN_EXISTING, 0x80 | FILE_FLAG_RANDOM_ACCESS}},
-        {0x80000, {GENERIC_READ, 0, OPEN_EXISTING, 0x80 | FILE_FLAG_SEQUENTIAL_SCAN}},
-        {0xFB0C2, {GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_ALWAYS, 0xB8000080, false}},
+    constexpr DWORD kRead = GENERIC_READ, kWrite = GENERIC_WRITE, kNormal = FILE_ATTRIBUTE_NORMAL;
+    const std::pair<UINT, Opening> rows[] = {
+        {0x0, {kRead, 0, OPEN_EXISTING, kNormal}},
+        {0x1, {kWrite, 0, OPEN_EXISTING, kNormal}},
+        {0x2, {kRead | kWrite, 0, OPEN_EXISTING, kNormal}},
+        {0x8010, {kRead, 0, OPEN_EXISTING, kNormal}},
+        {0x20, {kRead, FILE_SHARE_READ, OPEN_EXISTING, kNormal}},
+        {0x30, {kRead, FILE_SHARE_WRITE, OPEN_EXISTING, kNormal}},
+        {0x40, {kRead, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING, kNormal}},
+        {0x50, {kRead, 0, OPEN_EXISTING, kNormal}},
+        {0x80, {kRead, 0, OPEN_EXISTING, kNormal, false}},
+        {0x1001, {kWrite, 0, CREATE_ALWAYS, kNormal}},
+        {0x3011, {kWrite, 0, OPEN_ALWAYS, kNormal}},
+        {0x2001, {kWrite, 0, OPEN_EXISTING, kNormal}},
+        {0x10000, {kRead, 0, OPEN_EXISTING, kNormal | FILE_FLAG_NO_BUFFERING}},
+        {0x20000, {kRead, 0, OPEN_EXISTING, kNormal | FILE_FLAG_WRITE_THROUGH}},
+        {0x40000, {kRead, 0, OPEN_EXISTING, kNormal | FILE_FLAG_RANDOM_ACCESS}},
+        {0x80000, {kRead, 0, OPEN_EXISTING, kNormal | FILE_FLAG_SEQUENTIAL_SCAN}},
     };
     const std::wstring path = L"C:\\" + std::wstring(245, L'x');
-    for (const auto& row : rows) {
+    for (const auto& [flags, opening] : rows) {
         CFileException problem;
-        EXPECT_FALSE(CVlpFile().Open(path.c_str(), row.flags, &problem));
+        EXPECT_FALSE(CVlpFile().Open(path.c_str(), flags, &problem));
         EXPECT_EQ(s_openedPath, L"\\\\?\\" + path);
-        EXPECT_EQ(s_opening, row.opening) << std::hex << row.flags;
+        EXPECT_TRUE(s_opening == opening) << std::hex << flags;
         EXPECT_EQ(problem.m_cause, CFileException::sharingViolation);
         EXPECT_EQ(problem.m_lOsError, ERROR_SHARING_VIOLATION);
         EXPECT_EQ(problem.m_strFileName, path.c_str());
     }
-}
-
-// The transaction is a stand-in, because Wine has none: its CreateTransaction answers a handle that stands for nothing,
-// and kernel32 lacks CreateFileTransactedW. So what is seen here is how the file is opened, not that it is rolled back.
-TEST(VlpFile, ATransactionObjectDecidesHowToOpen) {
-    const ScopedTestDir dir;
-    const std::wstring path = dir.Path(L"a.txt");
-    PutBytes(path, "old");
-    EXPECT_TRUE(TransactedFile(nullptr, TRUE).Open(path.c_str(), CFile::modeRead));
-    EXPECT_FALSE(TransactedFile(nullptr, FALSE).Open(path.c_str(), CFile::modeRead));
-
-    const ImportPatch<decltype(&GetProcAddress)> patch(
+    // The transaction is a stand-in, because Wine has none: its CreateTransaction answers a handle that stands for
+    // nothing, and kernel32 lacks CreateFileTransactedW. So how the file is opened is seen, not that it is rolled back.
+    const ImportPatch<decltype(&GetProcAddress)> transacted(
         LoadedModule(L"framework.dll"), "GetProcAddress", [](HMODULE, LPCSTR name) -> FARPROC {
             if (std::string_view(name) != "CreateFileTransactedW") return nullptr;
             return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&NoteTransacted));
@@ -110,39 +90,18 @@ TEST(VlpFile, ATransactionObjectDecidesHowToOpen) {
     const HANDLE transaction = CreateEventW(nullptr, FALSE, FALSE, nullptr);
     EXPECT_FALSE(TransactedFile(transaction, TRUE).Open(path.c_str(), CFile::modeWrite));
     EXPECT_EQ(s_transaction, transaction);
-    EXPECT_EQ(s_opening, (Opening{GENERIC_WRITE, 0, OPEN_EXISTING, 0x80}));
+    EXPECT_TRUE(s_opening == (Opening{kWrite, 0, OPEN_EXISTING, kNormal}));
 }
 
-TEST(VlpFile, ReadsAndWritesUnderALongPath) {
+TEST(VlpFile, LocalFilesAndMemoryBuffers) {
     const ScopedTestDir dir;
-    const std::wstring path = MakeDeepFolder(dir.Path()) + L"\\file.bin";
-    CVlpFile file;
-    ASSERT_TRUE(file.Open(path.c_str(), CFile::modeCreate | CFile::modeReadWrite));
-    file.Write("hello", 5);
-    EXPECT_EQ(file.Seek(-2, CFile::end), 3U);
-    char tail[8] = {};
-    EXPECT_EQ(file.Read(tail, sizeof(tail)), 2U);
-    EXPECT_STREQ(tail, "lo");
-    EXPECT_EQ(file.GetPosition(), 5U);
-    EXPECT_EQ(file.GetLength(), 5U);
-    EXPECT_EQ(file.GetFilePath(), path.c_str());
-    file.Close();
-    EXPECT_EQ(CVlpFile(path.c_str()).GetLength(), 5U);
-}
-
-TEST(VlpFile, TheReadingConstructorLogsAndThrows) {
-    const ScopedTestDir dir;
-    const std::wstring path = dir.Path(L"none.txt");
-    const LogCapture log;
-    EXPECT_EQ(CauseOf([&] { CVlpFile file(path.c_str()); }), CFileException::fileNotFound);
-    EXPECT_TRUE(log.Contains(LogLevel::Warning, L"File open failure - File:'" + path + L"'(2:2)"));
-    EXPECT_THROW(CVlpFile().SetFilePath(nullptr), CInvalidArgException*);
-}
-
-TEST(VlpFile, AMemoryBufferIsWrittenFromTheStartAtClose) {
-    const ScopedTestDir dir;
-    const std::wstring path = dir.Path(L"a.txt");
+    const std::wstring path = dir.Path(L"a.txt"), none = dir.Path(L"none");
     PutBytes(path, "0123456789");
+    EXPECT_TRUE(TransactedFile(nullptr, TRUE).Open(path.c_str(), CFile::modeRead));
+    EXPECT_FALSE(TransactedFile(nullptr, FALSE).Open(path.c_str(), CFile::modeRead));
+    EXPECT_EQ(CVlpFile(path.c_str()).GetLength(), 10U);
+    EXPECT_EQ(CFile(path.c_str(), CFile::modeRead | CFile::shareExclusive).GetLength(), 10U) << "nobody has it open";
+    char bytes[16] = {};
     CVlpFile file;
     file.SetUseMemoryBuffer(true);
     ASSERT_TRUE(file.Open(path.c_str(), CFile::modeReadWrite | CFile::shareDenyNone));
@@ -150,16 +109,89 @@ TEST(VlpFile, AMemoryBufferIsWrittenFromTheStartAtClose) {
     file.Write("abcdef", 6);
     EXPECT_EQ(file.Seek(1, CFile::begin), 1U);
     file.Write("X", 1);
-    char rest[8] = {};
-    EXPECT_EQ(file.Read(rest, sizeof(rest)), 4U);
-    EXPECT_STREQ(rest, "cdef");
+    EXPECT_EQ(file.Read(bytes, sizeof(bytes)), 4U);
+    EXPECT_STREQ(bytes, "cdef");
     EXPECT_EQ(file.GetPosition(), 6U);
     EXPECT_EQ(BytesOf(path), "0123456789");
     file.Close();
     EXPECT_EQ(BytesOf(path), "aXcdef6789");
-
-    ASSERT_TRUE(file.Open(path.c_str(), CFile::modeCreate | CFile::modeWrite));
-    file.Close();
-    EXPECT_EQ(BytesOf(path), "") << "nothing was written";
     EXPECT_EQ(CauseOf([&] { file.Close(); }), CFileException::invalidFile);
+    file.SetUseMemoryBuffer(false);
+    ASSERT_TRUE(file.Open(path.c_str(), CFile::modeReadWrite));
+    EXPECT_EQ(file.Seek(-2, CFile::end), 8U);
+    EXPECT_EQ(file.Read(bytes, sizeof(bytes)), 2U);
+    EXPECT_EQ(file.GetPosition(), 10U);
+    EXPECT_EQ(file.GetFilePath(), path.c_str());
+
+    const LogCapture log;
+    EXPECT_EQ(CauseOf([&] { CVlpFile missing(none.c_str()); }), CFileException::fileNotFound);
+    EXPECT_TRUE(log.Contains(LogLevel::Warning, L"File open failure - File:'" + none + L"'(2:2)"));
+    EXPECT_TRUE(Throws<CInvalidArgException>([] { CVlpFile().SetFilePath(nullptr); }));
+}
+
+namespace {
+
+using Numbers = std::vector<DWORD>;
+constexpr LONGLONG kTicksPerMs = 10'000;
+LONGLONG s_clock = 0;  // moved on by sleeping and by the test alone
+Numbers s_sleeps, s_writes;
+
+}  // namespace
+
+TEST(WriteRate, WritersShareWindowsOfOneSecond) {
+    const HMODULE program = GetModuleHandleW(nullptr);
+    const ImportPatch<decltype(&QueryPerformanceFrequency)> frequency(
+        program, "QueryPerformanceFrequency",
+        [](LARGE_INTEGER* ticks) -> BOOL { return ticks->QuadPart = kTicksPerMs * 1000, TRUE; });
+    const ImportPatch<decltype(&QueryPerformanceCounter)> counter(
+        program, "QueryPerformanceCounter",
+        [](LARGE_INTEGER* ticks) -> BOOL { return ticks->QuadPart = s_clock, TRUE; });
+    const ImportPatch<decltype(&Sleep)> sleep(program, "Sleep", [](DWORD ms) {
+        s_sleeps.push_back(ms);
+        s_clock += ms * kTicksPerMs;
+    });
+    const ImportPatch<decltype(&WriteFile)> write(
+        LoadedModule(L"framework.dll"), "WriteFile",
+        [](HANDLE file, LPCVOID data, DWORD bytes, LPDWORD done, LPOVERLAPPED overlapped) {
+            s_writes.push_back(bytes);
+            return WriteFile(file, data, bytes, done, overlapped);
+        });
+    const ScopedTestDir dir;
+    std::string data;
+    for (int i = 0; i < 3000; ++i) data += static_cast<char>('a' + i % 23);
+    CVlpFile file, other;
+    ASSERT_TRUE(file.Open(dir.Path(L"a").c_str(), CFile::modeCreate | CFile::modeWrite));
+    ASSERT_TRUE(other.Open(dir.Path(L"b").c_str(), CFile::modeCreate | CFile::modeWrite));
+    SetWriteRate(1);
+    file.Write(data.data(), 3000);
+    s_clock += 300 * kTicksPerMs;
+    other.Write(data.data(), 100);  // finds the same window, nearly used up
+    SetWriteRate(0);
+    other.Write(data.data(), 3000);
+    EXPECT_EQ(s_writes, (Numbers{1024, 1024, 952, 72, 28, 3000}));
+    EXPECT_EQ(s_sleeps, (Numbers{1000, 1000, 700}));
+    file.Close();
+    EXPECT_EQ(BytesOf(dir.Path(L"a")), data);
+
+    const struct {
+        DWORD rate;
+        LONGLONG pass;  // ms before
+        DWORD remaining, grant;
+        Numbers sleeps;
+    } rows[] = {
+        {0, 5000, 0, 0, {}},        {0, 0, 10, 10, {}},        {2, 0, 1500, 1500, {}}, {2, 999, 1500, 548, {}},
+        {2, 0, 1500, 1500, {1}},    {2, 1000, 2048, 2048, {}}, {2, 400, 1, 1, {600}},  {2, 1000, 5000, 2048, {}},
+        {1, 0, 5000, 1024, {1000}},  // lowered within a window that has used more
+    };
+    for (const auto& row : rows) {
+        SetWriteRate(row.rate);
+        s_clock += row.pass * kTicksPerMs;
+        s_sleeps.clear();
+        DWORD remaining = row.remaining, grant = 7;
+        EXPECT_EQ(AcquireWriteQuota(remaining, grant), row.remaining != 0);
+        EXPECT_EQ(grant, row.grant);
+        EXPECT_EQ(remaining, row.remaining - row.grant);
+        EXPECT_EQ(s_sleeps, row.sleeps);
+    }
+    SetWriteRate(0);
 }

@@ -54,9 +54,6 @@ private:
     static DWORD Attributes(const std::wstring& path) {
         return SystemFunction(&GetFileAttributesW, L"kernel32.dll", "GetFileAttributesW")(path.c_str());
     }
-    static DWORD WithLink(DWORD attributes, const std::wstring& key) {
-        return s_links.contains(key) ? attributes | FILE_ATTRIBUTE_REPARSE_POINT : attributes;
-    }
 
     // What stands first in the bytes: the kind of link, how much follows, and where the names of a junction are.
     struct Head {
@@ -104,7 +101,8 @@ private:
     const ImportPatch<decltype(&GetFileAttributesW)> m_attributes{
         m_program, "GetFileAttributesW", [](LPCWSTR path) -> DWORD {
             const DWORD attributes = Attributes(path);
-            return attributes == INVALID_FILE_ATTRIBUTES ? attributes : WithLink(attributes, KeyOf(path));
+            const bool isLink = attributes != INVALID_FILE_ATTRIBUTES && s_links.contains(KeyOf(path));
+            return isLink ? attributes | FILE_ATTRIBUTE_REPARSE_POINT : attributes;
         }};
     const ImportPatch<decltype(&CreateFileW)> m_create{
         m_program, "CreateFileW",
@@ -139,12 +137,5 @@ private:
                                                   : ERROR_INVALID_FUNCTION;
             SetLastError(error);
             return error == ERROR_SUCCESS;
-        }};
-    const ImportPatch<decltype(&GetFileInformationByHandle)> m_information{
-        m_program, "GetFileInformationByHandle", [](HANDLE handle, BY_HANDLE_FILE_INFORMATION* info) -> BOOL {
-            const auto ask = SystemFunction(&GetFileInformationByHandle, L"kernel32.dll", "GetFileInformationByHandle");
-            if (!ask(handle, info)) return FALSE;
-            info->dwFileAttributes = WithLink(info->dwFileAttributes, s_opened[handle].key);
-            return TRUE;
         }};
 };
