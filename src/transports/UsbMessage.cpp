@@ -149,8 +149,3 @@ bool IsUsbReply(std::uint32_t command) {
             return false;
     }
 }
-
-std::wstring_view UsbNameBelowTop(std::wstring_view name) {
-    // npos and one is 0: without a backslash the whole name stays.
-    return name.substr(name.find(L'\\') + 1);
-}

@@ -74,6 +74,3 @@ bool UsbMessageFits(const UsbMessage& message, std::uint32_t askedBytes);
 
 // The code is a reply's, so somebody must have asked.
 bool IsUsbReply(std::uint32_t command);
-
-// A name without its first element, such as a drive or the peer's top folder; whole if it has only one.
-std::wstring_view UsbNameBelowTop(std::wstring_view name);

@@ -3,20 +3,17 @@
 
 UINT WinUsbSession::ReadThread(LPVOID session) {
     auto* const self = static_cast<WinUsbSession*>(session);
-    // As in SendThread.
-    AfxGetThread()->m_bAutoDelete = FALSE;
     for (;;) {
         UsbDecoder decoder;
         self->ReadMissing(decoder);
         const After after = self->HandleMessage(decoder);
-        if (const DWORD error = self->m_sendError; error != 0) {
+        if (const DWORD error = self->m_life.Error(); error != 0) {
             // A caller that waits for a reply waits on: the peer's answer was not what failed.
-            PostMessageW(self->m_ownerWindow, kUsbStatusMessage, kUsbLinkFailed, 0);
-            self->m_readIsOver = true;
+            self->TellOfFailure();
             return error;
         }
         if (after == After::End) {
-            self->m_readIsOver = true;
+            self->m_life.EndRequests();
             return 0;
         }
     }
@@ -43,7 +40,7 @@ WinUsbSession::After WinUsbSession::HandleMessage(UsbDecoder& decoder) {
         return After::End;
     } else if (command == UsbCmdResendLast) {
         Logger().LogTraceMessage(L"[WinUsbSession::ReadThread] Resending last command");
-        if (const MessageFile message = m_lastMessage) SendDataToWinUsb(message);
+        if (const MessageFile message = m_lastMessage) SendDataToWinUsb(*message);
     } else if (!IsUsbReply(command)) {
         ServeRequest(decoder);
     } else {
@@ -54,8 +51,7 @@ WinUsbSession::After WinUsbSession::HandleMessage(UsbDecoder& decoder) {
 
 WinUsbSession::After WinUsbSession::ReceiveReply(UsbDecoder& decoder) {
     const DWORD command = decoder.Message().command;
-    DWORD expected = command;
-    if (!m_awaitedReply.compare_exchange_strong(expected, kReplyArriving)) {
+    if (!m_life.BeginReply(command)) {
         Logger().LogErrorMessageFormat(L"[WinUsbSession::ReadThread] Nobody asked for reply:0x%08x", command);
         SkipTail(decoder);
         return After::GoOn;
@@ -69,9 +65,8 @@ WinUsbSession::After WinUsbSession::ReceiveReply(UsbDecoder& decoder) {
         m_transferSize = 0;
     }
     const bool isLast = command == UsbCmdFinishReply;
-    if (isLast) m_readIsOver = true;  // before the caller can go on and ask for more
-    m_awaitedReply = 0;
-    SetEvent(s_fileEvent);
+    if (isLast) m_life.EndRequests();  // before the caller can go on and ask for more
+    m_life.EndReply();
     return isLast ? After::End : After::GoOn;
 }
 

@@ -4,6 +4,8 @@
 
 namespace {
 
+constexpr ULONGLONG kBriefMilliseconds = 20;
+
 // As the wire has it: UTF-16, little-endian, no terminator.
 std::span<const BYTE> BytesOf(const CString& text) {
     return {reinterpret_cast<const BYTE*>(text.GetString()), static_cast<size_t>(text.GetLength()) * sizeof(WCHAR)};
@@ -13,30 +15,34 @@ std::span<const BYTE> BytesOf(const CString& text) {
 
 UINT WinUsbSession::SendThread(LPVOID session) {
     auto* const self = static_cast<WinUsbSession*>(session);
-    // CloseSession ends the thread by its object, which must be there then, whether the thread has ended or not.
-    AfxGetThread()->m_bAutoDelete = FALSE;
-    for (;;) {
-        self->SendCommand(self->TakeCommand());
-        if (self->m_sendError == 0) continue;
-        PostMessageW(self->m_ownerWindow, kUsbStatusMessage, kUsbLinkFailed, 0);
-        self->m_sendIsOver = true;
-        SetEvent(s_fileEvent);
-        return 0;
+    while (self->m_life.Error() == 0) {
+        const Command command = self->TakeCommand();
+        if (UsbThread::IsThisToEnd()) return 0;
+        self->SendCommand(command);
     }
+    self->TellOfFailure();
+    self->m_life.EndSending();
+    return 0;
 }
 
 WinUsbSession::Command WinUsbSession::TakeCommand() {
     // Work is waited for by looking for it all the time: a caller that sets a command owes nobody a signal, so that the
     // event is the replies' alone. The lower priority leaves the processor to whoever has work; where the system knows
-    // no priorities, as Wine does not, giving up the rest of the turn does. Neither is a wait.
-    SetThreadPriority(GetCurrentThread(), THREAD_PRIORITY_BELOW_NORMAL);
+    // no priorities, as Wine does not, giving up the rest of the turn does. Neither is a wait. Between the requests of
+    // a transfer the priority stays, since to change it twice for each costs as much as a small request.
+    const ULONGLONG start = GetTickCount64();
+    bool isLow = false;
     INT32 command = NothingPending;
-    while (command == NothingPending) {
+    while (command == NothingPending && !UsbThread::IsThisToEnd()) {
+        if (!isLow && GetTickCount64() - start > kBriefMilliseconds) {
+            isLow = true;
+            SetThreadPriority(GetCurrentThread(), THREAD_PRIORITY_BELOW_NORMAL);
+        }
         SwitchToThread();
         const CSingleLock lock(&s_commandLock, TRUE);
         command = std::exchange(m_pendingCommand, NothingPending);
     }
-    SetThreadPriority(GetCurrentThread(), THREAD_PRIORITY_NORMAL);
+    if (isLow) SetThreadPriority(GetCurrentThread(), THREAD_PRIORITY_NORMAL);
     return static_cast<Command>(command);
 }
 
@@ -71,11 +77,13 @@ void WinUsbSession::SendCommand(Command command) {
 }
 
 WinUsbSession::MessageFile WinUsbSession::NewMessageFile() {
-    ReusableFile* const spare = m_spareFile.exchange(nullptr);
-    return {spare != nullptr ? spare : new ReusableFile, [this](ReusableFile* file) {
-                file->SetLength(0);
-                delete (file->IsLarge() ? file : m_spareFile.exchange(file));
-            }};
+    // Memory that is new to the process or long out of use costs more than what it is filled with, so the message
+    // before gives its own, unless somebody is sending it.
+    MessageFile file = m_lastMessage.exchange(nullptr);
+    if (file == nullptr || file.use_count() != 1) return std::make_shared<ReusableFile>();
+    std::atomic_thread_fence(std::memory_order_acquire);  // behind what the last user did with it
+    file->Reset();
+    return file;
 }
 
 bool WinUsbSession::WriteMessage(CMemFile& file, const UsbMessage& message, Bytes tail) {
@@ -86,7 +94,7 @@ bool WinUsbSession::WriteMessage(CMemFile& file, const UsbMessage& message, Byte
         return true;
     } catch (CMemoryException* problem) {
         problem->Delete();
-        m_sendError = ERROR_NOT_ENOUGH_MEMORY;
+        m_life.Fail(ERROR_NOT_ENOUGH_MEMORY);
         return false;
     }
 }
@@ -98,18 +106,19 @@ void WinUsbSession::BuildAndSend(const UsbMessage& message, Bytes tail) {
 
 void WinUsbSession::SendAsLast(const MessageFile& message) {
     m_lastMessage = message;
-    SendDataToWinUsb(message);
+    SendDataToWinUsb(*message);
 }
 
-bool WinUsbSession::SendDataToWinUsb(const MessageFile& message) {
-    m_sendError = 0;
+void WinUsbSession::SendDataToWinUsb(CMemFile& message) {
     try {
-        m_device.SendData(*message);
-        return true;
+        m_device.SendData(message);
     } catch (CWinUsbException* problem) {
-        m_sendError = problem->m_systemError;
+        Logger().LogErrorMessageFormat(L"[WinUsbSession::SendDataToWinUsb] Send Error:%d", problem->m_systemError);
+        m_life.Fail(problem->m_systemError);
         problem->Delete();
-        Logger().LogErrorMessageFormat(L"[WinUsbSession::SendDataToWinUsb] Send Error:%d", m_sendError.load());
-        return false;
     }
+}
+
+void WinUsbSession::TellOfFailure() {
+    if (m_life.IsFirstToTell()) PostMessageW(m_ownerWindow, kUsbStatusMessage, kUsbLinkFailed, 0);
 }

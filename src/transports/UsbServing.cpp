@@ -1,10 +1,7 @@
-#include <shlwapi.h>
-
-#include <sys/stat.h>
-
 #include "files/LongPathFile.h"
 #include "files/PathHelper.h"
 #include "siblings/coresv/LoggingService.h"
+#include "transports/UsbName.h"
 #include "transports/WinUsbSession.h"
 
 namespace {
@@ -13,12 +10,6 @@ constexpr size_t kNameChars = kUsbNameBytes / sizeof(WCHAR);
 
 HANDLE AsHandle(UINT64 value) {
     return reinterpret_cast<HANDLE>(value);
-}
-
-CString Joined(const CString& directory, LPCWSTR name) {
-    WCHAR joined[MAX_PATH] = {};  // what PathCombineW writes at most; a longer path gives an empty text
-    PathCombineW(joined, directory, name);
-    return joined;
 }
 
 // At the file's end; null without memory for them.
@@ -77,23 +68,33 @@ std::unique_ptr<WCHAR[]> WinUsbSession::ReceiveName(UsbDecoder& decoder) {
     return name;
 }
 
-CString WinUsbSession::TargetOf(LPCWSTR name) const {
-    if (m_alternateDirectory.IsEmpty()) return Joined(m_baseDirectory, name);
-    return Joined(m_alternateDirectory, UsbNameBelowTop(name).data());
+CString WinUsbSession::TargetOf(const CString& directory, LPCWSTR name) const {
+    if (!m_mayLeaveDirectories && UsbNameLeavesDirectory(name)) {
+        Logger().LogErrorMessageFormat(L"[WinUsbSession::ReadThread] The name '%s' leaves the directory '%s'", name,
+                                       directory.GetString());
+        return CString();
+    }
+    if (directory.IsEmpty() || UsbNameHasDrive(name)) return name;
+    return CPathHelper::CombinePath(directory, name);
 }
 
 void WinUsbSession::ReceiveOpenFileSend(UsbDecoder& decoder) {
     auto name = ReceiveName(decoder);
-    if (name == nullptr) return BuildAndSend({.command = UsbCmdOpenFileReply, .handle = kUsbNoHandle});
-    const CString target = TargetOf(name.get());
+    CString target;
+    if (name != nullptr && m_alternateDirectory.IsEmpty()) {
+        target = TargetOf(m_baseDirectory, name.get());
+    } else if (name != nullptr) {
+        target = TargetOf(m_alternateDirectory, UsbNameBelowTop(name.get()).data());
+    }
+    if (target.IsEmpty()) return BuildAndSend({.command = UsbCmdOpenFileReply, .handle = kUsbNoHandle});
     const CString parent = CPathHelper::GetParentPath(target);
     const DWORD attributes = LongPath::GetFileAttributes(parent);
     if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
         CPathHelper::CreateDirectoryTree(parent);
     }
     ReportProgress(L"Opening '%s'...", name.get());
-    const HANDLE file = CreateFileW(target, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS,
-                                    FILE_ATTRIBUTE_NORMAL, nullptr);
+    const HANDLE file = LongPath::CreateFile(target, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                                             CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL);
     if (file == INVALID_HANDLE_VALUE) {
         Logger().LogErrorMessageFormat(L"[WinUsbSession::ReceiveOpenFileSend] Failed to open file '%s' error: %d",
                                        target.GetString(), GetLastError());
@@ -131,14 +132,14 @@ void WinUsbSession::ServeWrite(UsbDecoder& decoder) {
     DWORD count = 0;
     if (name != nullptr) ReportProgress(L"Writing to '%s'...", name);
     const bool isTaken = name != nullptr && message.count != 0 && CanTransfer(message);
-    const MessageFile file = NewMessageFile();
-    if (BYTE* const data = isTaken ? RoomFor(message.count, *file) : nullptr) {
+    if (BYTE* const data = isTaken ? RoomFor(message.count, m_received) : nullptr) {
         decoder.KeepTail({data, message.count});
         ReadMissing(decoder);
         if (!WriteFile(AsHandle(message.handle), data, message.count, &count, nullptr)) count = 0;
     } else {
         SkipTail(decoder);
     }
+    m_received.Reset();
     BuildAndSend({.command = UsbCmdWriteFileReply, .count = count});
 }
 
@@ -166,9 +167,9 @@ void WinUsbSession::ServeClose(const UsbMessage& message) {
 void WinUsbSession::ServeDirectoryExists(UsbDecoder& decoder) {
     DWORD exists = 0;
     if (const auto path = ReceiveName(decoder)) {
-        const CString target = Joined(m_baseDirectory, path.get());
-        struct _stat64 facts {};
-        if (_waccess(target, 0) == 0 && _wstat64(target, &facts) == 0) exists = (facts.st_mode & _S_IFDIR) != 0;
+        const CString target = TargetOf(m_baseDirectory, path.get());
+        const DWORD attributes = target.IsEmpty() ? INVALID_FILE_ATTRIBUTES : LongPath::GetFileAttributes(target);
+        exists = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     }
     BuildAndSend({.command = UsbCmdDirectoryExistsReply, .count = exists});
 }
@@ -188,6 +189,17 @@ void WinUsbSession::ServeFinish(const UsbMessage& message) {
         m_finishStatus = message.count;
     }
     BuildAndSend({.command = UsbCmdFinishReply});
+}
+
+void WinUsbSession::CloseOpenFiles() {
+    while (POSITION place = m_openFileNames.GetStartPosition()) {
+        void* handle = nullptr;
+        void* name = nullptr;
+        m_openFileNames.GetNextAssoc(place, handle, name);
+        if (handle != INVALID_HANDLE_VALUE) CloseHandle(handle);
+        m_openFileNames.RemoveKey(handle);
+        delete[] static_cast<WCHAR*>(name);
+    }
 }
 
 const WCHAR* WinUsbSession::NameOfOpenFile(UINT64 handle) const {

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "siblings/coresv/LoggingService.h"
+#include "transports/UsbThread.h"
 #include "transports/WinUsbException.h"
 
 namespace {
@@ -80,9 +81,15 @@ void WinUsbDevice::SendData(CMemFile& memoryFile) {
     void* start = nullptr;
     void* stop = nullptr;
     const UINT bytes = memoryFile.GetBufferPtr(CFile::bufferRead, length, &start, &stop);
-    ULONG written = 0;
-    if (!m_writePipe(m_interfaceHandle, m_bulkOutPipe, static_cast<UCHAR*>(start), bytes, &written, nullptr)) {
-        const DWORD error = GetLastError();
+    DWORD error = ERROR_SUCCESS;
+    {
+        const UsbThread::Rest rest;
+        ULONG written = 0;
+        if (!m_writePipe(m_interfaceHandle, m_bulkOutPipe, static_cast<UCHAR*>(start), bytes, &written, nullptr)) {
+            error = GetLastError();
+        }
+    }
+    if (error != ERROR_SUCCESS) {
         Logger().LogErrorMessageFormat(L"[WinUsbDevice::SendData] WinUsb_WritePipe failed! Error:%d", error);
         throw new CWinUsbException(error);
     }
@@ -90,7 +97,12 @@ void WinUsbDevice::SendData(CMemFile& memoryFile) {
 
 ULONG WinUsbDevice::ReadSome(void* buffer, ULONG bytes) {
     ULONG got = 0;
-    if (!m_readPipe(m_interfaceHandle, m_bulkInPipe, static_cast<UCHAR*>(buffer), bytes, &got, nullptr)) {
+    BOOL isRead = FALSE;
+    {
+        const UsbThread::Rest rest;
+        isRead = m_readPipe(m_interfaceHandle, m_bulkInPipe, static_cast<UCHAR*>(buffer), bytes, &got, nullptr);
+    }
+    if (!isRead) {
         Logger().LogWarningMessageFormat(L"[WinUsbDevice::ReceiveData] Read Pipe Error:0x%08x", GetLastError());
         Sleep(kRetryMilliseconds);
     }

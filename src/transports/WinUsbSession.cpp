@@ -7,8 +7,8 @@
 
 namespace {
 
-constexpr DWORD kThreadsEndMilliseconds = 100;
-constexpr DWORD kOwnEndMilliseconds = 5000;
+// A peer that takes nothing so often has no room for it.
+constexpr int kMostAnswersOfNothing = 10;
 
 HANDLE AsHandle(UINT64 value) {
     return reinterpret_cast<HANDLE>(value);
@@ -23,33 +23,20 @@ UINT64 AsNumber(HANDLE handle) {
 CCriticalSection WinUsbSession::s_operationLock;
 CCriticalSection WinUsbSession::s_commandLock;
 CCriticalSection WinUsbSession::s_finishLock;
-HANDLE WinUsbSession::s_fileEvent = CreateEventW(nullptr, TRUE, FALSE, L"file_event");
 
 WinUsbSession::~WinUsbSession() {
-    if (m_sendThread != nullptr) CloseSession();
-    delete m_readThread;
-    for (POSITION place = m_openFileNames.GetStartPosition(); place != nullptr;) {
-        void* handle = nullptr;
-        void* name = nullptr;
-        m_openFileNames.GetNextAssoc(place, handle, name);
-        delete[] static_cast<WCHAR*>(name);
-    }
-    m_lastMessage = MessageFile();
-    delete m_spareFile;
+    if (m_life.IsToBeClosed()) CloseSession();
 }
 
 DWORD WinUsbSession::Connect(const CString& devicePath, bool handshake) {
     const CLogMethodEntryExit log(L"WinUsbSession::Connect");
     Logger().LogTraceMessageFormat(L"Device:'%s'", devicePath.GetString());
     if (const HRESULT result = m_device.Open(devicePath); result != 0) return static_cast<DWORD>(result);
-    m_sendThread = AfxBeginThread(SendThread, this);
-    // Not without the send thread, by which the destructor knows of a session to be closed.
-    if (m_sendThread != nullptr) m_readThread = AfxBeginThread(ReadThread, this);
-    if (m_readThread == nullptr) return ERROR_NOT_ENOUGH_MEMORY;
+    if (!m_life.Start(SendThread, ReadThread, this)) return ERROR_NOT_ENOUGH_MEMORY;
     if (!handshake) return 0;
     const CSingleLock lock(&s_operationLock, TRUE);
     if (Request(SendConnect, UsbCmdConnectReply)) return 0;
-    EndThread(*m_readThread, m_readIsOver);
+    m_life.EndReading();
     return ERROR_PIPE_NOT_CONNECTED;
 }
 
@@ -113,19 +100,22 @@ DWORD WinUsbSession::ReadData(HANDLE handle, void* buffer, DWORD size) {
 
 void WinUsbSession::WriteData(HANDLE handle, const void* buffer, DWORD size) {
     const CSingleLock lock(&s_operationLock, TRUE);
+    int answersOfNothing = 0;
     for (DWORD done = 0; done < size;) {
         m_fileHandle = AsNumber(handle);
         m_writeBuffer = static_cast<const BYTE*>(buffer) + done;
         const DWORD chunk = std::min<DWORD>(size - done, kUsbChunkBytes);
         m_transferSize = chunk;
         if (!Request(SendWriteFile, UsbCmdWriteFileReply)) {
-            const DWORD error = m_sendError;
+            const DWORD error = m_life.Error();
             AfxThrowFileException(static_cast<int>(error != 0 ? error : ERROR_PIPE_NOT_CONNECTED));
         }
         if (m_transferSize != chunk) {
             Logger().LogWarningMessageFormat(L"[WinUsbSession::WriteData] Write Incomplete! %d of %d bytes written!",
                                              m_transferSize, chunk);
         }
+        answersOfNothing = m_transferSize == 0 ? answersOfNothing + 1 : 0;
+        if (answersOfNothing == kMostAnswersOfNothing) AfxThrowFileException(ERROR_DISK_FULL);
         done += m_transferSize;
     }
 }
@@ -141,9 +131,9 @@ INT64 WinUsbSession::SeekData(HANDLE handle, INT64 distance, DWORD method) {
 void WinUsbSession::CloseFile(HANDLE handle) {
     const CSingleLock lock(&s_operationLock, TRUE);
     m_fileHandle = AsNumber(handle);
-    if (!BeginRequest()) return;
+    if (!m_life.BeginRequest(UsbCmdCloseFileReply)) return;
     Logger().LogTraceMessageFormat(L"[WinUsbSession::CloseFile] Closing handle %p", handle);
-    AwaitReply(SendCloseFile, UsbCmdCloseFileReply);
+    Ask(SendCloseFile);
 }
 
 void WinUsbSession::Finish(DWORD status) {
@@ -162,48 +152,15 @@ bool WinUsbSession::GetFinishStatus(DWORD& status) {
 
 void WinUsbSession::CloseSession() {
     Logger().LogTraceMessage(L"[WinUsbSession::CloseSession] Closing");
-    const std::unique_ptr<CWinThread> sendThread(m_sendThread);
-    if (m_sendThread != nullptr) {
-        EndThread(*m_sendThread, m_sendIsOver);
-        m_sendThread = nullptr;
-    }
-    if (m_readThread != nullptr) {
-        EndThread(*m_readThread, m_readIsOver);
-        // The send thread's member again: what shows that a session is over is that member, and the read thread's stays
-        // set, so that its object lives as long as the session.
-        m_sendThread = nullptr;
-    }
-    Sleep(kThreadsEndMilliseconds);
-    CloseHandle(std::exchange(s_fileEvent, nullptr));
+    m_life.Close();
+    CloseOpenFiles();
     m_device.Close();
 }
 
-void WinUsbSession::EndThread(const CWinThread& thread, bool endsByItself) {
-    // One that is on its way out may hold the loader's lock, and ended there would keep it: the process could not exit.
-    if (endsByItself) WaitForSingleObject(thread.m_hThread, kOwnEndMilliseconds);
-    TerminateThread(thread.m_hThread, 0);
-}
-
-bool WinUsbSession::BeginRequest() {
-    if (m_sendThread == nullptr || m_sendIsOver || m_readIsOver) return false;
-    ResetEvent(s_fileEvent);
-    return true;
-}
-
-bool WinUsbSession::AwaitReply(Command command, DWORD reply) {
-    m_awaitedReply = reply;
+bool WinUsbSession::Ask(Command command) {
     {
         const CSingleLock lock(&s_commandLock, TRUE);
         m_pendingCommand = command;
     }
-    WaitForSingleObject(s_fileEvent, INFINITE);
-    // The event is also the send thread's on failure. A reply that is arriving all the same fills our caller's buffer,
-    // so it is waited for.
-    DWORD expected = reply;
-    while (!m_awaitedReply.compare_exchange_strong(expected, 0)) {
-        if (expected == 0) return true;
-        expected = reply;
-        Sleep(1);
-    }
-    return false;
+    return m_life.AwaitReply();
 }

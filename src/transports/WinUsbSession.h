@@ -20,11 +20,13 @@
 #include <afxwin.h>
 
 #include <atomic>
+#include <cstdlib>
 #include <memory>
 #include <span>
 
 #include "files/FileSession.h"
 #include "transports/UsbDecoder.h"
+#include "transports/UsbLife.h"
 #include "transports/WinUsbDevice.h"
 
 // To the owner window, sent. wParam 1: a progress text in lParam, which the receiver ends with free(), or the peer is
@@ -37,7 +39,7 @@ constexpr DWORD kUsbLinkFailed = 322;
 class WinUsbSession final : public FileSession {
 public:
     WinUsbSession() = default;
-    // Ends the threads of a session that was not closed.
+    // Closes a session that was not closed.
     ~WinUsbSession();
     WinUsbSession(const WinUsbSession&) = delete;
     WinUsbSession& operator=(const WinUsbSession&) = delete;
@@ -50,6 +52,10 @@ public:
     // When not empty, files that the peer opens lie here instead, without the first element of their name, and it is
     // the drive whose free space the peer learns.
     void SetAlternateDirectory(const CString& directory) { m_alternateDirectory = directory; }
+    // A name that leads out of its directory, by ".." or by a drive or root at its start, is refused: its file is not
+    // opened, and there is no directory of that name. True lets the peer out, so that it reaches whatever this process
+    // may write: names with a drive or root then stand for themselves. For peers that are trusted as much as the user.
+    void SetMayLeaveDirectories(bool mayLeave) { m_mayLeaveDirectories = mayLeave; }
 
     // Once in a session: opens the device and starts to serve. With `handshake` also greets the peer and waits until it
     // answers. 0; what WinUsbDevice::Open returned; or ERROR_PIPE_NOT_CONNECTED if the greeting could not be sent.
@@ -64,7 +70,8 @@ public:
     // Reads from the file's position and returns the count. Ask for kUsbChunkBytes at most and never past the end of
     // the file: of more than one chunk each lands at the start of `buffer`, and at the end the call does not return.
     DWORD ReadData(HANDLE handle, void* buffer, DWORD size) override;
-    // Throws a CFileException* when the link fails, with the Win32 error as its cause.
+    // Throws a CFileException* when the link fails, with the Win32 error as its cause, and with ERROR_DISK_FULL when
+    // the peer takes nothing ten times in a row.
     void WriteData(HANDLE handle, const void* buffer, DWORD size) override;
     // `method` as for SetFilePointerEx. Returns the new position; 0 on failure.
     INT64 SeekData(HANDLE handle, INT64 distance, DWORD method) override;
@@ -73,7 +80,9 @@ public:
     void Finish(DWORD status);
     // Whether the peer has finished; `status` is 0 before.
     bool GetFinishStatus(DWORD& status);
-    // Ends the threads, the event and the device. Not to be called from the owner window's messages.
+    // Ends the threads, a request that still waits in another one, the files that the peer has open here, the event and
+    // the device. Messages sent to windows of the caller's thread are handled meanwhile. Not to be called from within
+    // one of the session's own.
     void CloseSession();
 
 private:
@@ -92,19 +101,18 @@ private:
     };
     class ReusableFile : public CMemFile {
     public:
-        // Of more than a peer that is this class asks for.
-        bool IsLarge() const { return m_nBufferSize > kUsbChunkBytes + 2 * m_nGrowBytes; }
+        // Empty again. The memory stays, unless it is more than a peer that is this class asks for.
+        void Reset() {
+            if (m_nBufferSize > kUsbChunkBytes + 2 * m_nGrowBytes) std::free(Detach());
+            SetLength(0);
+        }
     };
     using MessageFile = std::shared_ptr<ReusableFile>;
     using Bytes = std::span<const BYTE>;
-    static constexpr DWORD kReplyArriving = ~DWORD{0};
-
-    static void EndThread(const CWinThread& thread, bool endsByItself);
 
     // Requests (WinUsbSession.cpp). False when no answer can come or none came.
-    bool BeginRequest();
-    bool AwaitReply(Command command, DWORD reply);
-    bool Request(Command command, DWORD reply) { return BeginRequest() && AwaitReply(command, reply); }
+    bool Request(Command command, DWORD reply) { return m_life.BeginRequest(reply) && Ask(command); }
+    bool Ask(Command command);
 
     // Sending (UsbSending.cpp)
     static UINT __cdecl SendThread(LPVOID session);
@@ -115,7 +123,9 @@ private:
     bool WriteMessage(CMemFile& file, const UsbMessage& message, Bytes tail = {});
     void BuildAndSend(const UsbMessage& message, Bytes tail = {});
     void SendAsLast(const MessageFile& message);
-    bool SendDataToWinUsb(const MessageFile& message);
+    void SendDataToWinUsb(CMemFile& message);
+    // For a thread that is about to end for it.
+    void TellOfFailure();
 
     // Receiving (UsbReceiving.cpp)
     static UINT __cdecl ReadThread(LPVOID session);
@@ -138,7 +148,9 @@ private:
     void ServeFreeSpace();
     void ServeFinish(const UsbMessage& message);
     std::unique_ptr<WCHAR[]> ReceiveName(UsbDecoder& decoder);
-    CString TargetOf(LPCWSTR name) const;
+    void CloseOpenFiles();
+    // Where a name of the peer's lies below the directory. Empty, and logged, if it lies elsewhere.
+    CString TargetOf(const CString& directory, LPCWSTR name) const;
     const WCHAR* NameOfOpenFile(UINT64 handle) const;
     static bool CanTransfer(const UsbMessage& message);
     void ReportProgress(LPCWSTR format, LPCWSTR name) const;
@@ -146,16 +158,15 @@ private:
     static CCriticalSection s_operationLock;  // one request at a time; taken before the command lock, never after it
     static CCriticalSection s_commandLock;
     static CCriticalSection s_finishLock;
-    static HANDLE s_fileEvent;
 
-    CWinThread* m_sendThread = nullptr;
-    CWinThread* m_readThread = nullptr;
+    UsbLife m_life;
     INT32 m_pendingCommand = NothingPending;
     WinUsbDevice m_device;
     HWND m_ownerWindow = nullptr;
     CMapPtrToPtr m_openFileNames{10};  // the peer's names on the heap
     CString m_baseDirectory;
     CString m_alternateDirectory;
+    bool m_mayLeaveDirectories = false;
     UINT64 m_fileHandle = kUsbNoHandle;
     BYTE* m_readBuffer = nullptr;
     const BYTE* m_writeBuffer = nullptr;
@@ -164,20 +175,12 @@ private:
     UINT64 m_freeSpace = 0;
     DWORD m_seekMethod = 0;
     INT64 m_seekPosition = 0;
-    // Memory that is new to the process costs more than what it is filled with, so a file that nobody needs any more
-    // waits here for the next message. Without a lock: a thread that is ended must not leave one behind.
-    std::atomic<ReusableFile*> m_spareFile = nullptr;
     // Written by both threads without a lock, so that a reply can take a request's place. Shared, so that whoever is
     // still sending the one before keeps it.
     std::atomic<MessageFile> m_lastMessage;
-    std::atomic<DWORD> m_sendError = 0;
+    ReusableFile m_received;  // what the peer writes; empty but while that is done
     BYTE m_finishReceived = 0;
     DWORD m_finishStatus = 0;
     CString m_reservedPath;
     CString m_currentPath;
-    // The code of the reply that a caller waits for, kReplyArriving while it is read, 0 for none. Only what somebody
-    // waits for may touch the members above and the caller's buffer.
-    std::atomic<DWORD> m_awaitedReply = 0;
-    std::atomic<bool> m_sendIsOver = false;  // the thread needs nothing any more and ends by itself
-    std::atomic<bool> m_readIsOver = false;
 };

@@ -1,10 +1,12 @@
 // A winusb.dll whose devices are files and whose cable is a TCP connection. The text of the file says where the other
 // end is: "port N" connects to it; "listen" waits for it, and the file's text becomes the "port N" that the other end
-// needs. A transfer reaches the other end whole, as on a bulk pipe, unless something between them cuts it up.
+// needs; of "refuse" no transfer goes out, and none comes in. A transfer reaches the other end whole, as on a bulk
+// pipe, unless something between them cuts it up.
 #include <winusb.h>
 
 #include <atomic>
 #include <cstdio>
+#include <cstring>
 #include <memory>
 #include <mutex>
 
@@ -21,8 +23,8 @@ constexpr UCHAR kBulkOut = kPipes[1];
 
 class Cable {
 public:
-    Cable(LinkSocket connection, LinkSocket listener)
-        : m_connection(std::move(connection)), m_listener(std::move(listener)) {}
+    Cable(LinkSocket connection, LinkSocket listener, bool refuses = false)
+        : m_refuses(refuses), m_connection(std::move(connection)), m_listener(std::move(listener)) {}
 
     bool IsThere() {
         const std::lock_guard lock(m_connecting);
@@ -37,13 +39,14 @@ public:
     bool Write(const void* data, ULONG bytes) {
         // Both threads of an end may write; neither tears the other's transfer apart.
         const std::lock_guard lock(m_writing);
-        return IsThere() && m_connection.SendAll(data, bytes);
+        return !m_refuses && IsThere() && m_connection.SendAll(data, bytes);
     }
     void Flush() {
         if (IsThere()) m_connection.Drain();
     }
 
 private:
+    const bool m_refuses;
     LinkSocket m_connection;
     LinkSocket m_listener;
     std::mutex m_connecting;
@@ -72,6 +75,7 @@ std::unique_ptr<Cable> CableOf(HANDLE file) {
         return connection.IsOpen() ? std::make_unique<Cable>(std::move(connection), LinkSocket()) : nullptr;
     }
     LinkSocket listener = LinkSocket::Listen();
+    if (std::strcmp(text, "refuse") == 0) return std::make_unique<Cable>(LinkSocket(), std::move(listener), true);
     const int length = std::snprintf(text, sizeof(text), "port %u", listener.Port());
     Transfer(WriteFile, file, text, static_cast<DWORD>(length));
     return std::make_unique<Cable>(LinkSocket(), std::move(listener));

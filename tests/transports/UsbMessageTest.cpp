@@ -4,6 +4,7 @@
 
 #include "transports/HexBytes.h"
 #include "transports/UsbDecoder.h"
+#include "transports/UsbName.h"
 
 namespace {
 
@@ -150,9 +151,32 @@ TEST(UsbMessage, TellsWhatCannotBeTakenIn) {
     }
 }
 
-TEST(UsbMessage, NamesLoseTheirFirstElement) {
-    EXPECT_EQ(UsbNameBelowTop(L"C:\\Users\\a.txt"), L"Users\\a.txt");
-    EXPECT_EQ(UsbNameBelowTop(L"a.txt"), L"a.txt");
-    EXPECT_EQ(UsbNameBelowTop(L"\\a.txt"), L"a.txt");
-    EXPECT_EQ(UsbNameBelowTop(L"top\\"), L"");
+TEST(UsbName, LosesItsFirstElementAndTellsWhetherItLeavesTheDirectory) {
+    const struct {
+        const wchar_t* name;
+        const wchar_t* belowTop;
+        bool leaves;
+    } cases[] = {
+        {L"", L"", false},
+        {L"a.txt", L"a.txt", false},
+        {L"top\\", L"", false},
+        {L"Users\\a\\b.txt", L"a\\b.txt", false},
+        {L"a..b\\..c\\.d", L"..c\\.d", false},
+        {L".\\a", L"a", false},
+        {L"a\\..", L"..", false},
+        {L"a/../b\\..", L"..", false},
+        {L"C:\\Users\\a.txt", L"Users\\a.txt", true},
+        {L"C:a", L"C:a", true},
+        {L"\\a.txt", L"a.txt", true},
+        {L"/a.txt", L"/a.txt", true},
+        {L"..", L"..", true},
+        {L"..\\a", L"a", true},
+        {L"a\\..\\..\\a\\b", L"..\\..\\a\\b", true},
+        {L"a/../../b", L"a/../../b", true},
+        {L"a\\. \\.. \\...\\b", L". \\.. \\...\\b", true},  // systems differ in what they strip
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(UsbNameBelowTop(c.name), c.belowTop) << c.name;
+        EXPECT_EQ(UsbNameLeavesDirectory(c.name), c.leaves) << c.name;
+    }
 }

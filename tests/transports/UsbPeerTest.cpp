@@ -47,8 +47,7 @@ TEST_F(UsbPeer, WhatDoesNotFitIsTakenOffTheStreamAndAnsweredAsAFailure) {
         {"3b120000 0600000000000000 0100000000000000 00000000", "3c120000 0000000000000000",
          "no open file with handle 0000000000000006"},
         {"3d120000 0700000000000000", "3e120000", "no open file with handle 0000000000000007"},
-        // Of the longest name, 260 characters, the file is not made, but the name is read.
-        {"35120000 08020000" + longName.substr(4), "36120000 ffffffffffffffff", "Failed to open file"},
+        {"35120000 02000000 3f00", "36120000 ffffffffffffffff", "Failed to open file"},
         {"37120000 ffffffffffffffff 00000000", "38120000 00000000", "trace: "},  // known since the failed opening
         {"37120000 ffffffffffffffff ffffffff", "38120000 00000000", "Command:0x00001237 is for 4294967295 bytes"},
         {"36120000 0400000000000000 33120000", "34120000", "Nobody asked for reply:0x00001236"},
