@@ -3,6 +3,7 @@
 #include "files/PathParts.h"
 #include "files/PathRoots.h"
 #include "fuzz/FuzzInput.h"
+#include "helpers/AsciiCase.h"
 
 namespace {
 
@@ -33,8 +34,9 @@ void CheckParts(std::wstring_view path) {
 void CheckPrefix(std::wstring_view path) {
     const std::wstring prefixed = AddLongPathPrefix(path).Joined();
     Require(HasLongPathPrefix(prefixed) && !NeedsLongPathPrefix(prefixed));
-    if (!HasLongPathPrefix(path) && !path.starts_with(L"UNC\\"))
-        Require(RemoveLongPathPrefix(prefixed).Joined() == path);
+    if (HasLongPathPrefix(path) || StartsWithIgnoringAsciiCase(path, L"UNC\\")) return;
+    const std::wstring whole = std::wstring(path).append(IsBareDrive(path) ? L"\\" : L"");
+    Require(RemoveLongPathPrefix(prefixed).Joined() == whole);
 }
 
 void CheckPair(std::wstring_view first, std::wstring_view second) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <set>
@@ -47,6 +48,12 @@ public:
                 break;
         }
         return true;
+    }
+
+    // Of the element that the parser gave up at before it told it.
+    std::string PlaceOfNext() {
+        CountElement();
+        return m_open.empty() ? "/" : Place();
     }
 
 private:
@@ -99,10 +106,13 @@ json ParseJson(std::string_view text) {
     constexpr std::string_view Mark = "\xEF\xBB\xBF";
     if (text.starts_with(Mark)) text.remove_prefix(Mark.size());
     if (text.find_first_not_of(" \t\r\n") == text.npos) throw RulesFileError("line 1, column 1", "the file is empty");
+    DuplicateCheck check;
     try {
-        return json::parse(text.begin(), text.end(), DuplicateCheck());
+        return json::parse(text.begin(), text.end(), std::ref(check));
     } catch (const json::parse_error& error) {
         ThrowSyntaxError(text, error.byte);
+    } catch (const json::out_of_range&) {
+        throw RulesFileError(check.PlaceOfNext(), "the number is too large");
     }
 }
 

@@ -72,6 +72,9 @@ TEST(RulesFile, WhatIsNoRulesFileIsRefusedWithPlaceAndReason) {
         {WithRules(R"({"type": "key", "key": "a", "value": "", "position": 0})"),
          "/rules/0/value: is not a member that belongs here"},
         {WithRules(R"({"type": "value", "key": "a", "position": 0})"), R"(/rules/0: has no member "value")"},
+        {"1e999", "/: the number is too large"},
+        {WithRules(R"({}, {"position": 1e999})"), "/rules/1/position: the number is too large"},
+        {WithRules("[7, 1e999]"), "/rules/0/1: the number is too large"},
         {WithRules(R"(7, [7, {"a": 0}, {"b": 0, "b": 0}])"), "/rules/1/2/b: this member stands twice"},
     };
     const auto expectRefused = [](const std::string& text, const std::string& message) {
