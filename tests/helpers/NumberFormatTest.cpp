@@ -15,7 +15,7 @@ namespace {
 constexpr LCID kSystemLocale = 0x0807;
 
 struct Locale {
-    LPCWSTR decimal, thousand, grouping;
+    std::wstring decimal, thousand, grouping;
     DWORD negativeOrder = 1, leadingZero = 1;
 };
 Locale s_locale;
@@ -27,9 +27,8 @@ int WINAPI AnswerLocaleInfo(LCID locale, LCTYPE item, LPWSTR buffer, int size) {
         std::memcpy(buffer, isZero ? &s_locale.leadingZero : &s_locale.negativeOrder, sizeof(DWORD));
         return sizeof(DWORD) / sizeof(WCHAR);
     }
-    const std::wstring text = item == LOCALE_SDECIMAL    ? s_locale.decimal
-                              : item == LOCALE_STHOUSAND ? s_locale.thousand
-                                                         : s_locale.grouping;
+    const std::wstring& other = item == LOCALE_SDECIMAL ? s_locale.decimal : s_locale.thousand;
+    const std::wstring& text = item == LOCALE_SGROUPING ? s_locale.grouping : other;
     if (size > 0) std::wcscpy(buffer, text.c_str());
     return static_cast<int>(text.size()) + 1;
 }
@@ -39,7 +38,7 @@ int WINAPI FormatNumber(LCID locale, DWORD flags, LPCWSTR digits, const NUMBERFM
     return GetNumberFormatEx(LOCALE_NAME_USER_DEFAULT, flags, digits, format, buffer, size);
 }
 
-using Texts = std::vector<std::wstring>;
+using Texts = std::vector<CString>;
 
 // The locale is read once for a process, so each one needs a process of its own, and a later change shows nowhere.
 void ExpectUnder(const Locale& locale, const std::function<Texts()>& format, const Texts& expected) {
@@ -57,50 +56,43 @@ void ExpectUnder(const Locale& locale, const std::function<Texts()>& format, con
 }
 
 TEST(NumberFormat, GroupsSeparatorsAndSignsAreTheSystemsLocales) {
-    const struct {
-        LPCWSTR grouping, number, negative;
-    } rows[] = {
-        {L"3;0", L"123,456,789", L"(1,234)"}, {L"3;2;0", L"12,34,56,789", L"-1,234"},
-        {L"3", L"123456,789", L"- 1,234"},    {L"", L"123456789", L"1234-"},
-        {L"3;0", L"123,456,789", L"1,234 -"}, {L"3;0", L"123,456,789", L"-1234"},
-    };
+    const Texts rows[] = {{L"3;0", L"123,456,789", L"(1,234)"}, {L"3;2;0", L"12,34,56,789", L"-1,234"},
+                          {L"3", L"123456,789", L"- 1,234"},    {L"", L"123456789", L"1234-"},
+                          {L"3;0", L"123,456,789", L"1,234 -"}, {L"3;0", L"123,456,789", L"-1234"}};
     // There is no order 5: what Windows does not format comes back plain.
     for (DWORD order = 0; order < std::size(rows); ++order) {
-        const auto& [grouping, number, negative] = rows[order];
-        ExpectUnder({L".", L",", grouping, order},
+        const Texts& row = rows[order];
+        ExpectUnder({L".", L",", row[0].GetString(), order},
                     [] {
-                        return Texts{FormatUnsigned(123456789).GetString(), FormatSigned(-1234).GetString()};
+                        return Texts{FormatUnsigned(123456789), FormatSigned(-1234)};
                     },
-                    {number, negative});
+                    {row[1], row[2]});
     }
-    const auto extremes = [] {
-        return Texts{FormatDecimal(-1234567.891).GetString(),
-                     FormatUnsigned(std::numeric_limits<ULONGLONG>::max()).GetString(),
-                     FormatSigned(std::numeric_limits<LONGLONG>::min()).GetString(), FormatDecimal(0.5).GetString()};
-    };
-    ExpectUnder({L",", L".", L"3;0"}, extremes,
-                {L"-1.234.567,89", L"18.446.744.073.709.551.615", L"-9.223.372.036.854.775.808", L"0,50"});
-    ExpectUnder({L"###", L"\u202F", L"6;0", 1, 0}, extremes,
-                {L"-1\u202F234567###89", L"18\u202F446744\u202F073709\u202F551615",
-                 L"-9\u202F223372\u202F036854\u202F775808", L"###50"});
+    ExpectUnder({L"###", L"\u202F", L"3;0", 1, 0},
+                [] {
+                    return Texts{FormatDecimal(-1234567.891), FormatUnsigned(std::numeric_limits<ULONGLONG>::max()),
+                                 FormatSigned(std::numeric_limits<LONGLONG>::min()), FormatDecimal(0.5)};
+                },
+                {L"-1\u202F234\u202F567###89", L"18\u202F446\u202F744\u202F073\u202F709\u202F551\u202F615",
+                 L"-9\u202F223\u202F372\u202F036\u202F854\u202F775\u202F808", L"###50"});
 }
 
 TEST(NumberFormat, ASizeOfExactlyAUnitStaysInTheSmallerOne) {
     CString plain;
     plain.Format(L"%.2f", 1e200);  // longer than Windows formats
-    ExpectUnder({L".", L",", L"3;0"},
-                [] {
-                    Texts texts{FormatDecimal(1e200).GetString(), FormatByteSize(nullptr).GetString()};
-                    for (const LONGLONG bytes : {0LL, 1024LL, 1025LL, 1048576LL, 1048577LL, 1073741824LL, 5368709120LL,
-                                                 std::numeric_limits<LONGLONG>::max(), -1LL}) {
-                        LARGE_INTEGER size;
-                        size.QuadPart = bytes;
-                        texts.emplace_back(FormatByteSize(&size).GetString());
-                    }
-                    return texts;
-                },
-                {plain.GetString(), L"0 Bytes", L"0.00 Bytes", L"1,024.00 Bytes", L"1.00 KB", L"1,024.00 KB",
-                 L"1.00 MB", L"1,024.00 MB", L"5.00 GB", L"8,589,934,592.00 GB", L"-1.00 Bytes"});
+    const auto sizes = [] {
+        Texts texts{FormatDecimal(1e200), FormatByteSize(nullptr)};
+        for (const LONGLONG bytes :
+             {0LL, 1024LL, 1025LL, 1048576LL, 1048577LL, 1073741824LL, 5368709120LL, MAXLONGLONG, -1LL}) {
+            LARGE_INTEGER size;
+            size.QuadPart = bytes;
+            texts.push_back(FormatByteSize(&size));
+        }
+        return texts;
+    };
+    ExpectUnder({L".", L",", L"3;0"}, sizes,
+                {plain, L"0 Bytes", L"0.00 Bytes", L"1,024.00 Bytes", L"1.00 KB", L"1,024.00 KB", L"1.00 MB",
+                 L"1,024.00 MB", L"5.00 GB", L"8,589,934,592.00 GB", L"-1.00 Bytes"});
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 // Cursors, the size of texts, fonts.
 #include <gtest/gtest.h>
+#include <tuple>
 
 #include "helpers/CursorHelper.h"
 #include "helpers/Fonts.h"
@@ -45,17 +46,12 @@ TEST(CursorHelper, RemembersTheCursorBefore) {
     };
     const HCURSOR cross = standard(IDC_CROSS);
     SetCursor(cross);
-    expectRestored(standard(IDC_ARROW));  // nothing remembered yet
-    const struct {
-        void (*set)(bool remember);
-        LPCWSTR name;
-        bool nothingBefore;  // whether "no cursor" is remembered as it is
-    } cursors[] = {
-        {CursorHelper::SetWaitCursor, IDC_WAIT, true},      {CursorHelper::SetArrowCursor, IDC_ARROW, true},
-        {CursorHelper::SetHandCursor, IDC_HAND, false},     {CursorHelper::SetSizeWECursor, IDC_SIZEWE, false},
-        {CursorHelper::SetSizeNSCursor, IDC_SIZENS, false},
-    };
-    for (const auto& [set, name, nothingBefore] : cursors) {
+    expectRestored(standard(IDC_ARROW));                             // nothing remembered yet
+    using Row = std::tuple<void (*)(bool remember), LPCWSTR, bool>;  // whether "no cursor" is remembered as it is
+    for (const auto& [set, name, nothingBefore] :
+         {Row{CursorHelper::SetWaitCursor, IDC_WAIT, true}, Row{CursorHelper::SetArrowCursor, IDC_ARROW, true},
+          Row{CursorHelper::SetHandCursor, IDC_HAND, false}, Row{CursorHelper::SetSizeWECursor, IDC_SIZEWE, false},
+          Row{CursorHelper::SetSizeNSCursor, IDC_SIZENS, false}}) {
         SetCursor(cross);
         set(true);
         SetCursor(standard(IDC_IBEAM));
