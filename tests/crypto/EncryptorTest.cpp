@@ -25,21 +25,15 @@ std::string HashOf(EncryptorBase& encryptor, const CString& password) {
 }
 
 // What becomes of a buffer that has room behind it.
-std::string After(EncryptorBase& encryptor, NTSTATUS (EncryptorBase::*work)(BYTE*, DWORD&), std::string buffer,
-                  NTSTATUS status = 0) {
+template <auto Work>
+std::string After(EncryptorBase& encryptor, std::string buffer, NTSTATUS status) {
     auto bytes = static_cast<DWORD>(buffer.size());
     buffer.resize(bytes + kRoom);
-    EXPECT_EQ((encryptor.*work)(reinterpret_cast<BYTE*>(buffer.data()), bytes), status);
+    EXPECT_EQ((encryptor.*Work)(reinterpret_cast<BYTE*>(buffer.data()), bytes), status);
     return buffer.substr(0, bytes);
 }
-
-std::string Encrypted(EncryptorBase& encryptor, const std::string& plain) {
-    return After(encryptor, &EncryptorBase::Encrypt, plain);
-}
-
-std::string Decrypted(EncryptorBase& encryptor, const std::string& cipher, NTSTATUS status = 0) {
-    return After(encryptor, &EncryptorBase::Decrypt, cipher, status);
-}
+constexpr auto Encrypted = After<&EncryptorBase::Encrypt>;
+constexpr auto Decrypted = After<&EncryptorBase::Decrypt>;
 
 // Wine answers 0xC0000001 to a padding that makes no sense, Windows 0xC000003E.
 NTSTATUS WINAPI DecryptAsWindows(BCRYPT_KEY_HANDLE key, PUCHAR input, ULONG inputBytes, void* padding, PUCHAR vector,
@@ -60,9 +54,9 @@ TEST(EncryptorAes256, HashesAndCiphertextAgreeWithOtherImplementations) {
     for (const int length : {0, 1, 15, 16, 17, 0x7EF, 0x7F0, 0x7FF, 0x800, 0x801, 0x80F, 0xFFF, 0x1000, 0x1801}) {
         SCOPED_TRACE(length);
         const std::string expected = Plain(length);
-        const std::string cipher = Encrypted(encryptor, expected);
+        const std::string cipher = Encrypted(encryptor, expected, 0);
         EXPECT_EQ(cipher, Vector("aes-" + std::to_string(length)));
-        std::string plain = Decrypted(encryptor, cipher);
+        std::string plain = Decrypted(encryptor, cipher, 0);
         // Padding that fills up a chunk is not told from data, and that chunk, which began a chain of its own, is then
         // taken to go on from the one before: its first block is lost.
         const size_t lastChunk = expected.size() / kCipherChunkBytes * kCipherChunkBytes;
@@ -81,10 +75,10 @@ TEST(EncryptorAes256, NothingTellsAWrongPasswordOrADamagedEnd) {
     const EntryPoints patch({{"BCryptDecrypt", reinterpret_cast<void*>(&DecryptAsWindows)}});
     EncryptorAes256 encryptor;
     HashOf(encryptor, kPasswords[1]);
-    std::string cipher = Encrypted(encryptor, Plain(100));
+    std::string cipher = Encrypted(encryptor, Plain(100), 0);
     ASSERT_EQ(cipher.size(), 112U);
     cipher.back() ^= 1;
-    const std::string damaged = Decrypted(encryptor, cipher);
+    const std::string damaged = Decrypted(encryptor, cipher, 0);
     EXPECT_EQ(damaged.size(), 112U);
     // The first try without padding goes on from the try with it, so under Wine the first block suffers too.
     EXPECT_EQ(damaged.substr(16, 80), Plain(96).substr(16));
@@ -92,13 +86,13 @@ TEST(EncryptorAes256, NothingTellsAWrongPasswordOrADamagedEnd) {
     cipher.back() ^= 1;
     EXPECT_EQ(Decrypted(encryptor, cipher.substr(0, 111), static_cast<NTSTATUS>(0xC0000206)).size(), 111U);
     HashOf(encryptor, L"another");
-    EXPECT_NE(Decrypted(encryptor, cipher).substr(0, 100), Plain(100));
+    EXPECT_NE(Decrypted(encryptor, cipher, 0).substr(0, 100), Plain(100));
 }
 
 TEST(EncryptorStandard, AgreesWithPassesDoneOneByOneAndHashesUpTo512Characters) {
     EncryptorStandard encryptor;
-    EXPECT_EQ(Encrypted(encryptor, Plain(1025)), Vector("scrambled-1025"));
-    EXPECT_EQ(Decrypted(encryptor, Vector("scrambled-1025")), Plain(1025));
+    EXPECT_EQ(Encrypted(encryptor, Plain(1025), 0), Vector("scrambled-1025"));
+    EXPECT_EQ(Decrypted(encryptor, Vector("scrambled-1025"), 0), Plain(1025));
     EXPECT_EQ(HashOf(encryptor, L""), "");
     EXPECT_EQ(HashOf(encryptor, kPasswords[1]), Vector("standard-hash"));
     EXPECT_EQ(HashOf(encryptor, CString(L'x', 512)), Vector("standard-hash-512"));
@@ -116,7 +110,7 @@ TEST(GetEncryptor, KeepsOneObjectPerTypeAndItsKeyGoesWithIt) {
         Decrypted(*aes, "no key", kNotSupportedStatus);
         HashOf(*aes, L"secret");
         EXPECT_EQ(GetEncryptor(type), aes);
-        Encrypted(*GetEncryptor(type), "with a key");
+        Encrypted(*aes, "with a key", 0);
     }
     for (const int type : {2, 2, 0, 3, 5, 8, -1}) EXPECT_EQ(GetEncryptor(type), nullptr) << type;
 }

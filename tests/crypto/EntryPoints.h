@@ -1,8 +1,6 @@
 // What GetProcAddress answers this program, by name, as long as the object lives; the system's answer for other names.
 #pragma once
 
-#include <windows.h>
-
 #include <map>
 #include <string_view>
 
@@ -20,7 +18,6 @@ private:
         const auto found = s_answers.find(name);
         return found == s_answers.end() ? s_find(module, name) : reinterpret_cast<FARPROC>(found->second);
     }
-
     inline static std::map<std::string_view, void*> s_answers;
     inline static decltype(&GetProcAddress) s_find;
     ImportPatch<decltype(&GetProcAddress)> m_patch{GetModuleHandleW(nullptr), "GetProcAddress", Find};
