@@ -9,44 +9,31 @@
 namespace {
 
 constexpr std::uint8_t kGuard = 0xA5;
+using Bytes = std::vector<std::uint8_t>;
 
 // Statuses and lengths come from the input, lengths also beyond the output.
-class HostileCipher {
-public:
-    explicit HostileCipher(std::span<const std::uint8_t> answers) : m_answers(answers) {}
-
-    std::int32_t operator()(std::span<std::uint8_t> chunk, bool isPadded, std::span<std::uint8_t> output,
-                            std::uint32_t& written) {
+ChunkCipher HostileCipher(std::span<const std::uint8_t> answers) {
+    return [answers](std::span<std::uint8_t> chunk, bool isPadded, std::span<std::uint8_t> output,
+                     std::uint32_t& written) mutable {
         Require(!chunk.empty() && chunk.size() <= kCipherChunkBytes && output.size() == kCipherChunkBytes);
         Require(!isPadded || chunk.size() < kCipherChunkBytes);
         std::uint32_t answer = 0;
-        for (std::size_t i = 0; i < 3 && !m_answers.empty(); ++i, m_answers = m_answers.subspan(1)) {
-            answer = answer << 8 | m_answers[0];
+        for (std::size_t i = 0; i < 3 && !answers.empty(); ++i, answers = answers.subspan(1)) {
+            answer = answer << 8 | answers[0];
         }
         written = (answer & 0x8000) != 0 ? answer & 0xFFF : static_cast<std::uint32_t>(chunk.size());
         std::fill_n(output.begin(), std::min<std::size_t>(written, output.size()), std::uint8_t{1});
-        switch (answer >> 21) {
-            case 0:
-                return kDataErrorStatus;
-            case 1:
-                return -1;
-            default:
-                return 0;
-        }
-    }
-
-private:
-    std::span<const std::uint8_t> m_answers;
-};
-
-void CheckDecrypting(std::span<const std::uint8_t> answers, std::vector<std::uint8_t> buffer) {
-    const auto size = static_cast<std::uint32_t>(buffer.size());
-    std::uint32_t length = size;
-    const std::int32_t status = DecryptChunks(buffer, length, HostileCipher(answers));
-    Require(status == 0 ? length <= size : length == size);
+        return answer >> 21 == 0 ? kDataErrorStatus : answer >> 21 == 1 ? -1 : 0;
+    };
 }
 
-void CheckEncrypting(std::span<const std::uint8_t> answers, std::vector<std::uint8_t> buffer) {
+void CheckDecrypting(std::span<const std::uint8_t> answers, Bytes buffer) {
+    auto length = static_cast<std::uint32_t>(buffer.size());
+    const std::int32_t status = DecryptChunks(buffer, length, HostileCipher(answers));
+    Require(status == 0 ? length <= buffer.size() : length == buffer.size());
+}
+
+void CheckEncrypting(std::span<const std::uint8_t> answers, Bytes buffer) {
     const auto size = static_cast<std::uint32_t>(buffer.size());
     std::uint32_t length = size;
     // Each call may give up to a chunk, so that much room is the cipher's to use.
@@ -56,23 +43,19 @@ void CheckEncrypting(std::span<const std::uint8_t> answers, std::vector<std::uin
     Require(buffer.back() == kGuard);
 }
 
-void CheckScrambling(const std::vector<std::uint8_t>& buffer) {
-    std::vector<std::uint8_t> work = buffer;
-    Scramble(work);
-    Unscramble(work);
-    Require(work == buffer);
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::size_t answerBytes = std::min<std::size_t>(size, 12);
-    const std::span answers(data, answerBytes);
+    const std::span answers(data, std::min<std::size_t>(size, 12));
     // Each byte of the rest stands for a few of the buffer, so that short inputs reach several chunks.
-    std::vector<std::uint8_t> buffer;
-    for (std::size_t i = answerBytes; i < size; ++i) buffer.insert(buffer.end(), 1U + (data[i] & 0x7F) * 8U, data[i]);
+    Bytes buffer;
+    for (std::size_t i = answers.size(); i < size; ++i)
+        buffer.insert(buffer.end(), 1U + (data[i] & 0x7F) * 8U, data[i]);
     CheckDecrypting(answers, buffer);
     CheckEncrypting(answers, buffer);
-    CheckScrambling(buffer);
+    Bytes work = buffer;
+    Scramble(work);
+    Unscramble(work);
+    Require(work == buffer);
     return 0;
 }

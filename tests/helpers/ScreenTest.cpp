@@ -40,10 +40,7 @@ BOOL WINAPI TellIconFont(UINT action, UINT bytes, PVOID font, UINT) {
 // In the order that matters: the remembered cursor belongs to the process.
 TEST(CursorHelper, RemembersTheCursorBefore) {
     const auto standard = [](LPCWSTR name) { return LoadCursorW(nullptr, name); };
-    const auto expectRestored = [](HCURSOR cursor) {
-        CursorHelper::RestoreCursor();
-        EXPECT_EQ(GetCursor(), cursor);
-    };
+    const auto expectRestored = [](HCURSOR cursor) { EXPECT_EQ((CursorHelper::RestoreCursor(), GetCursor()), cursor); };
     const HCURSOR cross = standard(IDC_CROSS);
     SetCursor(cross);
     expectRestored(standard(IDC_ARROW));                             // nothing remembered yet
@@ -98,8 +95,8 @@ TEST(Fonts, ADeltaMakesTheIconTitleFontLargerOnBothSidesOfZero) {
         CreateSystemFont(&font, delta, delta > 0, delta < 0);
         ExpectFont(font, Describe(expected, delta > 0 ? FW_BOLD : FW_SEMIBOLD, delta < 0));
     }
-    CreateSystemFont(nullptr, 2, false, false);
     s_height = kFailing;
+    CreateSystemFont(nullptr, 2, false, false);
     CFont font;
     CreateSystemFont(&font, 2, false, false);
     EXPECT_EQ(HFONT{font}, nullptr);
@@ -128,7 +125,7 @@ TEST(Fonts, AWindowAndItsDirectChildrenGetAFont) {
     CWnd frame;
     frame.CreateEx(0, L"STATIC", L"", WS_OVERLAPPEDWINDOW, 0, 0, 100, 100, nullptr, nullptr);
     const auto addChild = [](HWND parent) {
-        return CreateWindowExW(0, L"BUTTON", L"", WS_CHILD, 0, 0, 9, 9, parent, nullptr, nullptr, nullptr);
+        return CreateWindowW(L"BUTTON", L"", WS_CHILD, 0, 0, 9, 9, parent, 0, 0, 0);
     };
     const HWND child = addChild(frame);
     CFont font;

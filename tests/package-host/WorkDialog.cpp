@@ -9,13 +9,17 @@ namespace {
 constexpr int NewKeyEdit = 226;
 constexpr DWORD TimeoutMs = 60000;
 
-HWND WaitForDialog(HANDLE process) {
+bool WorkDialog(HANDLE process) {
     const ULONGLONG end = GetTickCount64() + TimeoutMs;
     while (GetTickCount64() < end && WaitForSingleObject(process, 20) == WAIT_TIMEOUT) {
         const HWND dialog = FindWindowW(L"#32770", L"Registry Rules");
-        if (dialog != nullptr && IsWindowVisible(dialog)) return dialog;
+        if (dialog == nullptr || !IsWindowVisible(dialog)) continue;
+        SetDlgItemTextW(dialog, NewKeyEdit, L"HKLM\\Software\\Fernhollow");
+        PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+        return true;
     }
-    return nullptr;
+    std::puts("WorkDialog: no dialog appeared");
+    return false;
 }
 
 }  // namespace
@@ -24,19 +28,10 @@ extern "C" int wmain(int, wchar_t** arguments) {
     STARTUPINFOW startup{};
     startup.cb = sizeof startup;
     PROCESS_INFORMATION process{};
+    DWORD exitCode = 2;
     if (!CreateProcessW(nullptr, arguments[1], nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &process)) {
         std::printf("WorkDialog: the program does not start: %lu\n", GetLastError());
-        return 2;
-    }
-    const HWND dialog = WaitForDialog(process.hProcess);
-    if (dialog == nullptr) {
-        std::puts("WorkDialog: no dialog appeared");
-    } else {
-        SetDlgItemTextW(dialog, NewKeyEdit, L"HKLM\\Software\\Fernhollow");
-        PostMessageW(dialog, WM_COMMAND, IDOK, 0);
-    }
-    DWORD exitCode = 2;
-    if (WaitForSingleObject(process.hProcess, dialog != nullptr ? TimeoutMs : 0) == WAIT_OBJECT_0) {
+    } else if (WaitForSingleObject(process.hProcess, WorkDialog(process.hProcess) ? TimeoutMs : 0) == WAIT_OBJECT_0) {
         GetExitCodeProcess(process.hProcess, &exitCode);
     } else {
         std::puts("WorkDialog: the program did not end");
