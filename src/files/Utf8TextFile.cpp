@@ -87,7 +87,7 @@ void CUtf8TextFile::WriteByteOrderMark() {
 bool CUtf8TextFile::HasByteOrderMark(const CString& path) {
     CVlpFile file;
     if (!file.Open(path, modeRead | shareDenyWrite)) return false;
-    BYTE head[kByteOrderMarkBytes];
+    BYTE head[kByteOrderMarkBytes]{};
     return StartsWithMark({head, file.Read(head, kByteOrderMarkBytes)});
 }
 
