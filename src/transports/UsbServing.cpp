@@ -8,10 +8,6 @@ namespace {
 
 constexpr size_t kNameChars = kUsbNameBytes / sizeof(WCHAR);
 
-HANDLE AsHandle(UINT64 value) {
-    return reinterpret_cast<HANDLE>(value);
-}
-
 // At the file's end; null without memory for them.
 BYTE* RoomFor(DWORD bytes, CMemFile& file) {
     void* start = nullptr;

@@ -10,10 +10,6 @@ namespace {
 // A peer that takes nothing so often has no room for it.
 constexpr int kMostAnswersOfNothing = 10;
 
-HANDLE AsHandle(UINT64 value) {
-    return reinterpret_cast<HANDLE>(value);
-}
-
 UINT64 AsNumber(HANDLE handle) {
     return reinterpret_cast<UINT64>(handle);
 }

@@ -153,6 +153,8 @@ private:
     CString TargetOf(const CString& directory, LPCWSTR name) const;
     const WCHAR* NameOfOpenFile(UINT64 handle) const;
     static bool CanTransfer(const UsbMessage& message);
+    // A handle as it crosses the link.
+    static HANDLE AsHandle(UINT64 value) { return reinterpret_cast<HANDLE>(value); }
     void ReportProgress(LPCWSTR format, LPCWSTR name) const;
 
     static CCriticalSection s_operationLock;  // one request at a time; taken before the command lock, never after it
