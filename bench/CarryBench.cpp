@@ -128,21 +128,23 @@ public:
     void OnSkipped(SkippedLine) override { Require(false); }
 };
 
-// A registry file of so many bytes or a little more: the captured one, over and over.
+// A registry file of so many bytes or a little more: the captured one, over and over, through a small buffer, so that
+// the memory of this is not that of reading it.
 void MakeLargeFile(const std::wstring& file, const std::wstring& pattern, ULONGLONG bytes) {
-    std::vector<char> text(static_cast<size_t>(SizeOf(pattern)));
-    DWORD done = 0;
-    HANDLE handle = CreateFileW(pattern.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    Require(ReadFile(handle, text.data(), static_cast<DWORD>(text.size()), &done, nullptr));
-    CloseHandle(handle);
-    handle = CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-    constexpr size_t kHeaderBytes = 2 * 39;  // the mark, the first line and its end
-    size_t skip = 0;
-    for (ULONGLONG size = 0; size < bytes; size += done) {
-        Require(WriteFile(handle, text.data() + skip, static_cast<DWORD>(text.size() - skip), &done, nullptr));
-        skip = kHeaderBytes;
+    constexpr LONG kHeaderBytes = 2 * 39;  // the mark, the first line and its end
+    std::vector<char> block(0x10000);
+    const HANDLE from = CreateFileW(pattern.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    const HANDLE to = CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+    for (ULONGLONG size = 0; size < bytes; SetFilePointer(from, kHeaderBytes, nullptr, FILE_BEGIN)) {
+        DWORD read = 0;
+        DWORD written = 0;
+        while (ReadFile(from, block.data(), static_cast<DWORD>(block.size()), &read, nullptr) && read != 0) {
+            Require(WriteFile(to, block.data(), read, &written, nullptr));
+            size += written;
+        }
     }
-    CloseHandle(handle);
+    CloseHandle(from);
+    CloseHandle(to);
 }
 
 // Reads, converts to units and looks for the ends of the lines.

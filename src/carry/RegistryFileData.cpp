@@ -20,9 +20,13 @@ void AppendUnits(std::vector<std::uint8_t>& data, std::wstring_view text) {
     const std::size_t before = data.size();
     data.resize(before + 2 * text.size());
     std::uint8_t* out = data.data() + before;
-    for (const wchar_t unit : text) {
-        *out++ = static_cast<std::uint8_t>(unit);
-        *out++ = static_cast<std::uint8_t>(static_cast<unsigned>(unit) >> 8U);
+    if constexpr (sizeof(wchar_t) == 2) {
+        std::copy_n(reinterpret_cast<const std::uint8_t*>(text.data()), 2 * text.size(), out);
+    } else {
+        for (const wchar_t unit : text) {
+            *out++ = static_cast<std::uint8_t>(unit);
+            *out++ = static_cast<std::uint8_t>(static_cast<unsigned>(unit) >> 8U);
+        }
     }
 }
 
@@ -81,7 +85,7 @@ std::size_t RegistryFileReader::ReadText(std::wstring_view piece, std::size_t at
         Append(piece.substr(at, end - at));
         if (end == piece.size()) return end;
         if (piece[end] == L'"') {
-            Append({L"", 1});
+            m_data.insert(m_data.end(), 2, 0);
             return ExpectEnd(piece, end + 1);
         }
         if (end + 1 == piece.size()) return isWhole ? piece.size() : end;

@@ -141,12 +141,12 @@ void RegistryFileReader::ReadKey(std::wstring_view line) {
 
 std::size_t RegistryFileReader::ReadValue(std::wstring_view piece, std::size_t at, bool isWhole) {
     const bool isNamed = piece[at++] == L'"';
-    std::optional<std::wstring> name = isNamed ? ReadQuoted(piece, at) : std::wstring();
-    if (!name && !isWhole) return 0;
+    m_name.clear();
+    const bool isComplete = !isNamed || ReadQuoted(piece, at, m_name);
+    if (!isComplete && !isWhole) return 0;
     at = SkipBlanks(piece, at);
-    if (!name || at == piece.size() || piece[at] != L'=') return Skip(piece, SkippedLine::NotUnderstood);
-    if (name->size() > kLongestValueName) return Skip(piece, SkippedLine::NameTooLong);
-    m_name = *std::move(name);
+    if (!isComplete || at == piece.size() || piece[at] != L'=') return Skip(piece, SkippedLine::NotUnderstood);
+    if (m_name.size() > kLongestValueName) return Skip(piece, SkippedLine::NameTooLong);
     m_data.clear();
     m_isHex = false;
     return ReadData(piece, SkipBlanks(piece, at + 1), isWhole);

@@ -1,29 +1,5 @@
 #include "carry/RegistryFileText.h"
 
-#include <array>
-
-namespace {
-
-constexpr auto kHexDigits = [] {
-    std::array<std::uint8_t, 128> digits{};
-    digits.fill(0xFF);
-    for (std::size_t i = 0; i < 10; ++i) digits[L'0' + i] = static_cast<std::uint8_t>(i);
-    for (std::size_t i = 0; i < 6; ++i) digits[L'a' + i] = digits[L'A' + i] = static_cast<std::uint8_t>(10 + i);
-    return digits;
-}();
-
-}  // namespace
-
-std::size_t SkipBlanks(std::wstring_view text, std::size_t at) {
-    while (at < text.size() && (text[at] == L' ' || text[at] == L'\t')) ++at;
-    return at;
-}
-
-unsigned HexDigit(wchar_t c) {
-    const auto index = static_cast<std::size_t>(c);
-    return index < kHexDigits.size() ? kHexDigits[index] : 0xFFU;
-}
-
 std::optional<std::uint32_t> ReadHexNumber(std::wstring_view text, std::size_t& at, bool mayHavePrefix) {
     std::size_t next = SkipBlanks(text, at);
     const bool isNegative = next < text.size() && text[next] == L'-';
@@ -54,22 +30,23 @@ wchar_t Unescape(wchar_t c) {
     }
 }
 
-std::optional<std::wstring> ReadQuoted(std::wstring_view text, std::size_t& at) {
-    std::wstring quoted;
-    for (std::size_t next = at; next < text.size(); ++next) {
-        wchar_t c = text[next];
-        if (c == L'"') {
-            at = next + 1;
-            return quoted;
+bool ReadQuoted(std::wstring_view text, std::size_t& at, std::wstring& quoted) {
+    quoted.clear();
+    for (std::size_t start = at;;) {
+        std::size_t end = start;
+        while (end < text.size() && text[end] != L'"' && text[end] != L'\\') ++end;
+        quoted.append(text, start, end - start);
+        if (end == text.size()) return false;
+        if (text[end] == L'"') {
+            at = end + 1;
+            return true;
         }
-        if (c == L'\\') {
-            if (++next == text.size()) break;
-            c = Unescape(text[next]);
-            if (c == L'\0') break;
-        }
-        quoted += c;
+        if (end + 1 == text.size()) return false;
+        const wchar_t unit = Unescape(text[end + 1]);
+        if (unit == L'\0') return false;
+        quoted += unit;
+        start = end + 2;
     }
-    return std::nullopt;
 }
 
 void AppendEscaped(std::wstring& out, std::wstring_view text) {

@@ -75,7 +75,7 @@ private:
             names.clear();
             ReadNames(key, path, index, names);
             index += kNamesAtOnce;
-            for (const std::wstring& name : names) Subkey(key, name, path + L'\\' + name);
+            for (const std::wstring& name : names) Subkey(key, name, path);
         } while (names.size() == kNamesAtOnce);
     }
 
@@ -90,7 +90,8 @@ private:
         }
     }
 
-    void Subkey(HKEY parent, const std::wstring& name, const std::wstring& path) {
+    void Subkey(HKEY parent, const std::wstring& name, std::wstring path) {
+        path.append(1, L'\\').append(name);
         if (!IsWritableKeyName(name)) return m_visitor.OnNote({.kind = CarryNoteKind::Unwritable, .path = path});
         UniqueKey key;
         const LONG status = OpenKey(parent, name, KEY_READ, LinkMode::Open, key);

@@ -103,7 +103,7 @@ TEST(RegistryFile, AFileCutAnywhereSaysTheStartOfWhatItSays) {
         EXPECT_TRUE(whole.starts_with(told)) << length;
     }
     EXPECT_EQ(ReadBy(std::wstring(kStart) + L"\"a\"=\"b", 9), L"K HKEY_CURRENT_USER\\T|!3 4|!6 4|");
-    EXPECT_EQ(ReadBy(std::wstring(kStart) + std::wstring(L"\"a\"=\"b\"\0\"c\"=-\n", 15), 9),
+    EXPECT_EQ(ReadBy(std::wstring(kStart) + std::wstring(L"\"a\"=\"b\"\0\"c\"=-\n", 14), 9),
               L"K HKEY_CURRENT_USER\\T|V a 1 62000000|!5 4|");
 }
 
