@@ -8,7 +8,9 @@
 
 #include "carry/Apply.h"
 #include "carry/Capture.h"
+#include "carry/OutputFile.h"
 #include "carry/RegistryFileInput.h"
+#include "carry/RegistryFileWriter.h"
 #include "support/Ratios.h"
 
 namespace {
@@ -128,23 +130,22 @@ public:
     void OnSkipped(SkippedLine) override { Require(false); }
 };
 
-// A registry file of so many bytes or a little more: the captured one, over and over, through a small buffer, so that
-// the memory of this is not that of reading it.
-void MakeLargeFile(const std::wstring& file, const std::wstring& pattern, ULONGLONG bytes) {
-    constexpr LONG kHeaderBytes = 2 * 39;  // the mark, the first line and its end
-    std::vector<char> block(0x10000);
-    const HANDLE from = CreateFileW(pattern.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    const HANDLE to = CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-    for (ULONGLONG size = 0; size < bytes; SetFilePointer(from, kHeaderBytes, nullptr, FILE_BEGIN)) {
-        DWORD read = 0;
-        DWORD written = 0;
-        while (ReadFile(from, block.data(), static_cast<DWORD>(block.size()), &read, nullptr) && read != 0) {
-            Require(WriteFile(to, block.data(), read, &written, nullptr));
-            size += written;
+// A registry file of so many bytes or a little more, made without much memory.
+void MakeLargeFile(const std::wstring& file, ULONGLONG bytes) {
+    OutputFile output(file, true);
+    RegistryFileWriter writer(
+        [&](std::wstring_view text) { output.Write(text.data(), text.size() * sizeof(wchar_t)); });
+    const std::wstring text = L"the text of a value";
+    const auto* const data = reinterpret_cast<const std::uint8_t*>(text.c_str());
+    for (int key = 0; writer.Size() < bytes; ++key) {
+        writer.Key(std::wstring(L"HKEY_CURRENT_USER\\") + LeafPath(key));
+        for (int value = 0; value < kValues; ++value) {
+            writer.Value(L"value " + std::to_wstring(value), value % 2 != 0 ? REG_BINARY : REG_SZ,
+                         {data, (text.size() + 1) * sizeof(wchar_t)});
         }
     }
-    CloseHandle(from);
-    CloseHandle(to);
+    writer.Finish();
+    output.Finish();
 }
 
 // Reads, converts to units and looks for the ends of the lines.
@@ -186,21 +187,24 @@ int wmain() {
     const std::wstring undo = TempFile(L"carry-undo.reg");
     const std::wstring large = TempFile(L"carry-large.reg");
     Ratios ratios;
-    RemoveTree();
-    MakeTree(kKeys);
-    CaptureOurs(ours);
-
     // First, since a peak only grows. The working set is what Wine tells of a process.
-    MakeLargeFile(large, ours, 500ULL << 20U);
+    MakeLargeFile(large, 500ULL << 20U);
     const SIZE_T before = PeakBytes();
     {
         RegistryTarget target;
         Apply(target, large, {.dryRun = true});
     }
-    std::printf("memory: reading 500 MB took %.1f MiB at most\n",
-                static_cast<double>(PeakBytes() - before) / (1 << 20));
-    MakeLargeFile(large, ours, 100ULL << 20U);
+    std::printf("memory: reading 500 MB took %.1f MiB at most beyond %.1f\n",
+                static_cast<double>(PeakBytes() - before) / (1 << 20), static_cast<double>(before) / (1 << 20));
+    // Whether the measure would have seen it.
+    const SIZE_T seen = PeakBytes();
+    const std::vector<char> touched(64U << 20U, 'x');
+    Require(touched.back() == 'x' && PeakBytes() >= seen + (32U << 20U));
+    MakeLargeFile(large, 100ULL << 20U);
 
+    RemoveTree();
+    MakeTree(kKeys);
+    CaptureOurs(ours);
     ratios.Compare("capturing 20,000 keys, 100,000 values", 1.2, Timed([&] { CaptureOurs(ours); }),
                    Timed([&] { CaptureBare(bare, SizeOf(ours)); }), 5);
     ratios.Compare("the same beside reg export", 0.7, Timed([&] { CaptureOurs(ours); }),
