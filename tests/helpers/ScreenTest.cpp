@@ -125,7 +125,7 @@ TEST(Fonts, AWindowAndItsDirectChildrenGetAFont) {
     CWnd frame;
     frame.CreateEx(0, L"STATIC", L"", WS_OVERLAPPEDWINDOW, 0, 0, 100, 100, nullptr, nullptr);
     const auto addChild = [](HWND parent) {
-        return CreateWindowW(L"BUTTON", L"", WS_CHILD, 0, 0, 9, 9, parent, 0, 0, 0);
+        return CreateWindowW(L"BUTTON", L"", WS_CHILD, 0, 0, 9, 9, parent, nullptr, nullptr, nullptr);
     };
     const HWND child = addChild(frame);
     CFont font;

@@ -118,7 +118,8 @@ Undo FillVolume(const std::wstring& part) {
             const auto write = SystemFunction(&WriteFile, L"kernel32.dll", "WriteFile");
             if (HasRoom(file)) return write(file, data, bytes, written, overlapped);
             write(file, data, bytes / 2, written, overlapped);
-            return HasRoom(file) ? TRUE : Result;
+            HasRoom(file);  // sets the error again
+            return Result;
         });
 }
 

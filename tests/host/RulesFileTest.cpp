@@ -95,13 +95,12 @@ TEST(RulesFile, WhatIsNoRulesFileIsRefusedWithPlaceAndReason) {
 TEST(RulesTable, ColumnsStandInLineAndControlCharactersCannotBreakThem) {
     EXPECT_EQ(RulesTable({}), "(no rules)\n");
     const std::string wide(61, 'w');
-    EXPECT_EQ(RulesTable({{Branch, "HKCU\\\u00F6\u4E2D\U0001F600", "ignored", 0},
-                          {Value, "HKCU\\Environment", "TEMP", 10},
+    EXPECT_EQ(RulesTable({{Branch, "HKCU\\Environment", "ignored", 0},
+                          {Value, "HKCU\\\u00F6\u4E2D\U0001F600", "TEMP", 10},
                           {Value, "a\nb\x1B[2J\x7F\u0080\u009F\u00A0", "", -1},
                           {Value, wide, "", 2}}),
-              "Position  Type    Key" + std::string(59, ' ') + "Value\n" +
-                  "0         branch  HKCU\\\u00F6\u4E2D\U0001F600\n" +  //
-                  "10        value   HKCU\\Environment" + std::string(46, ' ') + "TEMP\n" +
+              "Position  Type    Key" + std::string(59, ' ') + "Value\n0         branch  HKCU\\Environment\n" +
+                  "10        value   HKCU\\\u00F6\u4E2D\U0001F600" + std::string(54, ' ') + "TEMP\n" +
                   "-1        value   a\\x0Ab\\x1B[2J\\x7F\\x80\\x9F\u00A0" + std::string(36, ' ') + "(Default)\n" +
                   "2         value   " + wide + "  (Default)\n");
 }
