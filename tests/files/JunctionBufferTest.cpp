@@ -55,7 +55,7 @@ TEST(JunctionBuffer, TheLongestTargetFillsTheBufferExactly) {
 }
 
 TEST(JunctionBuffer, HostileBytesGiveNoMoreThanTheyHold) {
-    const auto whole = OfAnotherMaker();
+    const auto& whole = OfAnotherMaker();
     EXPECT_EQ(Junction::Decode(whole), L"C:\\t");
     struct Case {
         const char* name;

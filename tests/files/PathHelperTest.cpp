@@ -160,24 +160,20 @@ TEST(PathHelper, DrivesOfEveryKindAndTheirNetworkPaths) {
         EXPECT_FALSE(CPathHelper::EnumerateDrives(drives));
         EXPECT_FALSE(CPathHelper::IsValidDrive(L"C:\\"));
     }
-    ScopedRegistryKey user(HKEY_USERS);
+    ScopedRegistryKey profile(HKEY_USERS);
     ScopedRegistryPlace mine(HKEY_CURRENT_USER, L"Network\\M");
-    const CString sid = user.Path().c_str();
-    user.SetText(L"Network\\M", L"RemotePath", L"\\\\server\\share");
-    user.SetText(L"Network\\N", L"RemotePath", L"\\\\server\\share\\");
-    user.SetText(L"Network\\O", L"RemotePath", L"");
+    const CString sid = profile.Path().c_str();
+    profile.SetText(L"Network\\M", L"RemotePath", L"\\\\server\\share");
+    profile.SetText(L"Network\\N", L"RemotePath", L"\\\\server\\share\\");
+    profile.SetText(L"Network\\O", L"RemotePath", L"");
     mine.SetText(L"RemotePath", L"\\\\server\\mine");
-    const struct {
-        LPCWSTR path;
-        CString sid;
-        LPCWSTR networkPath;
-    } rows[] = {{L"m:\\a\\b", sid, L"\\\\server\\share\\a\\b"},
-                {L"N:\\a", sid, L"\\\\server\\share\\a"},
-                {L"N:", sid, L"\\\\server\\share\\"},
-                {L"O:\\a", sid, L""},
-                {L"P:\\a", sid, L""},
-                {L"\\\\s\\t\\a", sid, L""},
-                {L"M:\\a", L"", L"\\\\server\\mine\\a"},
-                {L"N:\\a", L"", L""}};
-    for (const auto& row : rows) EXPECT_EQ(CPathHelper::MapNetworkPath(row.path, row.sid), row.networkPath);
+    const std::tuple<LPCWSTR, CString, LPCWSTR> rows[] = {{L"m:\\a\\b", sid, L"\\\\server\\share\\a\\b"},
+                                                          {L"N:\\a", sid, L"\\\\server\\share\\a"},
+                                                          {L"N:", sid, L"\\\\server\\share\\"},
+                                                          {L"O:\\a", sid, L""},
+                                                          {L"P:\\a", sid, L""},
+                                                          {L"\\\\s\\t\\a", sid, L""},
+                                                          {L"M:\\a", L"", L"\\\\server\\mine\\a"},
+                                                          {L"N:\\a", L"", L""}};
+    for (const auto& [path, user, network] : rows) EXPECT_EQ(CPathHelper::MapNetworkPath(path, user), network);
 }

@@ -107,6 +107,8 @@ TEST_F(TextFile, WritesUtf8AndAppendsFilesWithAMark) {
     CSocketFileOwner owner{L"host", {}};
     {
         CUtf8TextFile file(m_path.c_str(), kNew, &owner);
+        file.SetUseMemoryBuffer(true);  // written when it closes itself
+        file.WriteByteOrderMark();
         file.WriteString(L"\x20AC");
         file.WriteUtf8(L"\x00E4\r\n");
         file.WriteString(CString(L'\x20AC', 3));

@@ -13,7 +13,7 @@
 namespace {
 
 struct Opening {
-    DWORD access, share, disposition, attributes;
+    DWORD access = 0, share = 0, disposition = 0, attributes = 0;
     bool isInherited = true;
     bool operator==(const Opening&) const = default;
 };

@@ -34,8 +34,8 @@ public:
 private:
     struct Opened {
         std::wstring key;
-        DWORD access;
-        bool isEmpty;
+        DWORD access = 0;
+        bool isEmpty = true;
     };
     inline static std::map<std::wstring, Bytes> s_links;  // by full path in small letters, without prefix
     inline static std::set<std::wstring> s_others;
@@ -115,7 +115,7 @@ private:
                 return INVALID_HANDLE_VALUE;
             }
             CFileFind search;
-            Opened opened{key, access, true};
+            Opened opened{key, access};
             for (BOOL more = search.FindFile((L"\\\\?\\" + key + L"\\*").c_str()); more;) {
                 more = search.FindNextFile();
                 opened.isEmpty &= search.IsDots() != FALSE;

@@ -37,7 +37,7 @@ private:
         const HANDLE search = isEntered ? FindFirstFileW((path + L"\\*").c_str(), &found) : INVALID_HANDLE_VALUE;
         for (BOOL more = search != INVALID_HANDLE_VALUE; more; more = FindNextFileW(search, &found)) {
             const std::wstring name = found.cFileName;
-            if (name != L"." && name != L"..") Remove(path + L"\\" + name);
+            if (name != L"." && name != L"..") Remove(std::wstring(path).append(1, L'\\').append(name));
         }
         FindClose(search);
         RemoveDirectoryW(path.c_str());
