@@ -1,17 +1,19 @@
-// A command through the pipe client against the bare calls, on one server process.
+// A command through the pipe client against the bare calls, on one server.
 #include <windows.h>
 
 #include <cstdio>
+#include <thread>
 
 #include "siblings/coresv/LoggingService.h"
 #include "support/Ratios.h"
 #include "transports/NamedPipeClient.h"
-#include "transports/PipePeer.h"
+#include "transports/PipeServer.h"
 
 namespace {
 
 constexpr int kRoundTrips = 40;
 constexpr int kRuns = 41;
+constexpr int kInstances = 4;
 constexpr wchar_t kMessage[] = L"GETENVVARIABLE:USERPROFILE";
 
 int s_failures = 0;
@@ -39,7 +41,11 @@ void SendBare(bool inMessageMode) {
 }  // namespace
 
 int wmain() {
-    const PipePeer peer(L"always=C:\\users\\ann");
+    // Some instances, so that one caller after the other finds one free without waiting.
+    for (int i = 0; i < kInstances; ++i) {
+        auto* const server = new PipeServer(PIPE_TYPE_MESSAGE | PIPE_READMODE_MESSAGE, kInstances);
+        std::thread([server] { server->AnswerAlways(Utf16(L"C:\\users\\ann")); }).detach();
+    }
     NamedPipeClient::pipeChannelEnabled = true;
     // The log is written, to nowhere: what a host's sink costs is the host's.
     Logger().SetSink([](LogLevel, const wchar_t*) {});

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "peers/BareLink.h"
-#include "peers/Machines.h"
+#include "peers/OtherMachine.h"
 #include "support/Ratios.h"
 #include "transports/WinUsbSession.h"
 
@@ -103,7 +103,7 @@ int wmain(int argc, wchar_t** argv) {
     const DWORD chunks = argc > 1 ? static_cast<DWORD>(_wtoi(argv[1])) : 256;
     const char* const folder = std::getenv("USB_LINK_FOLDER");
     Require(folder != nullptr, "started without the other machine: use scripts/two-machines");
-    End other = Machines().Take("B");
+    const OtherMachine other;
     BareSide bare(DeviceFile(L"usb-bench-bare", PortOf(other.Do({"bare", std::string(folder) + "\\bare.bin"}))),
                   chunks);
     bare.Write();
@@ -116,9 +116,7 @@ int wmain(int argc, wchar_t** argv) {
     const double writeAlone = secondsAlone([&] { bare.Write(); });
 
     other.Do({"base", folder});
-    other.Do({"device", "listen"});
-    other.Do({"quiet"});  // the bare loop tells nobody of its progress either
-    SessionSide session(DeviceFile(L"usb-bench", PortOf(other.Do({"connect", "wait"}))), chunks);
+    SessionSide session(DeviceFile(L"usb-bench", PortOf(other.Do({"connect", "listen"}))), chunks);
     const std::string megabytes = std::to_string(chunks) + " MB";
     Ratios ratios;
     ratios.Compare("writing " + megabytes, 1 / 0.9, Timed([&] { session.Write(); }), Timed([&] { bare.Write(); }), 5);

@@ -12,10 +12,7 @@ UINT WinUsbSession::ReadThread(LPVOID session) {
             self->TellOfFailure();
             return error;
         }
-        if (after == After::End) {
-            self->m_life.EndRequests();
-            return 0;
-        }
+        if (after == After::End) return 0;
     }
 }
 
@@ -36,6 +33,7 @@ WinUsbSession::After WinUsbSession::HandleMessage(UsbDecoder& decoder) {
     if (!decoder.IsKnown()) {
         RecoverFromUnexpected(command);
     } else if (command == UsbCmdDisconnected) {
+        m_life.EndRequests();  // before anybody hears of it
         SendMessageW(m_ownerWindow, kUsbProgressMessage, 0, 0);
         return After::End;
     } else if (command == UsbCmdResendLast) {

@@ -3,7 +3,9 @@
 namespace {
 
 constexpr DWORD kLookMilliseconds = 1;
-constexpr DWORD kSettledMilliseconds = 100;
+// On its way into the system's wait a call may hold locks of the system. It has given them back when nothing has changed
+// for so long. Looks are counted, not time: on a busy machine the thread comes on as slowly as whoever looks.
+constexpr int kLooksAtRest = 200;
 constexpr DWORD kLongestMilliseconds = 5000;
 
 // A trivial one, so that ending a thread from outside leaves nothing to be destroyed.
@@ -31,37 +33,36 @@ void UsbThread::End() {
     if (m_thread == nullptr) return;
     const HANDLE handle = m_thread->m_hThread;
     m_isToEnd = true;
-    for (const ULONGLONG start = GetTickCount64(); !IsSettled();) {
+    unsigned turn = 0;
+    int looksAtRest = 0;
+    for (const ULONGLONG start = GetTickCount64(); looksAtRest < kLooksAtRest;) {
         // One that has returned is on its way out through the loader, and is waited for like any other.
         if (MsgWaitForMultipleObjectsEx(1, &handle, kLookMilliseconds, QS_SENDMESSAGE, 0) == WAIT_OBJECT_0) return;
         MSG message;
         PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE | PM_QS_SENDMESSAGE);
+        const bool isAtRest = m_turn % 2 != 0 && m_turn == turn;
+        looksAtRest = isAtRest ? looksAtRest + 1 : 0;
+        turn = m_turn;
         if (m_hasBegun && GetTickCount64() - start > kLongestMilliseconds) break;
     }
     TerminateThread(handle, 0);
     WaitForSingleObject(handle, kLongestMilliseconds);
 }
 
-bool UsbThread::IsSettled() const {
-    // On its way into the system's wait the call may hold locks of the system, which it has given back by now.
-    const ULONGLONG since = m_restingSince;
-    return since != 0 && GetTickCount64() - since >= kSettledMilliseconds;
-}
-
 bool UsbThread::IsThisToEnd() {
     return t_thread != nullptr && t_thread->m_isToEnd;
 }
 
-// Both members are written before the other is read, here and in End: so either End sees the thread at rest no more, or
-// the thread sees that it is to end.
+// Both members are written before the other is read, here and in End: so either End sees that the thread rests no more,
+// or the thread sees that it is to end.
 UsbThread::Rest::Rest() {
-    if (t_thread != nullptr) t_thread->m_restingSince = GetTickCount64();
+    if (t_thread != nullptr) ++t_thread->m_turn;
 }
 
 UsbThread::Rest::~Rest() {
     if (t_thread == nullptr) return;
-    t_thread->m_restingSince = 0;
+    ++t_thread->m_turn;
     if (!t_thread->m_isToEnd) return;
-    t_thread->m_restingSince = GetTickCount64();
+    ++t_thread->m_turn;
     Sleep(INFINITE);
 }

@@ -43,12 +43,11 @@ public:
 
 private:
     static UINT __cdecl Run(LPVOID thread);
-    bool IsSettled() const;
 
     AFX_THREADPROC m_procedure = nullptr;
     LPVOID m_parameter = nullptr;
     std::unique_ptr<CWinThread> m_thread;
     std::atomic<bool> m_hasBegun = false;
-    std::atomic<ULONGLONG> m_restingSince = 0;  // in ticks of the system; 0 while it works
+    std::atomic<unsigned> m_turn = 0;  // odd while it rests
     std::atomic<bool> m_isToEnd = false;
 };

@@ -1,7 +1,6 @@
 // The cable between two ends, with its faults. Both connect to it; it carries what each sends to the other.
 //
 //     LinkHub hub;                                             // ends 0 and 1
-//     a.Do({"device", hub.DeviceText(0)});
 //     hub.Plan(0, {LinkHub::Corrupt, 4});                      // the fifth byte that end 0 sends from now on
 //     ...
 //     EXPECT_EQ(hub.Seen(0).substr(0, 4), "\x33\x12\0\0"s);    // as it was sent
@@ -11,17 +10,16 @@
 #include <mutex>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "peers/LinkSocket.h"
 
 class LinkHub {
 public:
-    enum Kind { Corrupt, Drop, Duplicate, Cut };  // of the bytes: turned over, left out, sent twice; the link ends
+    enum Kind { Pass, Corrupt, Drop, Duplicate };  // of the bytes: turned over, left out, sent twice
 
     struct Fault {
-        Kind kind;
-        std::uint64_t after;  // bytes that still pass as they are
+        Kind kind = Pass;
+        std::uint64_t after = 0;  // bytes that still pass as they are
         std::uint64_t bytes = 1;
     };
 
@@ -32,34 +30,29 @@ public:
 
     // For the device file of an end.
     std::string DeviceText(int end) const { return "port " + std::to_string(m_listeners[end].Port()); }
-
-    // Faults of what an end sends, in the order of their places.
+    // The next fault of what an end sends.
     void Plan(int end, Fault fault);
-    // From now on in pieces of at most that many bytes, with a pause before each.
-    void Split(int end, size_t bytes, DWORD milliseconds);
-    // All that an end has sent, as it sent it; of more than a MiB the start.
-    std::string Seen(int end) const;
+    // From now on byte by byte, with a pause before each.
+    void Split() { m_isSplit = true; }
+    // All that an end has sent since the last call, as it sent it; of more than a MiB the start.
+    std::string Seen(int end);
 
 private:
     struct Direction {
         LinkSocket from;
-        std::uint64_t place = 0;                              // bytes that have come
-        std::vector<std::pair<std::uint64_t, Fault>> faults;  // with the place where each begins
+        Fault fault;
+        std::string doubled;
         std::string seen;
-        size_t pieceBytes = SIZE_MAX;
-        DWORD pauseMilliseconds = 0;
         std::thread pump;
     };
 
-    void Connect();
-    void CutNow();
     void Pump(int end);
-    // What becomes of bytes; false if the link ends behind them.
-    bool Spoil(Direction& direction, const std::string& bytes, std::string& result) const;
-    static bool Send(const Direction& direction, const LinkSocket& to, const std::string& bytes);
+    // What becomes of bytes.
+    std::string Spoiled(Direction& direction, const std::string& bytes);
 
     LinkSocket m_listeners[2] = {LinkSocket::Listen(), LinkSocket::Listen()};
-    mutable std::mutex m_mutex;
+    std::mutex m_mutex;
+    std::atomic<bool> m_isSplit = false;
     Direction m_directions[2];
     std::thread m_connector;
 };

@@ -62,10 +62,6 @@ LinkSocket LinkSocket::Accept(DWORD milliseconds) const {
     return LinkSocket(WithoutDelay(accept(m_socket, nullptr, nullptr)));
 }
 
-void LinkSocket::Cut() const {
-    shutdown(m_socket, SD_BOTH);
-}
-
 bool LinkSocket::SendAll(const void* data, size_t bytes) const {
     for (auto* next = static_cast<const char*>(data); bytes != 0;) {
         const int sent = send(m_socket, next, static_cast<int>(std::min(bytes, kLargestStep)), 0);
@@ -81,16 +77,6 @@ size_t LinkSocket::Receive(void* buffer, size_t bytes) const {
     return got > 0 ? static_cast<size_t>(got) : 0;
 }
 
-bool LinkSocket::ReceiveAll(void* buffer, size_t bytes, DWORD milliseconds) const {
-    for (auto* next = static_cast<char*>(buffer); bytes != 0;) {
-        const size_t got = WaitUntilReadable(milliseconds) ? Receive(next, bytes) : 0;
-        if (got == 0) return false;
-        next += got;
-        bytes -= got;
-    }
-    return true;
-}
-
 void LinkSocket::Drain() const {
     char thrownAway[4096];
     u_long waiting = 0;
@@ -101,7 +87,7 @@ void LinkSocket::Drain() const {
 
 std::optional<std::string> LinkSocket::ReceiveLine(DWORD milliseconds) const {
     std::string line;
-    for (char c = 0; ReceiveAll(&c, 1, milliseconds);) {
+    for (char c = 0; WaitUntilReadable(milliseconds) && Receive(&c, 1) == 1;) {
         if (c == '\n') return line;
         line += c;
     }

@@ -30,13 +30,11 @@ public:
     // Not open if nobody comes in time.
     LinkSocket Accept(DWORD milliseconds = INFINITE) const;
     // Ends the connection for both sides and for threads of ours that wait on it.
-    void Cut() const;
+    void Cut() const { shutdown(m_socket, SD_BOTH); }
 
     bool SendAll(const void* data, size_t bytes) const;
     // What is there, at least one byte; 0 when the connection has ended.
     size_t Receive(void* buffer, size_t bytes) const;
-    // Exactly so many; false when the connection ends or the time is over before.
-    bool ReceiveAll(void* buffer, size_t bytes, DWORD milliseconds = INFINITE) const;
     // Throws away what has arrived.
     void Drain() const;
 

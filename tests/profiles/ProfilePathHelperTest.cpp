@@ -15,7 +15,7 @@
 #include "support/ScopedRegistryPlace.h"
 #include "transports/EnvironmentValue.h"
 #include "transports/NamedPipeClient.h"
-#include "transports/PipePeer.h"
+#include "transports/PipeServer.h"
 
 namespace {
 
@@ -150,7 +150,8 @@ TEST(PathVariables, AreExpandedOnceAndWhatIsNotSetStays) {
     EXPECT_EQ(ExpandPath(L"%PvLong%%PvLong%"), L"%PvLong%%PvLong%") << "too long for the system, which would cut it";
     EXPECT_EQ(ExpandPath(L"%OS%" + CString(L'x', 40000)), L"%OS%" + CString(L'x', 40000));
     EXPECT_EQ(ExpandPath(L"%SYSTEMroot%"), ExpandPath(L"%SystemRoot%")) << "off a boot image, any spelling";
-    PipePeer companion(L"text=theirs");
+    PipeServer companion;
+    companion.Answer(Utf16(L"theirs"));
     CString value;
     for (const bool isOn : {true, false}) {
         NamedPipeClient::pipeChannelEnabled = isOn;

@@ -40,8 +40,8 @@ bool Close(bool isOdd) {
     if (session.Connect(DeviceFile("port " + std::to_string(listener.Port())), false) != 0) return false;
     auto opened = std::async(std::launch::async, [&] { return session.OpenDataFile(L"a"); });
     const LinkSocket peer = listener.Accept(kRoundMilliseconds);
-    char request[10];
-    const bool isRight = isOdd || peer.ReceiveAll(request, sizeof(request));
+    char request = 0;
+    const bool isRight = isOdd || peer.Receive(&request, 1) == 1;
     session.CloseSession();
     return opened.get() == INVALID_HANDLE_VALUE && isRight;
 }
