@@ -1,130 +1,16 @@
 #include "dialog/RulesDialog.h"
 
-#include <commctrl.h>
-
 #include <algorithm>
+#include <utility>
 
 #include "dialog/RegistryRulesDlg.h"
 #include "support/WindowText.h"
 
-HostWindow::HostWindow()
-    : m_window(CreateWindowExW(0, L"STATIC", L"Host", WS_POPUP | WS_CAPTION | WS_VISIBLE, 0, 0, 300, 200, nullptr,
-                               nullptr, GetModuleHandleW(nullptr), nullptr)) {
-    SetForegroundWindow(m_window);
-    SetActiveWindow(m_window);
-}
-
-HostWindow::~HostWindow() {
-    DestroyWindow(m_window);
-}
-
-long RulesDialog::Show(CRegistryRulesCtrl& shown, const std::function<void(Dialog&)>& script) {
-    long result = -1;
-    m_look.clear();
-    driver.Run([&] { result = shown.Show(); }, script);
-    return result;
-}
-
-long RulesDialog::ShowAndPress(int button) {
-    return Show([&](Dialog& d) { d.Click(button); });
-}
-
-RulesDialog::Texts RulesDialog::HostRules(CRegistryRulesCtrl& source) {
-    Texts rules;
-    CString key;
-    CString value;
-    long position = 0;
-    for (long i = 0; i < source.GetKeyRuleCount(); ++i) {
-        int isBranch = 0;
-        EXPECT_EQ(source.GetKeyRule(i, key, &isBranch, &position), 1);
-        const std::wstring kind = isBranch == 0 ? L"Key" : isBranch == 1 ? L"Branch" : std::to_wstring(isBranch);
-        rules.push_back(kind + L"|" + key.GetString() + L"|" + std::to_wstring(position));
-    }
-    for (long i = 0; i < source.GetValueRuleCount(); ++i) {
-        EXPECT_EQ(source.GetValueRule(i, key, value, &position), 1);
-        rules.push_back(std::wstring(L"Value|") + key.GetString() + L"|" + value.GetString() + L"|" +
-                        std::to_wstring(position));
-    }
-    return rules;
-}
-
-RulesDialog::Texts RulesDialog::Rows(Dialog& d) {
-    Texts rows;
-    for (const auto& cells : d.List(IDC_RULE_LIST).Rows()) rows.push_back(cells[0] + L"|" + cells[1] + L"|" + cells[2]);
-    return rows;
-}
-
-HWND RulesDialog::CellEdit(Dialog& d) {
-    return Dialog::FindBelow(d.Control(IDC_RULE_LIST), L"Edit");
-}
-
-HWND RulesDialog::CellCombo(Dialog& d) {
-    return Dialog::FindBelow(d.Control(IDC_RULE_LIST), L"ComboBox");
-}
-
-void RulesDialog::SelectRow(Dialog& d, int row) {
-    const HWND list = d.Control(IDC_RULE_LIST);
-    d.OnGuiThread([&] { SetFocus(list); });
-    d.Key(VK_HOME);
-    for (int i = 0; i < row; ++i) d.Key(VK_DOWN);
-}
-
-HWND RulesDialog::OpenCell(Dialog& d, int row, int column, HWND (*editor)(Dialog&)) {
-    d.List(IDC_RULE_LIST).Click(row, column);
-    if (editor(d) == nullptr) d.List(IDC_RULE_LIST).Click(row, column);
-    d.WaitFor("a cell's editor", [&] { return editor(d) != nullptr; });
-    return editor(d);
-}
-
-HWND RulesDialog::OpenPopup(Dialog& d, int row) {
-    const HWND combo = OpenCellCombo(d, row);
-    if (!SendMessageW(combo, CB_GETDROPPEDSTATE, 0, 0)) d.Click(combo);
-    return combo;
-}
-
-bool RulesDialog::DeleteIsLive(Dialog& d) {
-    return IsWindowEnabled(d.Control(IDC_DELETE_RULE));
-}
-
-bool RulesDialog::DeleteHasTabStop(Dialog& d) {
-    return (GetWindowLongW(d.Control(IDC_DELETE_RULE), GWL_STYLE) & WS_TABSTOP) != 0;
-}
-
-RECT RulesDialog::Frame(HWND window) {
-    RECT frame{};
-    GetWindowRect(window, &frame);
-    return frame;
-}
-
-POINT RulesDialog::Gap(Dialog& d) {
-    const RECT tree = Frame(d.Control(IDC_REGISTRY_TREE));
-    const RECT list = Frame(d.Control(IDC_RULE_LIST));
-    return {(tree.right + list.left) / 2, (list.top + list.bottom) / 2};
-}
-
-bool RulesDialog::CursorIs(Dialog& d, const wchar_t* standard) {
-    HCURSOR cursor = nullptr;
-    d.OnGuiThread([&] { cursor = GetCursor(); });
-    return cursor == LoadCursorW(nullptr, standard);
-}
-
-void RulesDialog::Discard(Dialog& d) {
-    d.Click(IDCANCEL);
-    d.AnswerBox(IDYES);
-}
-
-void RulesDialog::Put(HWND edit, const std::wstring& text) {
-    SendMessageW(edit, EM_SETSEL, 0, -1);
-    SendMessageW(edit, EM_REPLACESEL, 0, reinterpret_cast<LPARAM>(text.c_str()));
-}
-
-void RulesDialog::ClearByKeys(Dialog& d) {
-    d.Key(VK_HOME);
-    d.Key(VK_END, {VK_SHIFT});
-    d.Key(VK_DELETE);
-}
-
 namespace {
+
+ListSteps List(Dialog& d) {
+    return d.List(IDC_RULE_LIST);
+}
 
 // Pixels of a window as it stands on the screen.
 std::vector<DWORD> Picture(HWND window, SIZE size) {
@@ -146,10 +32,166 @@ std::vector<DWORD> Picture(HWND window, SIZE size) {
     return pixels;
 }
 
-// Whether what stands on the screen is what painting all anew gives.
-std::wstring ComparePicture(HWND window) {
+std::wstring FocusName(Dialog& d) {
+    if (!IsChild(d.Window(), d.Focus())) return d.Focus() == d.Window() ? L"dialog" : L"elsewhere";
+    if (d.Focus() == CellEditor(d)) return L"cell";
+    static const std::map<int, const wchar_t*> names{
+        {IDC_REGISTRY_TREE, L"tree"}, {IDC_RULE_LIST, L"list"},     {IDC_NEW_TYPE, L"kind"}, {IDC_NEW_KEY, L"key"},
+        {IDC_NEW_VALUE, L"value"},    {IDC_DELETE_RULE, L"delete"}, {IDOK, L"ok"},           {IDCANCEL, L"cancel"}};
+    return names.at(d.FocusId());
+}
+
+std::wstring WhatTheMouseHolds(Dialog& d) {
+    std::wstring holds;
+    if (d.Capture() == d.Window()) holds += L", captured";
+    RECT clip{};
+    GetClipCursor(&clip);
+    if (clip.right - clip.left < GetSystemMetrics(SM_CXSCREEN)) holds += L", clipped";
+    const int target = List(d).RowWithState(LVIS_DROPHILITED);
+    if (target != -1) holds += L", row " + std::to_wstring(target);
+    if (ImageList_GetDragImage(nullptr, nullptr) != nullptr) holds += L", image";
+    return holds.empty() ? L"" : holds.substr(2);
+}
+
+std::wstring KeyBox(Dialog& d) {
+    static const std::wstring watermark = L"Click here to create a new rule";
+    std::wstring key = d.Text(IDC_NEW_KEY);
+    if (key.starts_with(watermark)) key.replace(0, watermark.size(), L"...");
+    const HDC dc = CreateCompatibleDC(nullptr);
+    SendMessageW(d.Window(), WM_CTLCOLOREDIT, reinterpret_cast<WPARAM>(dc),
+                 reinterpret_cast<LPARAM>(d.Control(IDC_NEW_KEY)));
+    if (GetTextColor(dc) == RGB(0x80, 0x80, 0x80)) key = L"(" + key + L")";
+    DeleteDC(dc);
+    return key;
+}
+
+Look LookAt(Dialog& d) {
+    Look look;
+    d.OnGuiThread([&] {
+        look[L"rows"] = RowsOf(d);
+        const int selected = List(d).SelectedRow();
+        look[L"selected"] = selected != -1 ? std::to_wstring(selected) : L"";
+        look[L"focus"] = FocusName(d);
+        look[L"strip"] = d.Text(IDC_NEW_TYPE) + L"|" + KeyBox(d) + L"|" + d.Text(IDC_NEW_VALUE);
+        const HWND button = d.Control(IDC_DELETE_RULE);
+        const bool hasTabStop = (GetWindowLongW(button, GWL_STYLE) & WS_TABSTOP) != 0;
+        look[L"delete"] = std::wstring(IsWindowEnabled(button) ? L"live" : L"dead") + (hasTabStop ? L", tab" : L"");
+        look[L"cell"] = CellEditor(d) != nullptr ? WindowText(CellEditor(d)) : L"";
+        look[L"mouse"] = WhatTheMouseHolds(d);
+        const auto* const dialog = static_cast<CRegistryRulesDlg*>(CWnd::FromHandlePermanent(d.Window()));
+        look[L"dirty"] = dialog->IsDirty() != 0 ? L"yes" : L"no";
+        look[L"picture"] = ComparePicture(d.Window(), {IDC_REGISTRY_TREE, IDC_RULE_LIST});
+    });
+    return look;
+}
+
+}  // namespace
+
+HostWindow::HostWindow()
+    : m_window(CreateWindowExW(0, L"STATIC", L"Host", WS_POPUP | WS_CAPTION | WS_VISIBLE, 0, 0, 300, 200, nullptr,
+                               nullptr, GetModuleHandleW(nullptr), nullptr)) {
+    SetForegroundWindow(m_window);
+    SetActiveWindow(m_window);
+}
+
+Act Click(int control) {
+    return [=](Dialog& d) { d.Click(control); };
+}
+
+Act ClickCell(int row, int column) {
+    return [=](Dialog& d) { List(d).Click(row, column); };
+}
+
+Act Type(const wchar_t* text) {
+    return [=](Dialog& d) { d.Type(text); };
+}
+
+Act Press(WORD key, WORD held) {
+    return [=](Dialog& d) { held != 0 ? d.Key(key, {held}) : d.Key(key); };
+}
+
+Act Open(int row, int column) {
+    return [=](Dialog& d) {
+        if (column == 0) ListView_Scroll(List(d).Window(), -1000, 0);  // an edit has scrolled to its own column
+        List(d).Click(row, column);
+        if (CellEditor(d) == nullptr) List(d).Click(row, column);
+        d.WaitFor("a cell's editor", [&] { return CellEditor(d) != nullptr; });
+    };
+}
+
+Act Pick(int row, int index) {
+    return [=](Dialog& d) {
+        if (row != ofStrip) Open(row, 0)(d);
+        const HWND combo = row != ofStrip ? CellEditor(d) : d.Control(IDC_NEW_TYPE);
+        if (!SendMessageW(combo, CB_GETDROPPEDSTATE, 0, 0)) d.Click(combo);
+        d.PickFromPopup(combo, index);
+    };
+}
+
+Act Drop(const Item& item, int row) {
+    return [=](Dialog& d) {
+        Hold(d, item);
+        DragTo(d, item, row == behindRows ? List(d).BehindRows() : List(d).Centre(row, 1));
+        d.Release();
+    };
+}
+
+Act Answer(int button) {
+    return [=](Dialog& d) { d.AnswerBox(button); };
+}
+
+std::wstring RowsOf(Dialog& d) {
+    std::wstring rows;
+    for (const auto& cells : List(d).Rows())
+        rows += (rows.empty() ? L"" : L" ") + cells[0] + L"|" + cells[1] + L"|" + cells[2] + L";";
+    return rows;
+}
+
+HWND CellEditor(Dialog& d) {
+    const HWND edit = Dialog::FindBelow(d.Control(IDC_RULE_LIST), L"Edit");
+    return edit != nullptr ? edit : Dialog::FindBelow(d.Control(IDC_RULE_LIST), L"ComboBox");
+}
+
+RECT Frame(HWND window) {
     RECT frame{};
     GetWindowRect(window, &frame);
+    return frame;
+}
+
+POINT Gap(Dialog& d) {
+    const RECT list = Frame(d.Control(IDC_RULE_LIST));
+    return {(Frame(d.Control(IDC_REGISTRY_TREE)).right + list.left) / 2, (list.top + list.bottom) / 2};
+}
+
+bool CursorIs(Dialog& d, const wchar_t* standard) {
+    HCURSOR cursor = nullptr;
+    d.OnGuiThread([&] { cursor = GetCursor(); });
+    return cursor == LoadCursorW(nullptr, standard);
+}
+
+POINT Hold(Dialog& d, const Item& item) {
+    TreeSteps tree = d.Tree(IDC_REGISTRY_TREE);
+    TreeSteps::Path path{L"HKEY_CURRENT_USER", L"T"};
+    path.insert(path.end(), item.begin(), item.end() - 1);
+    tree.Expand(path);
+    path.push_back(item.back());
+    POINT hold = tree.Centre(tree.Item(path));
+    // A default value has no text to take hold of, only an icon left of where it would be.
+    if (item.back().empty()) hold.x -= 10;
+    return hold;
+}
+
+void DragTo(Dialog& d, const Item& item, POINT to) {
+    const POINT from = Hold(d, item);
+    d.Move(from);
+    d.Press();
+    d.Move({from.x + 12, from.y + 12});
+    d.Move({(from.x + to.x) / 2, (from.y + to.y) / 2});
+    d.Move(to);
+}
+
+std::wstring ComparePicture(HWND window, std::initializer_list<int> without) {
+    const RECT frame = Frame(window);
     const SIZE size{frame.right - frame.left, frame.bottom - frame.top};
     HideCaret(nullptr);
     RedrawWindow(window, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
@@ -157,77 +199,81 @@ std::wstring ComparePicture(HWND window) {
     RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
     const std::vector<DWORD> fresh = Picture(window, size);
     ShowCaret(nullptr);
-    const auto [at, same] = std::mismatch(stands.begin(), stands.end(), fresh.begin());
-    if (at == stands.end()) return L"fresh";
-    const auto place = at - stands.begin();
-    return L"stale at " + std::to_wstring(place % size.cx) + L"," + std::to_wstring(place / size.cx);
+    for (LONG i = 0; i < std::ssize(stands); ++i) {
+        const POINT place{frame.left + i % size.cx, frame.top + i / size.cx};
+        const auto covers = [&](int id) {
+            const RECT area = Frame(GetDlgItem(window, id));
+            return PtInRect(&area, place) != FALSE;
+        };
+        const auto at = static_cast<std::size_t>(i);
+        if (stands[at] != fresh[at] && std::ranges::none_of(without, covers))
+            return L"differs at " + std::to_wstring(place.x - frame.left) + L"," + std::to_wstring(place.y - frame.top);
+    }
+    return L"fresh";
 }
 
-}  // namespace
-
-RulesDialog::Look RulesDialog::LookAt(Dialog& d) {
-    Look look;
-    const HWND window = d.Window();
-    for (const std::wstring& row : Rows(d)) look["rows"] += row + L"; ";
-    const int selected = d.List(IDC_RULE_LIST).SelectedRow();
-    look["selected"] = selected != -1 ? std::to_wstring(selected) : L"";
-    const std::map<int, const wchar_t*> names{{IDC_REGISTRY_TREE, L"tree"},
-                                              {IDC_RULE_LIST, L"list"},
-                                              {IDC_NEW_TYPE, L"kind"},
-                                              {IDC_NEW_KEY, L"key"},
-                                              {IDC_NEW_VALUE, L"value"},
-                                              {IDC_DELETE_RULE, L"delete"},
-                                              {IDOK, L"ok"},
-                                              {IDCANCEL, L"cancel"},
-                                              {0, L"cell"}};
-    const auto focus = names.find(d.FocusId());
-    look["focus"] = focus != names.end() ? focus->second : L"elsewhere";
-    const std::wstring key = d.Text(IDC_NEW_KEY);
-    look["strip"] = d.Text(IDC_NEW_TYPE) + L"|" + (key == watermark ? L"..." : key) + L"|" + d.Text(IDC_NEW_VALUE);
-    look["delete"] = std::wstring(DeleteIsLive(d) ? L"live" : L"dead") + (DeleteHasTabStop(d) ? L", tab" : L"");
-    const HWND editor = CellEdit(d) != nullptr ? CellEdit(d) : CellCombo(d);
-    look["cell"] = editor != nullptr ? WindowText(editor) : L"";
-    std::wstring& mouse = look["mouse"];
-    if (d.Capture() != nullptr) mouse += d.Capture() == window ? L"captured " : L"captured elsewhere ";
-    RECT clip{};
-    GetClipCursor(&clip);
-    if (clip.right - clip.left < GetSystemMetrics(SM_CXSCREEN)) mouse += L"clipped ";
-    const int target = d.List(IDC_RULE_LIST).RowWithState(LVIS_DROPHILITED);
-    if (target != -1) mouse += L"row " + std::to_wstring(target) + L" ";
-    d.OnGuiThread([&] {
-        if (ImageList_GetDragImage(nullptr, nullptr) != nullptr) mouse += L"image ";
-        look["dirty"] = static_cast<CRegistryRulesDlg*>(CWnd::FromHandlePermanent(window))->IsDirty() ? L"yes" : L"no";
-        // Wine 8.0's tree does not always repaint what a press in it has left.
-        RedrawWindow(GetDlgItem(window, IDC_REGISTRY_TREE), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE);
-        look["picture"] = ComparePicture(window);
-    });
-    return look;
+RulesDialog::RulesDialog() {
+    m_branch.AddKey(L"Vendor\\App");
+    m_branch.AddKey(L"Viewer");
+    m_branch.SetText(L"Vendor", L"Vendor", L"x");
+    m_branch.SetText(L"Vendor", L"", L"the default");
+    m_branch.SetNumber(L"Vendor", L"back\\slash", 7);
 }
 
-RulesDialog::Look RulesDialog::Changes(Dialog& d) {
-    Look changes;
-    Look now = LookAt(d);
-    for (const auto& [thing, text] : now)
-        if (!m_look.contains(thing) || m_look[thing] != text) changes[thing] = text;
-    m_look = std::move(now);
+void RulesDialog::AddBranches(std::initializer_list<const wchar_t*> keys) {
+    for (const wchar_t* key : keys) control.AddKeyRule(key, 1, 32767);
+}
+
+long RulesDialog::Show(const std::function<void(Dialog&)>& script) {
+    long result = -1;
+    driver.Run([&] { result = control.Show(); },
+               [&](Dialog& d) {
+                   look = LookAt(d);
+                   script(d);
+               });
+    return result;
+}
+
+long RulesDialog::Work(const std::vector<Step>& steps) {
+    return Show([&](Dialog& d) { Go(d, steps); });
+}
+
+void RulesDialog::Go(Dialog& d, const std::vector<Step>& steps) {
+    for (const Step& step : steps) {
+        const auto message = testing::Message() << "step " << &step - steps.data() << " of those that end here";
+        const testing::ScopedTrace trace(step.where.file_name(), static_cast<int>(step.where.line()), message);
+        step.act(d);
+        if (step.seen.empty() && &step == &steps.back()) return;
+        const bool withBox = step.seen.starts_with(L"box=");
+        const std::wstring box = withBox ? L"box=" + d.ExpectBox() + L" " : L"";
+        EXPECT_EQ(box + Changes(d), step.seen);
+    }
+}
+
+std::wstring RulesDialog::Changes(Dialog& d) {
+    const Look before = std::exchange(look, LookAt(d));
+    std::wstring changes;
+    for (const auto& [thing, text] : look) {
+        if (before.at(thing) != text) changes += (changes.empty() ? L"" : L" ") + thing + L"=" + text;
+    }
     return changes;
 }
 
-void RulesDialog::MoveTheGapAbout() {
-    const HostWindow host;
-    CRegistryRulesCtrl control;
-    for (short row = 0; row < 30; ++row) control.AddKeyRule((L"HKCU\\" + std::to_wstring(row)).c_str(), 1, row);
-    DialogDriver driver;
-    driver.Run([&] { control.Show(); },
-               [&](Dialog& d) {
-                   const POINT gap = Gap(d);
-                   d.Move(gap);
-                   d.Press();
-                   for (const int by : {-1, 3, -40, -120, 60, -7, 90, 150, 0, -60}) {
-                       d.Move({gap.x + by, gap.y});
-                       d.OnGuiThread([&] { EXPECT_EQ(ComparePicture(d.Window()), L"fresh") << by; });
-                   }
-                   d.Release();
-                   d.Key(VK_ESCAPE);
-               });
+Texts RulesDialog::HostRules() {
+    Texts rules;
+    CString key;
+    CString value;
+    long position = 0;
+    for (long i = 0; i < control.GetKeyRuleCount(); ++i) {
+        int isBranch = 0;
+        EXPECT_EQ(control.GetKeyRule(i, key, &isBranch, &position), 1);
+        const std::wstring kind = isBranch == 0 ? L"Key" : isBranch == 1 ? L"Branch" : std::to_wstring(isBranch);
+        rules.push_back(kind + L"|" + key.GetString() + L"|" + std::to_wstring(position));
+    }
+    for (long i = 0; i < control.GetValueRuleCount(); ++i) {
+        EXPECT_EQ(control.GetValueRule(i, key, value, &position), 1);
+        rules.push_back(std::wstring(L"Value|") + key.GetString() + L"|" + value.GetString() + L"|" +
+                        std::to_wstring(position));
+    }
+    return rules;
 }

@@ -1,99 +1,109 @@
-// What the tests of the whole dialog share: a host with its window, the exported control, and texts to compare.
+// What the tests of the whole dialog share: a host with its window and rules, a branch of the registry to drag from,
+// and a dialog that is worked in steps. A step says where, what, and all that looks different afterwards:
+//
+//     Work({{Click(IDC_NEW_KEY), L"focus=key strip=Branch||"},
+//           {Type(L"HKCU\\k\r"), L"delete=live, tab dirty=yes rows=Branch|HKCU\\k|; selected=0"},
+//           {Click(IDOK)}});
 #pragma once
 
 #include <functional>
 #include <gtest/gtest.h>
 #include <map>
+#include <source_location>
 #include <string>
 #include <vector>
 
-#include "entry/KeyPath.h"
 #include "resources/resource.h"
 #include "rules/RegistryRulesCtrl.h"
 #include "support/DialogDriver.h"
+#include "support/ScopedRegistryKey.h"
 
 // A visible top-level window of the host, the owner of what the library shows.
 class HostWindow {
 public:
     HostWindow();
-    ~HostWindow();
+    ~HostWindow() { DestroyWindow(m_window); }
     HostWindow(const HostWindow&) = delete;
     HostWindow& operator=(const HostWindow&) = delete;
-
     HWND Window() const { return m_window; }
 
 private:
     HWND m_window;
 };
 
+#define CONFIRM_CANCEL                                                                                               \
+    L"Changes have been made to the Registry Rules. If you cancel, all changes will be lost. Are you sure you want " \
+    L"to cancel?"
+#define UNKNOWN_HIVE L"The specified Hive is not valid."
+#define BARE_HIVE L"Hives cannot be migrated. You must specify a subkey."
+
+// All that an administrator sees: "rows" (TYPE|KEY|VALUE; and so on), "selected", "focus", "strip" (KIND|KEY|VALUE,
+// with
+// "..." for the watermark and what is grey in parentheses), "delete" (the button), "cell" (an open editor's text, or
+// kind), "mouse" (what it holds), "dirty", and "picture" (whether it is what a fresh paint gives, but for the inside of
+// tree and list, which is the system's).
+using Look = std::map<std::wstring, std::wstring>;
+using Act = std::function<void(Dialog&)>;
+struct Step {
+    Act act;
+    // What looks different afterwards, as NAME=TEXT in the order of the names; first "box", a message box that has come
+    // up. Nothing in a last step means that it ends the dialog.
+    std::wstring seen = {};
+    std::source_location where = std::source_location::current();
+};
+
+inline constexpr int behindRows = -1;
+inline constexpr int ofStrip = -1;
+using Texts = std::vector<std::wstring>;
+using Item = std::vector<std::wstring>;  // below HKCU\T; an empty name is a key's default value
+
+Act Click(int control);
+Act ClickCell(int row, int column);
+Act Type(const wchar_t* text);
+Act Press(WORD key, WORD held = 0);
+// Opens a cell's editor, whichever row is selected.
+Act Open(int row, int column);
+// Chooses a kind in a row's drop-down or in the strip's.
+Act Pick(int row, int index);
+// Drags an item before a row or behind the last.
+Act Drop(const Item& item, int row);
+Act Answer(int button);
+
+std::wstring RowsOf(Dialog& d);
+HWND CellEditor(Dialog& d);
+RECT Frame(HWND window);
+// The middle of the gap between tree and list.
+POINT Gap(Dialog& d);
+bool CursorIs(Dialog& d, const wchar_t* standard);
+// Begins a drag and stops over a place.
+void DragTo(Dialog& d, const Item& item, POINT to);
+// Where to take hold of an item; opens what is above it.
+POINT Hold(Dialog& d, const Item& item);
+// Whether what stands on the screen is what painting all anew gives: "fresh", or where it differs, without what lies
+// inside some controls. On the dialog's thread.
+std::wstring ComparePicture(HWND window, std::initializer_list<int> without = {});
+
 class RulesDialog : public testing::Test {
-public:
-    // Opens the dialog, throws the gap between tree and list about, and compares what stands on the screen after each
-    // move with a fresh paint.
-    static void MoveTheGapAbout();
-
 protected:
-    using Texts = std::vector<std::wstring>;
+    RulesDialog();
 
-    static constexpr const wchar_t* watermark = L"Click here to create a new rule";
-    static constexpr const wchar_t* confirmCancel =
-        L"Changes have been made to the Registry Rules. If you cancel, all changes will be lost. Are you sure you want "
-        L"to cancel?";
-    static constexpr const wchar_t* unknownHive = L"The specified Hive is not valid.";
-    static constexpr const wchar_t* bareHive = L"Hives cannot be migrated. You must specify a subkey.";
-
-    // Shows the dialog, works it with the script, and gives what Show returned.
-    long Show(const std::function<void(Dialog&)>& script) { return Show(control, script); }
-    long Show(CRegistryRulesCtrl& shown, const std::function<void(Dialog&)>& script);
-    // Shows it and presses OK or Cancel at once.
-    long ShowAndPress(int button);
-
+    // Gives the host branch rules of these keys.
+    void AddBranches(std::initializer_list<const wchar_t*> keys);
+    // Shows the dialog and works it; what Show returned.
+    long Show(const std::function<void(Dialog&)>& script);
+    long Work(const std::vector<Step>& steps);
+    void Go(Dialog& d, const std::vector<Step>& steps);
+    // What looks different since the last step, or since the dialog opened.
+    std::wstring Changes(Dialog& d);
     // What the host reads back: "Branch|KEY|POSITION", "Key|..." (a flag other than 0 and 1 shows as itself) and then
     // "Value|KEY|NAME|POSITION".
-    Texts HostRules() { return HostRules(control); }
-    static Texts HostRules(CRegistryRulesCtrl& source);
-
-    // The rows as "TYPE|KEY|VALUE".
-    static Texts Rows(Dialog& d);
-    // All that an administrator sees of the dialog, a text for each thing.
-    using Look = std::map<std::string, std::wstring>;
-    // What looks different since the last call, or since the dialog opened.
-    Look Changes(Dialog& d);
-
-    // The in-place edit or drop-down over a cell, or null.
-    static HWND CellEdit(Dialog& d);
-    static HWND CellCombo(Dialog& d);
-    // Selects a row by the keys of the list: the list remembers the row of the last click over runs of the dialog, so a
-    // click might open an editor.
-    static void SelectRow(Dialog& d, int row);
-    // Opens the editor of a cell, whichever row is selected: the first click may only select.
-    static HWND OpenCellEdit(Dialog& d, int row, int column) { return OpenCell(d, row, column, CellEdit); }
-    static HWND OpenCellCombo(Dialog& d, int row) { return OpenCell(d, row, 0, CellCombo); }
-    // Opens the drop-down of a Type cell and drops its list down.
-    static HWND OpenPopup(Dialog& d, int row);
-    static bool DeleteIsLive(Dialog& d);
-    static bool DeleteHasTabStop(Dialog& d);
-
-    // On the screen: a window's rectangle, and the middle of the gap between tree and list.
-    static RECT Frame(HWND window);
-    static POINT Gap(Dialog& d);
-    static bool CursorIs(Dialog& d, const wchar_t* standard);
-
-    // Cancels a changed list and says Yes to the question.
-    static void Discard(Dialog& d);
-
-    // Puts a text in the place of an edit's, as pasting does, whatever its length.
-    static void Put(HWND edit, const std::wstring& text);
-    // Empties the edit that has the focus by its keys.
-    static void ClearByKeys(Dialog& d);
+    Texts HostRules();
 
     HostWindow host;
     CRegistryRulesCtrl control;
     DialogDriver driver;
+    Look look;
 
 private:
-    static Look LookAt(Dialog& d);
-
-    Look m_look;
-    static HWND OpenCell(Dialog& d, int row, int column, HWND (*editor)(Dialog&));
+    ScopedRegistryKey m_branch{HKEY_CURRENT_USER, L"T"};
 };

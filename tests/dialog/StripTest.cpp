@@ -4,200 +4,121 @@
 #include "dialog/RulesDialog.h"
 
 namespace {
-constexpr COLORREF black = RGB(0, 0, 0);
-constexpr COLORREF grey = RGB(0x80, 0x80, 0x80);
+class Strip : public RulesDialog {};
 
-class Strip : public RulesDialog {
-protected:
-    // The colour in which a box of the strip would paint its text now.
-    static COLORREF TextColour(Dialog& d, int id) {
-        COLORREF colour = CLR_INVALID;
-        const HWND box = d.Control(id);
-        d.OnGuiThread([&] {
-            const HDC dc = CreateCompatibleDC(nullptr);
-            SendMessageW(d.Window(), WM_CTLCOLOREDIT, reinterpret_cast<WPARAM>(dc), reinterpret_cast<LPARAM>(box));
-            colour = GetTextColor(dc);
-            DeleteDC(dc);
-        });
-        return colour;
-    }
-    static void TypeKey(Dialog& d, const wchar_t* key) {
-        d.Click(IDC_NEW_KEY);
-        d.Type(key);
-    }
-    static void PickKind(Dialog& d, int index) {
-        d.Click(IDC_NEW_TYPE);
-        d.PickFromPopup(d.Control(IDC_NEW_TYPE), index);
-    }
-};
+Act Focus(int id) {
+    return [=](Dialog& d) { d.OnGuiThread([&] { SetFocus(d.Control(id)); }); };
+}
 }  // namespace
 
-TEST_F(Strip, WithoutAKeyReturnMakesNoRule) {
-    Show([&](Dialog& d) {
-        // By the keyboard the watermark stays until something is typed over it.
-        d.Click(IDC_NEW_TYPE);
-        d.Key(VK_ESCAPE);
-        d.Key(VK_TAB);
-        ASSERT_EQ(d.FocusId(), IDC_NEW_KEY);
-        d.Key(VK_RETURN);
-        EXPECT_EQ(d.Text(IDC_NEW_KEY), watermark);
-        EXPECT_EQ(d.FocusId(), IDC_NEW_KEY);
-        // In the value box it asks for the key: the watermark goes, the value stays.
-        d.Key(VK_TAB);
-        ASSERT_EQ(d.FocusId(), IDC_NEW_VALUE);
-        d.Type(L"name");
-        d.Key(VK_RETURN);
-        EXPECT_EQ(d.FocusId(), IDC_NEW_KEY);
-        EXPECT_EQ(d.Text(IDC_NEW_KEY), L"");
-        EXPECT_EQ(d.Text(IDC_NEW_VALUE), L"name");
-        d.Key(VK_RETURN);
-        EXPECT_TRUE(Rows(d).empty());
-        d.Type(L"HKCU\\k");
-        d.Key(VK_TAB);
-        d.Key(VK_RETURN);
-        EXPECT_EQ(Rows(d), Texts{L"Value|HKCU\\k|name"}) << "Return in the value box commits too";
-        EXPECT_TRUE(DeleteHasTabStop(d)) << "the new row is selected";
-        EXPECT_EQ(d.FocusId(), IDC_NEW_KEY);
-        Discard(d);
-    });
+TEST_F(Strip, ReturnMakesTheTopRowOfWhatIsTyped) {
+    Work({{Click(IDC_NEW_TYPE), L"focus=kind"},
+          {Type(L"\x1b\t"), L"focus=key"},
+          // By the keyboard the watermark stays, and is no key.
+          {Type(L"\r"), L"strip=Branch|...|"},
+          {Type(L"\tname"), L"focus=value strip=Value|(...)|name"},
+          // In the value box it asks for the key: the watermark goes, the value stays.
+          {Type(L"\r"), L"focus=key strip=Value|()|name"},
+          {Type(L"\r"), L"strip=Value||name"},
+          {Type(L"hkey_users\\k\t"), L"focus=value strip=Value|hkey_users\\k|name"},
+          {Type(L"\r"), L"delete=live, tab dirty=yes focus=key rows=Value|HKU\\k|name; selected=0 strip=Value||"},
+          // A small abbreviation shows in capitals, a value without a name as the default.
+          {Pick(ofStrip, 2), L"focus=kind strip=Value|(...)|"},
+          {Click(IDC_NEW_KEY), L"delete=dead focus=key strip=Value||"},
+          {Type(L"hkcu\\k  \r"), L"delete=live, tab rows=Value|HKCU\\k|(Default); Value|HKU\\k|name;"},
+          // The same rule again moves to the top, and the new text wins.
+          {Type(L"HKU\\K\tNAME\r"), L"rows=Value|HKU\\K|NAME; Value|HKCU\\k|(Default);"},
+          {Press(VK_ESCAPE), L""},  // Escape in the strip does nothing
+          {Click(IDCANCEL), L"box=" CONFIRM_CANCEL L" focus=elsewhere strip=Value|(...)|"},
+          {Answer(IDYES)}});
 }
 
 TEST_F(Strip, TheKindFollowsTheValueBoxAndTheValueBoxTheKind) {
-    Show([&](Dialog& d) {
-        PickKind(d, 1);
-        EXPECT_EQ(d.Text(IDC_NEW_TYPE), L"Key");
-        d.Click(IDC_NEW_VALUE);
-        d.Type(L" n");
-        EXPECT_EQ(d.Text(IDC_NEW_TYPE), L"Value");
-        d.Key(VK_BACK);
-        EXPECT_EQ(d.Text(IDC_NEW_TYPE), L"Key") << "blanks alone are no name; the last choice is back";
-        d.Type(L"n");
-        PickKind(d, 0);
-        EXPECT_EQ(d.Text(IDC_NEW_VALUE), L"") << "Branch has no value";
-        PickKind(d, 2);
-        TypeKey(d, L"HKCU\\k");
-        d.Key(VK_RETURN);
-        EXPECT_EQ(Rows(d), Texts{L"Value|HKCU\\k|(Default)"});
-        EXPECT_EQ(d.Text(IDC_NEW_TYPE), L"Value") << "the kind stays for the next rule";
-        d.Click(IDC_NEW_VALUE);
-        d.Type(L"n");
-        d.Key(VK_BACK);
-        EXPECT_EQ(d.Text(IDC_NEW_TYPE), L"Branch") << "Value itself is never remembered";
-        Discard(d);
-    });
+    Work({{Pick(ofStrip, 1), L"focus=kind strip=Key|(...)|"},
+          {Click(IDC_NEW_VALUE), L"focus=value"},
+          {Type(L" n"), L"strip=Value|(...)| n"},
+          {Type(L"\b"), L"strip=Key|(...)| "},  // blanks alone are no name; the last choice is back
+          {Type(L"n"), L"strip=Value|(...)| n"},
+          {Pick(ofStrip, 0), L"focus=kind strip=Branch|(...)|"},
+          {Pick(ofStrip, 2), L"strip=Value|(...)|"},
+          {Click(IDC_NEW_VALUE), L"focus=value"},
+          {Type(L"n\b"), L"strip=Branch|(...)|"},  // Value itself is never remembered
+          {Click(IDCANCEL)}});
 }
 
 TEST_F(Strip, TheWatermarkComesBackWhenTheKeyBoxIsLeftEmpty) {
-    Show([&](Dialog& d) {
-        EXPECT_EQ(TextColour(d, IDC_NEW_KEY), grey);
-        d.Click(IDC_NEW_KEY);
-        EXPECT_EQ(d.Text(IDC_NEW_KEY), L"") << "a click takes it away";
-        EXPECT_EQ(TextColour(d, IDC_NEW_KEY), black);
-        d.Click(IDC_NEW_VALUE);
-        EXPECT_EQ(d.Text(IDC_NEW_KEY), watermark);
-        EXPECT_EQ(TextColour(d, IDC_NEW_KEY), grey);
-        SendMessageW(d.Control(IDC_NEW_KEY), WM_RBUTTONDOWN, MK_RBUTTON, MAKELPARAM(3, 3));
-        EXPECT_EQ(d.Text(IDC_NEW_KEY), L"") << "so does the right button";
-        d.Click(IDC_NEW_KEY);
-        d.Click(IDC_NEW_VALUE);
-        EXPECT_EQ(d.Text(IDC_NEW_KEY), watermark);
-        // An empty key box keeps the value; one with blanks counts as text when the strip is reset, so it goes.
-        d.Type(L"kept");
-        d.Click(IDC_NEW_KEY);
-        d.Click(IDC_REGISTRY_TREE);
-        EXPECT_EQ(d.Text(IDC_NEW_VALUE), L"kept");
-        d.Click(IDC_NEW_KEY);
-        d.Type(L"   ");
-        d.Click(IDC_REGISTRY_TREE);
-        EXPECT_EQ(d.Text(IDC_NEW_KEY), watermark);
-        EXPECT_EQ(d.Text(IDC_NEW_VALUE), L"");
-        // Reached by Tab and typed into, the watermark turns black and stays a part of the text.
-        d.Click(IDC_NEW_TYPE);
-        d.Key(VK_ESCAPE);
-        d.Key(VK_TAB);
-        d.Key(VK_END);
-        d.Type(L"!");
-        EXPECT_EQ(d.Text(IDC_NEW_KEY), std::wstring(watermark) + L"!");
-        EXPECT_EQ(TextColour(d, IDC_NEW_KEY), black);
-        d.Key(VK_ESCAPE);
-        EXPECT_EQ(d.FocusId(), IDC_NEW_KEY) << "Escape in the strip does nothing";
-        d.Click(IDCANCEL);
-    });
-    EXPECT_TRUE(driver.BoxTexts().empty());
+    Work({{Click(IDC_NEW_KEY), L"focus=key strip=Branch||"},
+          {Click(IDC_NEW_VALUE), L"focus=value strip=Branch|(...)|"},
+          {[](Dialog& d) { SendMessageW(d.Control(IDC_NEW_KEY), WM_RBUTTONDOWN, MK_RBUTTON, 0x30003); },
+           L"strip=Branch||"},
+          {Click(IDC_NEW_KEY), L"focus=key"},
+          {Click(IDC_NEW_VALUE), L"focus=value strip=Branch|(...)|"},
+          // An empty key box keeps the value; one with blanks counts as text when the strip is reset, so it goes.
+          {Type(L"kept"), L"strip=Value|(...)|kept"},
+          {Click(IDC_NEW_KEY), L"focus=key strip=Value||kept"},
+          {Click(IDC_REGISTRY_TREE), L"focus=tree strip=Value|(...)|kept"},
+          {Click(IDC_NEW_KEY), L"focus=key strip=Value||kept"},
+          {Type(L"   "), L"strip=Value|   |kept"},
+          {Click(IDC_REGISTRY_TREE), L"focus=tree strip=Value|(...)|"},
+          // Reached by Tab and typed into, the watermark turns black and stays a part of the text.
+          {Click(IDC_NEW_TYPE), L"focus=kind"},
+          {Type(L"\x1b\t"), L"focus=key"},
+          {Press(VK_END), L"strip=Value|...|"},
+          {Type(L"!"), L"strip=Value|...!|"},
+          {Click(IDCANCEL)}});
 }
 
-TEST_F(Strip, ARefusedKeyKeepsFocusAndTextForReturnAndForTab) {
+TEST_F(Strip, ARefusedKeyKeepsFocusAndTextForReturnTabAndOk) {
     const struct {
         const wchar_t* typed;
         const wchar_t* message;
         std::pair<int, int> selection;
         const wchar_t* afterCancel;
     } cases[] = {
-        {L"Software", unknownHive, {0, 8}, L""},
-        {L"HKCU", bareHive, {4, 4}, L"HKCU"},
-        {L"HKLM\\a\\\\\\b\\\\c",
-         L"The specified key is invalid. Multiple backslashes are not allowed.",
-         {6, 9},
-         L"HKLM\\a\\\\\\b\\\\c"},
+        {L"Software", UNKNOWN_HIVE, {0, 8}, L""},
+        {L" HKCU\\a", UNKNOWN_HIVE, {0, 5}, L""},  // the box itself is checked, blanks and all
+        {L"HKCU", BARE_HIVE, {4, 4}, L"HKCU"},
     };
     Show([&](Dialog& d) {
         for (const auto& c : cases) {
-            for (const WORD key : {WORD{VK_RETURN}, WORD{VK_TAB}}) {
+            for (const Act& check : {Press(VK_RETURN), Press(VK_TAB), Click(IDOK)}) {
                 d.Click(IDC_NEW_KEY);
-                ClearByKeys(d);
+                d.Key(VK_HOME);
+                d.Key(VK_END, {VK_SHIFT});
                 d.Type(c.typed);
-                d.Key(key);
-                EXPECT_EQ(d.AnswerBox(IDOK), c.message) << key;
-                EXPECT_EQ(d.FocusId(), IDC_NEW_KEY);
-                EXPECT_EQ(d.Text(IDC_NEW_KEY), c.typed);
+                Changes(d);
+                Go(d, {{check, std::wstring(L"box=") + c.message + L" focus=elsewhere"}, {Answer(IDOK), L"focus=key"}});
                 EXPECT_EQ(Dialog::EditSelection(d.Control(IDC_NEW_KEY)), c.selection) << c.typed;
-                d.Key(key);
+                check(d);
                 EXPECT_EQ(d.AnswerBox(IDCANCEL), c.message);
-                EXPECT_EQ(d.FocusId(), IDC_NEW_KEY);
                 EXPECT_EQ(d.Text(IDC_NEW_KEY), c.afterCancel);
             }
         }
-        EXPECT_TRUE(Rows(d).empty());
-        ClearByKeys(d);
-        d.Click(IDCANCEL);
+        // Such a key never holds up a close.
+        d.Click(IDC_NEW_KEY);
+        d.Type(L"x");
+        d.Key(VK_F4, {VK_MENU});
     });
+    EXPECT_EQ(HostRules(), Texts{});
 }
 
-TEST_F(Strip, TabGoesFromKindToKeyToValueToListAndBack) {
-    control.AddKeyRule(L"HKCU\\a", 1, 0);
+TEST_F(Strip, TabGoesRoundAndFocusInEitherBoxSelectsTheValueAndDisablesDelete) {
+    AddBranches({L"HKCU\\a"});
     Show([&](Dialog& d) {
-        d.Click(IDC_NEW_TYPE);
-        d.Key(VK_ESCAPE);
         // The list is brought to the top, which makes it the first in the order.
-        for (const int next : {IDC_NEW_KEY, IDC_NEW_VALUE, IDC_RULE_LIST, IDC_NEW_TYPE}) {
-            d.Key(VK_TAB);
-            EXPECT_EQ(d.FocusId(), next);
-        }
-        for (const int next :
-             {IDC_RULE_LIST, IDC_REGISTRY_TREE, IDCANCEL, IDOK, IDC_NEW_VALUE, IDC_NEW_KEY, IDC_NEW_TYPE}) {
-            d.Key(VK_TAB, {VK_SHIFT});
-            EXPECT_EQ(d.FocusId(), next);
-        }
-        d.Click(IDCANCEL);
-    });
-}
-
-TEST_F(Strip, FocusInEitherBoxSelectsTheValueAndDisablesDelete) {
-    control.AddKeyRule(L"HKCU\\a", 1, 0);
-    Show([&](Dialog& d) {
-        for (const int box : {IDC_NEW_KEY, IDC_NEW_VALUE}) {
-            d.Click(IDC_NEW_VALUE);
-            ClearByKeys(d);
-            d.Type(L"name");
-            SelectRow(d, 0);
-            EXPECT_TRUE(DeleteIsLive(d));
-            d.OnGuiThread([&] { SetFocus(d.Control(box)); });
+        Go(d, {{Click(IDC_NEW_TYPE), L"focus=kind"}, {Press(VK_ESCAPE), L""}});
+        for (const wchar_t* next : {L"key", L"value", L"list", L"kind"})
+            Go(d, {{Press(VK_TAB), std::wstring(L"focus=") + next}});
+        for (const wchar_t* next : {L"list", L"tree", L"cancel", L"ok", L"value", L"key", L"kind"})
+            Go(d, {{Press(VK_TAB, VK_SHIFT), std::wstring(L"focus=") + next}});
+        Go(d, {{Click(IDC_NEW_VALUE), L"focus=value"},
+               {Type(L"name"), L"strip=Value|(...)|name"},
+               {Focus(IDC_RULE_LIST), L"focus=list"},
+               {Press(VK_HOME), L"delete=live, tab selected=0"}});
+        for (const auto& [box, name] : {std::pair(IDC_NEW_KEY, L"key"), std::pair(IDC_NEW_VALUE, L"value")}) {
+            Go(d, {{Focus(box), std::wstring(L"delete=dead focus=") + name}});
             EXPECT_EQ(Dialog::EditSelection(d.Control(IDC_NEW_VALUE)), std::make_pair(0, 4));
-            EXPECT_FALSE(DeleteIsLive(d));
-            EXPECT_FALSE(DeleteHasTabStop(d));
-            d.OnGuiThread([&] { SetFocus(d.Control(IDC_RULE_LIST)); });
-            EXPECT_TRUE(DeleteIsLive(d)) << "a row is still selected";
-            EXPECT_TRUE(DeleteHasTabStop(d));
+            Go(d, {{Focus(IDC_RULE_LIST), L"delete=live, tab focus=list"}});
         }
         d.Click(IDCANCEL);
     });
