@@ -29,7 +29,10 @@ BOOL FailOpening(LPCWSTR name, CFileException* problem) {
 CVlpFile::CVlpFile(const CString& name) {
     const CLogMethodEntryExit log(L"CVlpFile ctor");
     CFileException problem;
-    if (!CVlpFile::Open(name, modeRead | shareDenyWrite, &problem)) {
+    const bool isOpen = !LongPath::IsRefused(name)
+                            ? CVlpFile::Open(name.GetString(), modeRead | shareDenyWrite, &problem) != FALSE
+                            : FailOpening(name, &problem) != FALSE;
+    if (!isOpen) {
         Logger().LogWarningMessageFormat(L"File open failure - File:'%s'(%d:%d)", problem.m_strFileName.GetString(),
                                          problem.m_lOsError, problem.m_cause);
         AfxThrowFileException(problem.m_cause, problem.m_lOsError, problem.m_strFileName);

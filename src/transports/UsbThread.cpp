@@ -3,8 +3,8 @@
 namespace {
 
 constexpr DWORD kLookMilliseconds = 1;
-// On its way into the system's wait a call may hold locks of the system. It has given them back when nothing has changed
-// for so long. Looks are counted, not time: on a busy machine the thread comes on as slowly as whoever looks.
+// On its way into the system's wait a call may hold locks of the system. It has given them back when nothing has
+// changed for so long. Looks are counted, not time: on a busy machine the thread comes on as slowly as whoever looks.
 constexpr int kLooksAtRest = 200;
 constexpr DWORD kLongestMilliseconds = 5000;
 
