@@ -24,7 +24,7 @@ public:
     void OnKey(const std::wstring& path) override {
         m_path = ToReadableUtf8(path);
         ++m_report.keys;
-        m_progress.Show({m_report.keys, m_report.values, m_report.bytes, path});
+        TellProgress(m_progress.Function(), {m_report.keys, m_report.values, m_report.bytes, path});
         if (m_json) {
             Print({{"kind", "key"}, {"key", m_path}});
         } else {

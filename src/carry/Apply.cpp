@@ -31,8 +31,8 @@ const char* TextOf(SkippedLine reason) {
 // The first reading: counts what there is to do, and refuses what is not done.
 class Check final : public RegistryFileSink {
 public:
-    Check(const RegistryTarget& target, const std::wstring& file, bool removeHives)
-        : m_target(target), m_file(file), m_removeHives(removeHives) {}
+    Check(const RegistryTarget& target, const std::wstring& file, const ApplyOptions& options)
+        : m_target(target), m_file(file), m_options(options) {}
 
     void Start(const RegistryFileReader& reader) { m_reader = &reader; }
     CarryReport Report() { return std::move(m_report); }
@@ -43,7 +43,7 @@ public:
     }
     void OnKeyRemoval(const KeyName& key) override {
         ExpectReachable(key);
-        if (!m_removeHives && IsWholeHive(key)) Refuse("this removes a whole hive", key);
+        if (!m_options.removeHives && IsWholeHive(key)) Refuse("this removes a whole hive", key);
         ++m_report.removedKeys;
     }
     void OnValue(std::wstring_view, std::uint32_t, std::span<const std::uint8_t> data) override {
@@ -58,6 +58,7 @@ public:
 
 private:
     void ExpectReachable(const KeyName& key) const {
+        if (m_options.progress) TellProgress(m_options.progress, {.path = FormatKeyName(key)});
         if (!m_target.Find(key)) Refuse("the installation has no such key, or no user was named", key);
     }
     [[noreturn]] void Refuse(const char* reason, const KeyName& key) const {
@@ -66,21 +67,23 @@ private:
 
     const RegistryTarget& m_target;
     const std::wstring& m_file;
-    bool m_removeHives;
+    const ApplyOptions& m_options;
     const RegistryFileReader* m_reader = nullptr;
     CarryReport m_report;
 };
 
 CarryReport CheckFile(const RegistryTarget& target, const RegistryFileInput& input, const std::wstring& file,
-                      bool removeHives) {
-    Check check(target, file, removeHives);
+                      const ApplyOptions& options) {
+    Check check(target, file, options);
     input.Read(check, [&](const RegistryFileReader& reader) { check.Start(reader); });
     return check.Report();
 }
 
 void WriteUndoFile(const RegistryTarget& target, const RegistryFileInput& input, const ApplyOptions& options) {
     OutputFile output(options.undoFile, options.replaceFile);
-    UndoFile undo(target, [&](std::wstring_view text) { output.Write(text.data(), text.size() * sizeof(wchar_t)); });
+    UndoFile undo(
+        target, [&](std::wstring_view text) { output.Write(text.data(), text.size() * sizeof(wchar_t)); },
+        options.progress);
     input.Read(undo);
     undo.Finish();
     output.Finish();
@@ -107,7 +110,7 @@ bool TakeBack(RegistryTarget& target, const std::wstring& undoFile) {
 
 CarryReport Apply(RegistryTarget& target, const std::wstring& file, const ApplyOptions& options) {
     const RegistryFileInput input(file);
-    CarryReport report = CheckFile(target, input, file, options.removeHives);
+    CarryReport report = CheckFile(target, input, file, options);
     if (options.dryRun) return report;
     if (!options.undoFile.empty()) WriteUndoFile(target, input, options);
     try {

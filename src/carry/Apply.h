@@ -18,7 +18,8 @@ struct ApplyOptions {
     bool dryRun = false;       // only the first reading
     // Removals of a hive or of the root of one, such as [-HKEY_LOCAL_MACHINE\SOFTWARE], are refused otherwise.
     bool removeHives = false;
-    CarryProgressFunction progress{};  // of the changes
+    // Before the changes begin it is called, too, with nothing done and the path that is looked at.
+    CarryProgressFunction progress{};
 };
 
 // Throws CarryException. Lines that the reader passes over are told in the report.

@@ -15,9 +15,7 @@ public:
     void OnKey(const std::wstring& path) override {
         m_writer.Key(path);
         ++m_report.keys;
-        if (m_progress && !m_progress({m_report.keys, m_report.values, m_report.bytes, path})) {
-            throw CarryException(CarryFailure::Cancelled, "cancelled", path);
-        }
+        TellProgress(m_progress, {m_report.keys, m_report.values, m_report.bytes, path});
     }
     void OnValue(const ValueBuffer& value) override {
         m_writer.Value(value.Name(), value.Type(), value.Data());

@@ -85,3 +85,9 @@ struct CarryProgress {
 
 // Called for each key, on the thread that does the work; false cancels. May be empty.
 using CarryProgressFunction = std::function<bool(const CarryProgress&)>;
+
+// Throws CarryException when the work is cancelled.
+inline void TellProgress(const CarryProgressFunction& tell, const CarryProgress& progress) {
+    if (tell && !tell(progress))
+        throw CarryException(CarryFailure::Cancelled, "cancelled", std::wstring(progress.path));
+}

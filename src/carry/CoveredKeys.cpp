@@ -6,7 +6,6 @@ void CoveredKeys::Add(const std::wstring& path) {
 }
 
 bool CoveredKeys::Contains(std::wstring path) const {
-    if (m_paths.empty()) return false;
     while (!m_paths.contains(path)) {
         const auto end = path.rfind(L'\\');
         if (end == path.npos) return false;

@@ -11,6 +11,7 @@ public:
     static constexpr std::size_t kMostChars = 1U << 20U;
 
     void Add(const std::wstring& path);
+    bool IsEmpty() const { return m_paths.empty(); }
     // Whether the key or one above it was added.
     bool Contains(std::wstring path) const;
 

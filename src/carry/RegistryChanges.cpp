@@ -5,11 +5,7 @@ void RegistryChanges::OnKey(const KeyName& key) {
     m_key = key;
     m_isPending = true;
     ++m_done.keys;
-    if (!m_progress) return;
-    const std::wstring path = FormatKeyName(key);
-    if (!m_progress({m_done.keys, m_done.values, m_done.bytes, path})) {
-        throw CarryException(CarryFailure::Cancelled, "cancelled", path);
-    }
+    if (m_progress) TellProgress(m_progress, {m_done.keys, m_done.values, m_done.bytes, FormatKeyName(key)});
 }
 
 void RegistryChanges::LeaveKey() {

@@ -23,6 +23,7 @@ void UndoFile::Finish() {
 
 void UndoFile::OnKey(const KeyName& key) {
     LeaveKey();
+    if (m_progress) TellProgress(m_progress, {.path = FormatKeyName(key)});
     m_key = key;
     m_isOpen = false;
 }
@@ -40,7 +41,7 @@ void UndoFile::EnterKey(LinkMode mode) {
     m_isOpen = true;
     m_isHeaded = false;
     m_handle.reset();
-    m_isCovered = m_covered.Contains(Folded(m_key));
+    m_isCovered = IsCovered(m_key);
     if (m_isCovered) return;
     const auto place = m_target.Find(m_key);
     const LONG status = OpenKey(place->root, place->path, KEY_READ, mode, m_handle);
@@ -60,6 +61,10 @@ void UndoFile::TellAbsence() {
     m_isCovered = true;
 }
 
+bool UndoFile::IsCovered(const KeyName& key) const {
+    return !m_covered.IsEmpty() && m_covered.Contains(Folded(key));
+}
+
 bool UndoFile::IsThere(const KeyName& key) const {
     const auto place = m_target.Find(key);
     UniqueKey handle;
@@ -68,7 +73,7 @@ bool UndoFile::IsThere(const KeyName& key) const {
 
 void UndoFile::OnKeyRemoval(const KeyName& key) {
     LeaveKey();
-    if (m_covered.Contains(Folded(key)) || !IsThere(key)) return;
+    if (IsCovered(key) || !IsThere(key)) return;
     const std::wstring path = FormatKeyName(key);
     m_writer.KeyRemoval(path);
     WalkBranch(*m_target.Find(key), path, *this);

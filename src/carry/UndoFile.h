@@ -13,8 +13,8 @@
 
 class UndoFile final : public RegistryFileSink, private RegistryVisitor {
 public:
-    UndoFile(const RegistryTarget& target, RegistryFileWriter::Write write)
-        : m_target(target), m_writer(std::move(write)) {}
+    UndoFile(const RegistryTarget& target, RegistryFileWriter::Write write, const CarryProgressFunction& progress)
+        : m_target(target), m_writer(std::move(write)), m_progress(progress) {}
 
     void Finish();
 
@@ -27,10 +27,14 @@ public:
     void OnSkipped(SkippedLine) override {}
 
 private:
-    void OnKey(const std::wstring& path) override { m_writer.Key(path); }
+    void OnKey(const std::wstring& path) override {
+        TellProgress(m_progress, {.path = path});
+        m_writer.Key(path);
+    }
     void OnValue(const ValueBuffer& value) override { m_writer.Value(value.Name(), value.Type(), value.Data()); }
     void OnNote(CarryNote note) override;
 
+    bool IsCovered(const KeyName& key) const;
     bool IsThere(const KeyName& key) const;
     void TellAbsence();
     void Touch(std::wstring_view name, LinkMode mode);
@@ -39,6 +43,7 @@ private:
 
     const RegistryTarget& m_target;
     RegistryFileWriter m_writer;
+    const CarryProgressFunction& m_progress;
     CoveredKeys m_covered;
     KeyName m_key;
     bool m_isOpen = false;     // m_key is looked at
