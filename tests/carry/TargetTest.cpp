@@ -143,6 +143,10 @@ TEST_F(Target, AnInstallationAndItsUserAreReadChangedAndLeftWithNothingMounted) 
     }
     EXPECT_THROW(RegistryTarget({L'D', L"bob"}), CarryException);
     EXPECT_THROW(RegistryTarget({L'E', L""}), CarryException);
+    const HANDLE reader =
+        CreateFileW(L"D:\\Users\\ann\\NTUSER.DAT", GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    EXPECT_THROW(RegistryTarget({L'D', L"ann"}), CarryException);
+    CloseHandle(reader);
     PutBytes(L"D:\\Users\\ann\\NTUSER.DAT", "no hive");
     EXPECT_THROW(RegistryTarget({0, L"D:\\Users\\ann"}), CarryException);
     EXPECT_EQ(KeysOf(HKEY_LOCAL_MACHINE), machineBefore);

@@ -14,6 +14,7 @@
 #include "support/DialogDriver.h"
 #include "support/FileBytes.h"
 #include "support/ImportPatch.h"
+#include "support/ScopedRegistryKey.h"
 #include "support/ScopedTestDir.h"
 
 namespace {
@@ -284,6 +285,70 @@ TEST_F(HostRoad, WrongArgumentsAndFilesAreRefusedInOneLine) {
         EXPECT_EQ(m_output, "");
     }
     EXPECT_TRUE(BytesOf(m_path).ends_with("[{}]\r\n}"));
+}
+
+// Two of the keys are not to be had: one is locked, one goes while its neighbours are read.
+LSTATUS WINAPI OpenOthers(HKEY parent, LPCWSTR path, DWORD options, REGSAM access, PHKEY key) {
+    if (std::wstring_view(path) == L"locked") return ERROR_ACCESS_DENIED;
+    if (std::wstring_view(path) == L"gone") return ERROR_FILE_NOT_FOUND;
+    return SystemFunction(&RegOpenKeyExW, L"advapi32.dll", "RegOpenKeyExW")(parent, path, options, access, key);
+}
+
+TEST_F(HostRoad, CommandsDoWhatCanBeDoneAndTellTheRest) {
+    ScopedRegistryKey key;
+    key.SetText(L"", L"v", L"1");
+    for (const wchar_t* below : {L"a", L"gone", L"locked", L"z"}) key.AddKey(below);
+    const auto patch = Patch<decltype(&RegOpenKeyExW)>("RegOpenKeyExW", OpenOthers);
+    const std::string path = "HKEY_CURRENT_USER\\" + ToReadableUtf8(key.Path());
+    const std::wstring right = m_folder.Path(L"right.json"), carried = m_folder.Path(L"carried.reg"),
+                       undo = m_folder.Path(L"undo.reg"), none = m_folder.Path(L"none.json");
+    const std::vector<HostRule> rules{{HostRuleKind::Branch, path, "", 0},
+                                      {HostRuleKind::Value, path, "v", 1},
+                                      {HostRuleKind::Value, path + "\\none", "v", 2},
+                                      {HostRuleKind::Key, "Software", "", 3}};
+    PutBytes(right, FormatRules({rules[0]}));
+    PutBytes(m_path, FormatRules(rules));
+    const struct {
+        std::vector<std::wstring> arguments;
+        ExitCode code;
+        std::string output, errors;  // parts of them
+    } rows[] = {
+        {{L"list", m_path},
+         ExitCode::Told,
+         "key    " + path + "\nvalue  " + path + "  v  REG_SZ  4\nkey    " + path,
+         "locked: cannot be read"},
+        {{L"list", right, L"--json"}, ExitCode::Told, R"("value":"v","type":"REG_SZ","size":4})", "gone: vanished"},
+        {{L"check", m_path}, ExitCode::Told, "4 rules, 4 findings", ""},
+        {{L"check", m_path, L"--json"}, ExitCode::Told, R"("finding": "is selected by /rules/0 already")", ""},
+        {{L"check", right}, ExitCode::Done, "1 rules, 0 findings", ""},
+        {{L"capture", m_path, carried}, ExitCode::Told, "carried.reg: 3 keys, 1 value, 4 bytes", "none of the five"},
+        {{L"capture", right, carried}, ExitCode::Refused, "", "the file exists"},
+        {{L"capture", right, carried, L"--json", L"--force"}, ExitCode::Told, R"("noteCount": 2)", "gone: vanished"},
+        {{L"apply", carried}, ExitCode::Failed, "", "needs --undo"},
+        {{L"apply", carried, L"--dry-run"}, ExitCode::Done, "would be applied: 3 keys, 1 value, 4 bytes", ""},
+        {{L"apply", carried, L"--undo", undo, L"--json"}, ExitCode::Done, R"("values": 1)", ""},
+        {{L"apply", carried, L"--undo", undo}, ExitCode::Refused, "", "the file exists"},
+        {{L"apply", m_path, L"--undo", undo, L"--force"}, ExitCode::InvalidFile, "", "line 1: this is no registry"},
+        {{L"apply", carried, L"--undo", undo, L"--user", L"nobody here"}, ExitCode::Failed, "", "no such user"},
+        {{L"list", m_path, L"--offline", L"q:\\"}, ExitCode::Failed, "", "the hive cannot be mounted"},
+        {{L"list", m_path, L"--offline", L"qq"}, ExitCode::Failed, "", "--offline takes a drive"},
+        {{L"list", m_path, L"--undo", undo}, ExitCode::Failed, "", "unknown option --undo"},
+        {{L"list", m_path, L"--user"}, ExitCode::Failed, "", "--user needs a value"},
+        {{L"capture", m_path}, ExitCode::Failed, "", "capture takes two files"},
+        {{L"list", none}, ExitCode::Failed, "", "none.json: there is no such file"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(Run(row.arguments), row.code) << row.errors;
+        EXPECT_NE(m_output.find(row.output), std::string::npos) << m_output;
+        EXPECT_NE(m_errors.find(row.errors), std::string::npos) << m_errors;
+        EXPECT_TRUE(!row.errors.empty() || m_errors.empty()) << m_errors;
+    }
+    const std::string before = BytesOf(carried);
+    const auto full = FillVolume<FALSE>(L".new");
+    EXPECT_EQ(Run({L"capture", right, carried, L"--force"}), ExitCode::Failed);
+    ExpectError("carried.reg: the file cannot be written");
+    EXPECT_EQ(BytesOf(carried), before);
+    EXPECT_EQ(FileCount(), 4U);
 }
 
 }  // namespace
