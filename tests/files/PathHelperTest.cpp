@@ -8,7 +8,6 @@
 #include "files/PathCases.h"
 #include "support/FileBytes.h"
 #include "support/ScopedRegistryKey.h"
-#include "support/ScopedRegistryPlace.h"
 #include "support/ScopedTestDir.h"
 
 namespace {
@@ -161,7 +160,7 @@ TEST(PathHelper, DrivesOfEveryKindAndTheirNetworkPaths) {
         EXPECT_FALSE(CPathHelper::IsValidDrive(L"C:\\"));
     }
     ScopedRegistryKey profile(HKEY_USERS);
-    ScopedRegistryPlace mine(HKEY_CURRENT_USER, L"Network\\M");
+    ScopedRegistryKey mine(HKEY_CURRENT_USER, L"Network\\M");
     const CString sid = profile.Path().c_str();
     profile.SetText(L"Network\\M", L"RemotePath", L"\\\\server\\share");
     profile.SetText(L"Network\\N", L"RemotePath", L"\\\\server\\share\\");

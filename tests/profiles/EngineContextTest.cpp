@@ -37,22 +37,20 @@ struct TestUser : CBvUserProfileBase {
     void (*throws)() = nullptr;
 };
 
-std::string MarkOf(const CBvUserProfileBase* user) {
-    return std::to_string(static_cast<const TestUser*>(user)->mark);
-}
-
 class UserList : public testing::Test {
 protected:
     UserList() { s_deleted.clear(); }
     ~UserList() override { m_context.ClearUserList(); }
+
+    TestUser* At(INT_PTR index) { return static_cast<TestUser*>(m_context.m_users.GetAt(index)); }
 
     CEngineContext m_context;
 };
 
 }  // namespace
 
-// The list holds 1 = CORP\Ann with precedence 5 and 2 = CORP\Bob; 3 is CORP\Ann again. Told are the message, the list,
-// and who is deleted or whose subordinate. All combinations of hives are the decision's own test.
+// The list holds 1 = CORP\Ann with precedence 5 and 2 = CORP\Bob; 3 is CORP\Ann again. Told are the message, and the
+// list with "<" before a subordinate, which is the host's to delete. All combinations of hives are the decision's test.
 TEST_F(UserList, ADuplicateStaysGoesOrBecomesSubordinate) {
     const struct {
         Hive existing, added;
@@ -61,67 +59,55 @@ TEST_F(UserList, ADuplicateStaysGoesOrBecomesSubordinate) {
         const char* told;
     } cases[] = {
         {Hive::Loaded, Hive::ToBeLoaded, L"C:\\b", 9,
-         "Skipping duplicate profile that requires hive to be loaded: corp\\ANN | 1 2, 3 deleted"},
+         "Skipping duplicate profile that requires hive to be loaded: corp\\ANN | 1 2"},
         {Hive::ToBeLoaded, Hive::None, L"C:\\a", 1,
-         "Replacing duplicate profile with one that doesn't require hive to be loaded: corp\\ANN | 2 3, 1 deleted"},
+         "Replacing duplicate profile with one that doesn't require hive to be loaded: corp\\ANN | 2 3"},
         {Hive::Loaded, Hive::Loaded, L"c:\\A", 9,
-         "Skipping duplicate profile 'corp\\ANN' with duplicate profile path: 'c:\\A' | 1 2, 3 deleted"},
+         "Skipping duplicate profile 'corp\\ANN' with duplicate profile path: 'c:\\A' | 1 2"},
         {Hive::ToBeLoaded, Hive::ToBeLoaded, L"C:\\b", 6,
-         "Making existing profile subordinate to new profile 'corp\\ANN' | 2 3, 1 below 3"},
+         "Making existing profile subordinate to new profile 'corp\\ANN' | 2 3<1"},
         {Hive::ToBeLoaded, Hive::Loaded, L"C:\\b", 5,
-         "Making new profile subordinate to existing duplicate 'corp\\ANN' | 1 2, 3 below 1"},
+         "Making new profile subordinate to existing duplicate 'corp\\ANN' | 1<3 2"},
     };
     for (const auto& c : cases) {
         s_deleted.clear();
         const LogCapture log;
-        const std::map<int, TestUser*> anns = {{1, new TestUser(1, L"CORP", L"Ann", L"C:\\a", c.existing, 5)},
-                                               {3, new TestUser(3, L"corp", L"ANN", c.path, c.added, c.precedence)}};
-        m_context.AddUserToUserList(anns.at(1));
+        m_context.AddUserToUserList(new TestUser(1, L"CORP", L"Ann", L"C:\\a", c.existing, 5));
         m_context.AddUserToUserList(new TestUser(2, L"CORP", L"Bob", L"C:\\a"));
-        m_context.AddUserToUserList(anns.at(3));
+        m_context.AddUserToUserList(new TestUser(3, L"corp", L"ANN", c.path, c.added, c.precedence));
         EXPECT_EQ(log.GetLines()[1].message, L"Adding user:Ann domain:CORP profile path C:\\a");
-        std::string told;
-        for (const std::wstring& message : log.Messages(LogLevel::Informational)) told += Narrow(message) + " |";
-        for (INT_PTR i = 0; i < m_context.m_users.GetCount(); ++i) told += " " + MarkOf(m_context.m_users.GetAt(i));
-        CBvUserProfileBase* subordinate = nullptr;  // the host's
-        for (const auto& [mark, ann] : anns) {
-            if (s_deleted.contains(mark)) {
-                told += ", " + std::to_string(mark) + " deleted";
-            } else if (ann->m_subordinate != nullptr) {
-                subordinate = ann->m_subordinate;
-                told += ", " + MarkOf(subordinate) + " below " + std::to_string(mark);
-            }
+        std::string told = Narrow(log.Messages(LogLevel::Informational).at(0)) + " |";
+        const CBvUserProfileBase* subordinate = nullptr;
+        for (INT_PTR i = 0; i < m_context.m_users.GetCount(); ++i) {
+            told += " " + std::to_string(At(i)->mark);
+            if (At(i)->m_subordinate == nullptr) continue;
+            subordinate = At(i)->m_subordinate;
+            told += "<" + std::to_string(static_cast<const TestUser*>(subordinate)->mark);
         }
         EXPECT_EQ(told, c.told);
+        EXPECT_EQ(s_deleted.size(), subordinate ? 0u : 1u);
         m_context.ClearUserList();
         delete subordinate;
         EXPECT_EQ(s_deleted, (std::map<int, int>{{1, 1}, {2, 1}, {3, 1}}));
     }
 }
 
-TEST_F(UserList, DomainAndNameTogetherMakeADuplicate) {
+TEST_F(UserList, DomainAndNameTogetherMakeADuplicateAndAThrowingDestructorStopsNothing) {
     const LPCWSTR names[][2] = {{L"CORP", L"\xC4nn"}, {L"OTHER", L"\xC4nn"}, {L"CORP\xC4", L"nn"}, {L"", L""}};
     for (const auto& name : names) m_context.AddUserToUserList(new TestUser(1, name[0], name[1], L"p"));
     m_context.AddUserToUserList(new TestUser(9, L"corp", L"\xE4NN", L"P"));
-    m_context.AddUserToUserList(m_context.m_users.GetAt(0));
+    m_context.AddUserToUserList(At(0));
     m_context.AddUserToUserList(nullptr);
     EXPECT_EQ(m_context.m_users.GetCount(), 4);
     EXPECT_EQ(s_deleted, (std::map<int, int>{{9, 1}})) << "one that is in the list does not go";
-}
-
-TEST_F(UserList, AThrowingDestructorStopsNothing) {
-    void (*const throwing[])() = {[] { throw std::runtime_error("x"); }, nullptr, AfxThrowUserException,
-                                  [] { throw 5; }};
-    for (int i = 0; i < 4; ++i) {
-        auto* user = new TestUser(i, std::to_wstring(i).c_str(), L"u", L"p");
-        user->throws = throwing[i];
-        m_context.AddUserToUserList(user);
-    }
+    At(0)->throws = [] { throw std::runtime_error("x"); };
+    At(2)->throws = AfxThrowUserException;
+    At(3)->throws = [] { throw 5; };
     m_context.m_users.Add(nullptr);
     const LogCapture log;
     m_context.ClearUserList();
     EXPECT_EQ(m_context.m_users.GetCount(), 0);
-    EXPECT_EQ(s_deleted, (std::map<int, int>{{0, 1}, {1, 1}, {2, 1}, {3, 1}}));
+    EXPECT_EQ(s_deleted, (std::map<int, int>{{1, 4}, {9, 1}}));
     EXPECT_EQ(
         log.Messages(LogLevel::Warning),
         std::vector<std::wstring>(3, L"[CEngineContext::ClearUserList] Exception thrown while deleting user object"));

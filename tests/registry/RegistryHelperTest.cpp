@@ -15,59 +15,48 @@
 
 namespace {
 
+using Helper = CRegistryHelper;
+const HKEY kUser = HKEY_CURRENT_USER;
+const HKEY kMachine = HKEY_LOCAL_MACHINE;
+
 class RegistryHelper : public testing::Test {
 protected:
-    ~RegistryHelper() override { CRegistryHelper::SetUserHiveOverride(L""); }
+    ~RegistryHelper() override { Helper::SetUserHiveOverride(L""); }
 
     CString Path(LPCWSTR below = L"") const { return CString(m_key.Path().c_str()) + below; }
-    static bool Exists(const CString& path) { return CRegistryHelper::KeyExists(HKEY_CURRENT_USER, path); }
 
     ScopedRegistryKey m_key;
 };
 
-// The masks that keys are opened and made with, "+" before those of making.
-std::string s_masks;
+// What was asked of the system: the masks that keys are made with, and all of a transacted call.
+std::wstring s_asked;
 
 LSTATUS WINAPI NoteCreate(HKEY key, LPCWSTR path, DWORD reserved, LPWSTR keyClass, DWORD options, REGSAM access,
                           const LPSECURITY_ATTRIBUTES security, PHKEY result, LPDWORD disposition) {
-    char mask[20];
-    std::snprintf(mask, sizeof(mask), "+%lx ", access);
-    s_masks += mask;
+    s_asked += CString(std::to_wstring(access).c_str()) + L" ";
     return RegCreateKeyExW(key, path, reserved, keyClass, options, access, security, result, disposition);
 }
 
-// What the transacted functions were asked for.
-std::wstring s_asked;
-
-LSTATUS WINAPI OpenTransacted(HKEY key, LPCWSTR path, DWORD options, REGSAM access, PHKEY result, HANDLE transaction,
-                              PVOID extended) {
-    EXPECT_EQ(extended, nullptr);
+LSTATUS WINAPI OpenTransacted(HKEY, LPCWSTR path, DWORD, REGSAM access, PHKEY, HANDLE transaction, PVOID) {
     s_asked += std::wstring(L"open ") + path + L" " + std::to_wstring(access) + (transaction ? L" in it;" : L";");
-    return RegOpenKeyExW(key, path, options, access, result);
+    return 77;
 }
 
-LSTATUS WINAPI CreateTransacted(HKEY key, LPCWSTR path, DWORD, LPWSTR keyClass, DWORD options, REGSAM access,
-                                const LPSECURITY_ATTRIBUTES security, PHKEY result, LPDWORD disposition,
-                                HANDLE transaction, PVOID extended) {
-    EXPECT_EQ(extended, nullptr);
+LSTATUS WINAPI CreateTransacted(HKEY, LPCWSTR path, DWORD, LPWSTR keyClass, DWORD, REGSAM, const LPSECURITY_ATTRIBUTES,
+                                PHKEY, LPDWORD, HANDLE transaction, PVOID) {
     s_asked += std::wstring(L"create ") + path + L" " + keyClass + (transaction ? L" in it;" : L";");
-    return RegCreateKeyExW(key, path, 0, keyClass, options, access, security, result, disposition);
+    return 77;
 }
 
-FARPROC WINAPI FindTransacted(HMODULE module, LPCSTR name) {
-    EXPECT_EQ(module, GetModuleHandleW(L"advapi32.dll"));
-    const std::string_view asked = name;
-    void* const found = asked == "RegOpenKeyTransactedW"     ? reinterpret_cast<void*>(OpenTransacted)
-                        : asked == "RegCreateKeyTransactedW" ? reinterpret_cast<void*>(CreateTransacted)
-                                                             : nullptr;
-    return reinterpret_cast<FARPROC>(found);
+FARPROC WINAPI FindTransacted(HMODULE, LPCSTR name) {
+    const bool opens = std::string_view(name) == "RegOpenKeyTransactedW";
+    return reinterpret_cast<FARPROC>(opens ? reinterpret_cast<void*>(OpenTransacted)
+                                           : reinterpret_cast<void*>(CreateTransacted));
 }
 
 }  // namespace
 
 TEST_F(RegistryHelper, OnlyAWritingMaskCreatesAndAFailedReopenKeepsTheOldKey) {
-    const ScopedRegistryKey scope(HKEY_CURRENT_USER, REG_OPTION_NON_VOLATILE);
-    const CString path = scope.Path().c_str();
     const struct {
         REGSAM access;
         LPCWSTR below;
@@ -77,16 +66,14 @@ TEST_F(RegistryHelper, OnlyAWritingMaskCreatesAndAFailedReopenKeepsTheOldKey) {
                  {KEY_CREATE_SUB_KEY, L"\\a", 0},
                  {KEY_SET_VALUE, L"\\a\\b", 0},
                  {KEY_READ, L"\\a\\b", 0}};
-    for (const auto& c : cases)
-        EXPECT_EQ(StatusThrownBy([&] { CRegistryHelper(HKEY_CURRENT_USER, path + c.below, c.access); }), c.status);
+    for (const auto& c : cases) EXPECT_EQ(StatusThrownBy([&] { Helper(kUser, Path(c.below), c.access); }), c.status);
     m_key.SetText(L"a", L"v", L"here");
-    CRegistryHelper key;
-    EXPECT_EQ(key.OpenRedirected(HKEY_CURRENT_USER, Path(L"\\a"), KEY_READ | KEY_WOW64_64KEY), 0);
-    EXPECT_EQ(key.OpenRedirected(HKEY_CURRENT_USER, Path(L"\\no"), KEY_READ), 2);
+    Helper key;
+    EXPECT_EQ(key.OpenRedirected(kUser, Path(L"\\a"), KEY_READ | KEY_WOW64_64KEY), 0);
+    EXPECT_EQ(key.OpenRedirected(kUser, Path(L"\\no"), KEY_READ), 2);
     EXPECT_EQ(key.GetStringValue(L"v"), L"here");
     EXPECT_EQ(key.m_samWOW64, 0x100u);
-    EXPECT_EQ(key.OpenRedirected(HKEY_CURRENT_USER, Path(), KEY_READ), 0);
-    EXPECT_EQ(key.m_samWOW64, 0u);
+    EXPECT_EQ(key.OpenRedirected(kUser, Path(), KEY_READ), 0);
     EXPECT_EQ(key.Open(key, L"a", KEY_READ | KEY_WOW64_32KEY), 0) << "the key may be its own parent";
     EXPECT_EQ(key.GetStringValue(L"v"), L"here");
     key.Close();
@@ -94,114 +81,98 @@ TEST_F(RegistryHelper, OnlyAWritingMaskCreatesAndAFailedReopenKeepsTheOldKey) {
 }
 
 TEST_F(RegistryHelper, AKeyMadeInOneViewIsReadBackThere) {
-    const auto reads = [](LPCWSTR path, REGSAM view) {
-        CRegKey key;
-        return key.Open(HKEY_LOCAL_MACHINE, path, KEY_READ | view) == ERROR_SUCCESS;
-    };
-    const ScopedRegistryKey cleanup64(HKEY_LOCAL_MACHINE, L"Software\\RrViews64");
-    const ScopedRegistryKey cleanup32(HKEY_LOCAL_MACHINE, L"Software\\Wow6432Node\\RrViews32");
-    CRegistryHelper(HKEY_LOCAL_MACHINE, L"Software\\RrViews32\\new", KEY_WRITE | KEY_WOW64_32KEY);
-    CRegistryHelper(HKEY_LOCAL_MACHINE, L"Software\\RrViews64\\new", KEY_WRITE | KEY_WOW64_64KEY);
-    EXPECT_TRUE(reads(L"Software\\Wow6432Node\\RrViews32\\new", 0));
-    EXPECT_TRUE(reads(L"Software\\RrViews32\\new", KEY_WOW64_32KEY));
-    EXPECT_FALSE(reads(L"Software\\RrViews32\\new", KEY_WOW64_64KEY));
-    EXPECT_TRUE(reads(L"Software\\RrViews64\\new", KEY_WOW64_64KEY));
-    EXPECT_FALSE(reads(L"Software\\RrViews64\\new", KEY_WOW64_32KEY));
+    const ScopedRegistryKey native(kMachine, L"Software\\RrViews");
+    const ScopedRegistryKey emulated(kMachine, L"Software\\Wow6432Node\\RrViews");
+    for (const auto& [view, path] :
+         {std::pair(KEY_WOW64_64KEY, L"Software\\RrViews\\64"), std::pair(KEY_WOW64_32KEY, L"Software\\RrViews\\32")}) {
+        Helper(kMachine, path, KEY_WRITE | view).SetStringValue(L"v", path);
+        EXPECT_EQ(Helper(kMachine, path, KEY_READ | view).GetStringValue(L"v"), path);
+        EXPECT_NE(Helper().OpenRedirected(kMachine, path, KEY_READ | (view ^ 0x300)), 0) << "in the other view";
+    }
+    EXPECT_EQ(Helper(native.Key(), L"64", KEY_READ).GetStringValue(L"v"), L"Software\\RrViews\\64");
+    EXPECT_EQ(Helper(emulated.Key(), L"32", KEY_READ).GetStringValue(L"v"), L"Software\\RrViews\\32");
     // A 32-bit process gets the 64-bit view only by the mask.
     const ImportPatch<decltype(&NoteCreate)> patch(LoadedModule(L"framework.dll"), "RegCreateKeyExW", NoteCreate);
-    CRegistryHelper::EnsureKeyAndChild(HKEY_CURRENT_USER, Path(L"\\x\\64"), L"c", nullptr, REG_OPTION_VOLATILE, true);
-    CRegistryHelper::EnsureKeyAndChild(HKEY_CURRENT_USER, Path(L"\\x\\32"), L"c", nullptr, REG_OPTION_VOLATILE, false);
-    CRegistryHelper::EnsureKeyAndChild(HKEY_CURRENT_USER, Path(L"\\x\\32"), L"c", nullptr, REG_OPTION_VOLATILE, false);
-    EXPECT_EQ(s_masks, "+20106 +4 +20006 +4 +4 ") << "what is there is opened";
-    EXPECT_TRUE(Exists(Path(L"\\x\\64\\c")) && Exists(Path(L"\\x\\32\\c")));
+    for (const bool view64 : {true, false, false})
+        Helper::EnsureKeyAndChild(kUser, Path(view64 ? L"\\x\\64" : L"\\x\\32"), L"c", nullptr, 0, view64);
+    EXPECT_EQ(std::exchange(s_asked, {}), L"131334 4 131078 4 4 ") << "what is there is opened";
+    EXPECT_TRUE(Helper::KeyExists(kUser, Path(L"\\x\\64\\c")) && Helper::KeyExists(kUser, Path(L"\\x\\32\\c")));
 }
 
 TEST_F(RegistryHelper, AnotherUserStandsForTheCurrentOne) {
-    ScopedRegistryKey theirs(HKEY_USERS, L".DEFAULT\\Software\\RrTheirs");
-    theirs.SetText(L"", L"v", L"theirs");
     const CString path = L"Software\\RrTheirs";
-    EXPECT_FALSE(Exists(path));
-    CRegistryHelper::SetUserHiveOverride(L".DEFAULT");
-    EXPECT_EQ(CRegistryHelper::GetUserHiveOverride(), L".DEFAULT");
-    CRegistryHelper key(HKEY_CURRENT_USER, path, KEY_READ);
-    EXPECT_EQ(key.GetStringValue(L"v"), L"theirs");
-    CRegistryHelper::CreateChildKey(HKEY_CURRENT_USER, path + L"\\child", nullptr, REG_OPTION_VOLATILE);
-    EXPECT_TRUE(CRegistryHelper::KeyExists(HKEY_USERS, L".DEFAULT\\" + path + L"\\child"));
-    EXPECT_TRUE(CRegistryHelper::KeyExists(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Microsoft")) << "other hives stay";
-    EXPECT_EQ(key.Open(HKEY_CURRENT_USER, path, KEY_READ), 2) << "the plain operation rewrites nothing";
-    HKEY hive = HKEY_CURRENT_USER;
-    CString resolved = L"a\\b";
-    for (int again = 0; again < 2; ++again) CRegistryHelper::ResolveUserHive(hive, resolved);
-    EXPECT_EQ(hive, HKEY_USERS);
-    EXPECT_EQ(resolved, L".DEFAULT\\a\\b");
-    CRegistryHelper::SetUserHiveOverride(L"no such user");
-    EXPECT_EQ(CRegistryHelper::OpenStream(HKEY_CURRENT_USER, Path(), L"v", STGM_READ), nullptr);
-}
-
-TEST_F(RegistryHelper, WholePathOperations) {
-    CRegistryHelper::CreateChildKey(HKEY_CURRENT_USER, Path(L"\\a"), L"theClass", REG_OPTION_VOLATILE);
-    CRegistryHelper key(HKEY_CURRENT_USER, Path(L"\\a"), KEY_ALL_ACCESS);
-    WCHAR keyClass[20] = {};
-    DWORD length = 20;
-    RegQueryInfoKeyW(key, keyClass, &length, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                     nullptr);
-    EXPECT_STREQ(keyClass, L"theClass");
-    CRegistryHelper::CreateChildKey(key, L"b", nullptr, REG_OPTION_VOLATILE);
-    EXPECT_TRUE(Exists(Path(L"\\a\\b"))) << "below an open key";
-    m_key.SetData(L"", L"v", REG_BINARY, "123", 3);
-    IStream* stream = CRegistryHelper::OpenStream(HKEY_CURRENT_USER, Path(), L"v", STGM_READ);
+    ScopedRegistryKey theirs(HKEY_USERS, L".DEFAULT\\Software\\RrTheirs");
+    theirs.SetData(L"", L"v", REG_BINARY, "123", 3);
+    EXPECT_FALSE(Helper::KeyExists(kUser, path));
+    Helper::SetUserHiveOverride(L".DEFAULT");
+    Helper(kUser, path + L"\\made", KEY_WRITE).SetStringValue(L"v", L"theirs");
+    Helper::CreateChildKey(kUser, path + L"\\child", nullptr, 0);
+    EXPECT_EQ(Helper(theirs.Key(), L"made", KEY_READ).GetStringValue(L"v"), L"theirs");
+    EXPECT_EQ(Helper().OpenRedirected(theirs.Key(), L"child", KEY_READ), 0);
+    EXPECT_EQ(StatusThrownBy([&] { Helper::DeleteChildKey(kUser, path, L"child"); }), 0u);
+    EXPECT_FALSE(Helper::KeyExists(kUser, path + L"\\child"));
+    EXPECT_TRUE(Helper::KeyExists(kMachine, L"SOFTWARE\\Microsoft")) << "other hives stay";
+    EXPECT_EQ(Helper().Open(kUser, path, KEY_READ), 2) << "the plain operation rewrites nothing";
+    IStream* stream = Helper::OpenStream(kUser, path, L"v", STGM_READ);
     ASSERT_NE(stream, nullptr);
     char read[8] = {};
     EXPECT_EQ(stream->Read(read, sizeof(read), nullptr), S_OK);
     stream->Release();
     EXPECT_STREQ(read, "123");
-
-    HKEY hive = HKEY_LOCAL_MACHINE;
-    CString subkey = L"kept";
-    EXPECT_FALSE(CRegistryHelper::SplitRegistryPath(L"HKEY_USERS", hive, subkey));
-    EXPECT_EQ(subkey, L"kept");
-    EXPECT_TRUE(CRegistryHelper::SplitRegistryPath(L"HKCU\\x", hive, subkey));
-    EXPECT_EQ(std::pair(subkey == L"x", hive), std::pair(true, HKEY_LOCAL_MACHINE)) << "the hive as it was";
-    EXPECT_TRUE(CRegistryHelper::SplitRegistryPath(L"hkey_users\\a\\b", hive, subkey));
-    EXPECT_EQ(std::pair(subkey == L"a\\b", hive), std::pair(true, HKEY_USERS));
+    HKEY hive = kUser;
+    CString resolved = L"a\\b";
+    for (int again = 0; again < 2; ++again) Helper::ResolveUserHive(hive, resolved);
+    EXPECT_EQ(std::pair(hive, std::wstring(resolved)), std::pair(HKEY_USERS, std::wstring(L".DEFAULT\\a\\b")));
+    Helper::SetUserHiveOverride(L"no such user");
+    EXPECT_EQ(Helper::OpenStream(kUser, path, L"v", STGM_READ), nullptr);
+    hive = kMachine;
+    EXPECT_FALSE(Helper::SplitRegistryPath(L"HKEY_USERS", hive, resolved));
+    EXPECT_TRUE(Helper::SplitRegistryPath(L"HKCU\\x", hive, resolved));
+    EXPECT_EQ(std::pair(resolved == L"x", hive), std::pair(true, kMachine)) << "the hive as it was";
+    EXPECT_TRUE(Helper::SplitRegistryPath(L"hkey_users\\a\\b", hive, resolved));
+    EXPECT_EQ(std::pair(resolved == L"a\\b", hive), std::pair(true, HKEY_USERS));
 }
 
-// Every way to fail, many times over. What was opened on the way is closed, but for the parent of a deleted child.
+// Every way to fail. What was opened on the way is closed, but for the parent of a deleted child.
 TEST_F(RegistryHelper, FailuresLeaveNothingOpenAndADeletionItsParent) {
-    m_key.SetText(L"", L"text", L"x");
+    m_key.SetText(L"text", L"x");
     m_key.AddKey(L"full\\below");
     const CString missing = Path(L"\\missing");
     const CString bad = CString(L'x', 300);
     const ResourceCounter counter({GetModuleHandleW(nullptr), LoadedModule(L"framework.dll")});
-    for (int i = 0; i < 100; ++i) {
-        CRegistryHelper key(HKEY_CURRENT_USER, Path(), KEY_ALL_ACCESS);
-        const std::vector<std::pair<DWORD, std::function<void()>>> failures = {
-            {2, [&] { CRegistryHelper(HKEY_CURRENT_USER, missing, KEY_READ); }},
-            {ERROR_INVALID_PARAMETER, [&] { CRegistryHelper(HKEY_CURRENT_USER, bad, KEY_ALL_ACCESS); }},
-            {2, [&] { key.OpenOrCreate(HKEY_CURRENT_USER, missing, KEY_READ, 0); }},
-            {0x70C, [&] { key.GetDwordValue(L"text"); }},
-            {0x10DD, [&] { const CRegistryHelper copy(key); }},
-            {0x10DD, [&] { key = CRegistryHelper(); }},
-            {ERROR_INVALID_HANDLE, [] { CRegistryHelper::CreateChildKey(nullptr, L"c", nullptr, 0); }},
-            {ERROR_CHILD_MUST_BE_VOLATILE, [&] { CRegistryHelper::CreateChildKey(key, L"c", nullptr, 0); }},
-            {ERROR_CHILD_MUST_BE_VOLATILE,
-             [&] { CRegistryHelper::EnsureKeyAndChild(HKEY_CURRENT_USER, missing, L"x", nullptr, 0, true); }},
-            {ERROR_INVALID_PARAMETER,
-             [&] { CRegistryHelper::EnsureKeyAndChild(HKEY_CURRENT_USER, Path(), bad, nullptr, 0, false); }},
-            {2, [&] { CRegistryHelper::DeleteChildKey(HKEY_CURRENT_USER, missing, L"x"); }},
-        };
-        for (size_t n = 0; n < failures.size(); ++n)
-            EXPECT_EQ(StatusThrownBy(failures[n].second), failures[n].first) << n;
-        EXPECT_FALSE(Exists(missing) || CRegistryHelper::KeyExists(nullptr, L"SOFTWARE"));
-    }
-    EXPECT_GE(counter.Created("registry handle"), 100);
-    EXPECT_EQ(counter.Report(), "");
-    m_key.AddKey(L"a");
-    CRegistryHelper::DeleteChildKey(HKEY_CURRENT_USER, Path(), L"a");
-    EXPECT_FALSE(Exists(Path(L"\\a")));
-    EXPECT_EQ(StatusThrownBy([&] { CRegistryHelper::DeleteChildKey(HKEY_CURRENT_USER, Path(), L"a"); }), 2u);
-    EXPECT_EQ(StatusThrownBy([&] { CRegistryHelper::DeleteChildKey(HKEY_CURRENT_USER, Path(), L"full"); }), 5u);
-    EXPECT_EQ(counter.Alive("registry handle"), 3);
+    Helper key(kUser, Path(), KEY_ALL_ACCESS);
+    CRegKey brief;
+    brief.Create(key, L"brief", nullptr, REG_OPTION_VOLATILE);
+    Helper::CreateChildKey(key, L"a", L"theClass", 0);
+    const std::pair<DWORD, std::function<void()>> calls[] = {
+        {2, [&] { Helper(kUser, missing, KEY_READ); }},
+        {ERROR_INVALID_PARAMETER, [&] { Helper(kUser, bad, KEY_ALL_ACCESS); }},
+        {2, [&] { key.OpenOrCreate(kUser, missing, KEY_READ, 0); }},
+        {0x70C, [&] { key.GetDwordValue(L"text"); }},
+        {0x10DD, [&] { const Helper copy(key); }},
+        {0x10DD, [&] { key = Helper(); }},
+        {ERROR_INVALID_HANDLE, [] { Helper::CreateChildKey(nullptr, L"c", nullptr, 0); }},
+        {ERROR_CHILD_MUST_BE_VOLATILE, [&] { Helper::CreateChildKey(brief, L"c", nullptr, 0); }},
+        {ERROR_CHILD_MUST_BE_VOLATILE,
+         [&] { Helper::EnsureKeyAndChild(kUser, Path(L"\\brief\\x"), L"x", nullptr, 0, true); }},
+        {ERROR_INVALID_PARAMETER, [&] { Helper::EnsureKeyAndChild(kUser, Path(), bad, nullptr, 0, false); }},
+        {2, [&] { Helper::DeleteChildKey(kUser, missing, L"x"); }},
+    };
+    for (const auto& [status, call] : calls) EXPECT_EQ(StatusThrownBy(call), status);
+    EXPECT_FALSE(Helper::KeyExists(kUser, missing) || Helper::KeyExists(nullptr, L"SOFTWARE"));
+    EXPECT_GE(counter.Created("registry handle"), 5);
+    EXPECT_EQ(counter.Alive("registry handle"), 2) << "the two keys here";
+    Helper a(kUser, Path(L"\\a"), KEY_READ);
+    WCHAR keyClass[20] = {};
+    DWORD length = 20;
+    RegQueryInfoKeyW(a, keyClass, &length, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                     nullptr);
+    EXPECT_STREQ(keyClass, L"theClass");
+    a.Close();
+    for (const auto& [child, status] : {std::pair(L"a", 0u), std::pair(L"a", 2u), std::pair(L"full", 5u)})
+        EXPECT_EQ(StatusThrownBy([&, name = child] { Helper::DeleteChildKey(kUser, Path(), name); }), status);
+    EXPECT_FALSE(Helper::KeyExists(kUser, Path(L"\\a")));
+    EXPECT_EQ(counter.Alive("registry handle"), 5);
 }
 
 TEST_F(RegistryHelper, ATransactionGoesToTheSystemAndWithoutAHandleTheFallBackDecides) {
@@ -210,13 +181,12 @@ TEST_F(RegistryHelper, ATransactionGoesToTheSystemAndWithoutAHandleTheFallBackDe
     CRegistryTransaction transaction(CreateEventW(nullptr, TRUE, FALSE, nullptr), FALSE);
     CRegistryTransaction allowed(nullptr, TRUE);
     CRegistryTransaction refused(nullptr, FALSE);
-    CRegistryHelper key;
+    Helper key;
     WCHAR keyClass[] = L"class";
-    for (CRegistryTransaction* each : {&transaction, &allowed, &refused}) {
+    for (const auto& [each, status] : {std::pair(&transaction, 77), {&allowed, 0}, {&refused, 1}}) {
         key.m_pTM = each;
-        const LONG expected = each == &refused ? 1 : 0;
-        EXPECT_EQ(key.OpenRedirected(HKEY_CURRENT_USER, Path(), KEY_READ | KEY_WOW64_32KEY), expected);
-        EXPECT_EQ(key.Create(HKEY_CURRENT_USER, Path(L"\\new"), keyClass, REG_OPTION_VOLATILE, KEY_WRITE), expected);
+        EXPECT_EQ(key.OpenRedirected(kUser, Path(), KEY_READ | KEY_WOW64_32KEY), status);
+        EXPECT_EQ(key.Create(kUser, Path(L"\\new"), keyClass, REG_OPTION_VOLATILE, KEY_WRITE), status);
     }
     const std::wstring path = m_key.Path();
     EXPECT_EQ(s_asked, L"open " + path + L" 131609 in it;create " + path + L"\\new class in it;");
@@ -225,12 +195,9 @@ TEST_F(RegistryHelper, ATransactionGoesToTheSystemAndWithoutAHandleTheFallBackDe
 TEST(RegistryException, GivesTheSystemsText) {
     const CRegistryException problem(ERROR_ACCESS_DENIED);
     WCHAR text[300];
-    UINT context = 77;
-    ASSERT_TRUE(problem.GetErrorMessage(text, 300, &context));
-    EXPECT_EQ(context, 77u);
+    ASSERT_TRUE(problem.GetErrorMessage(text, 300));
     EXPECT_TRUE(std::wstring_view(text).ends_with(L"\r\n"));
     EXPECT_EQ(FormatRegistryError(problem), CString(L"[0x5] ") + text);
-    EXPECT_EQ(FormatRegistryError(CRegistryException(0x70C)).Left(8), L"[0x70c] ");
     EXPECT_TRUE(FormatRegistryError(CRegistryException(ERROR_BAD_EXE_FORMAT)).IsEmpty()) << "a text with a %1";
     EXPECT_FALSE(problem.GetErrorMessage(text, 4));
     EXPECT_EQ(text[3], L'\0') << "too small, and terminated all the same";

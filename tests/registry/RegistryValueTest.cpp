@@ -11,10 +11,12 @@
 
 namespace {
 
+using namespace std::string_literals;
+
 const std::string kMegabyte(1 << 20, 'x');
 
-// A query of the size alone, and each step of a walk over subkeys, is followed by what another process does then.
-void (*s_meanwhile)(HKEY key, DWORD index) = nullptr;
+// What another process does after a query of the size alone, and before each step of a walk over subkeys.
+void (*s_meanwhile)(HKEY key, DWORD index) = [](HKEY, DWORD) {};
 
 LSTATUS WINAPI QueryThen(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data, LPDWORD size) {
     const auto query = SystemFunction(&RegQueryValueExW, L"advapi32.dll", "RegQueryValueExW");
@@ -25,8 +27,8 @@ LSTATUS WINAPI QueryThen(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type,
 
 LSTATUS WINAPI EnumerateAfter(HKEY key, DWORD index, LPWSTR name, LPDWORD length, LPDWORD reserved, LPWSTR keyClass,
                               LPDWORD classLength, PFILETIME time) {
+    s_meanwhile(key, index);
     const auto enumerate = SystemFunction(&RegEnumKeyExW, L"advapi32.dll", "RegEnumKeyExW");
-    if (s_meanwhile != nullptr) s_meanwhile(key, index);
     return enumerate(key, index, name, length, reserved, keyClass, classLength, time);
 }
 
@@ -36,39 +38,41 @@ protected:
 
     void Set(DWORD type, std::string_view bytes) { m_key.SetData(L"", L"v", type, bytes.data(), bytes.size()); }
 
-    // What a reader gives, or "!" and the status thrown.
-    template <class Reader>
-    static std::string Told(Reader reader) {
-        CString text;
-        const DWORD status = StatusThrownBy([&] { text = reader(); });
-        if (status != ERROR_SUCCESS) text.Format(L"!%x", status);
-        return Narrow(text.GetString()) + " ";
-    }
-    template <class... Values>
-    static CString Text(LPCWSTR format, Values... values) {
-        CString text;
-        text.Format(format, values...);
-        return text;
-    }
-    // All readers in turn: number and flag, 64-bit number, placement (first and last field), bytes (how many, the
-    // last), text (in full, or its length).
-    std::string ReadAll() {
-        const LPCWSTR v = L"v";
-        return Told([&] { return Text(L"%x/%d", m_helper.GetDwordValue(v), m_helper.GetBoolValue(v)); }) +
-               Told([&] { return Text(L"%I64x", m_helper.GetInt64Value(v)); }) + Told([&] {
-                   WINDOWPLACEMENT placement{};
-                   m_helper.GetPlacementValue(v, placement);
-                   return Text(L"%x/%x", placement.length, placement.rcNormalPosition.bottom);
-               }) +
-               Told([&] {
-                   DWORD size = 77;
-                   const auto bytes = m_helper.GetBinaryValue(v, &size);
-                   return Text(L"%x/%x", size, bytes ? bytes[size - 1] : -1);
-               }) +
-               Told([&] {
-                   const CString text = m_helper.GetStringValue(v);
-                   return text.GetLength() < 40 ? L"'" + text + L"'" : Text(L"%x", text.GetLength());
-               });
+    // What all readers give, or "!" and the status thrown: number and flag, 64-bit number, placement (first and last
+    // field), bytes (how many, the last), text (in full, or its length). A failure leaves what the caller has, but for
+    // the size.
+    std::string ReadAll() const {
+        std::string all;
+        const auto tell = [&all](auto reader) {
+            CString text;
+            const DWORD status = StatusThrownBy([&] { reader(text); });
+            if (status != ERROR_SUCCESS) text.Format(L"!%x", status);
+            all += Narrow(text.GetString()) + " ";
+            return status == ERROR_SUCCESS;
+        };
+        const CString v = L"v";
+        WINDOWPLACEMENT placement{};
+        placement.length = 5;
+        DWORD size = 77;
+        tell([&](CString& t) { t.Format(L"%x/%d", m_helper.GetDwordValue(v), m_helper.GetBoolValue(v)); });
+        tell([&](CString& t) { t.Format(L"%I64x", m_helper.GetInt64Value(v)); });
+        const bool isPlaced = tell([&](CString& t) {
+            m_helper.GetPlacementValue(v, placement);
+            t.Format(L"%x/%x", placement.length, placement.rcNormalPosition.bottom);
+        });
+        const bool hasBytes = tell([&](CString& t) {
+            const auto bytes = m_helper.GetBinaryValue(v, &size);
+            t.Format(L"%x/%x", size, bytes ? bytes[size - 1] : -1);
+        });
+        EXPECT_TRUE((isPlaced || placement.length == 5) && (hasBytes || size == 0));
+        tell([&](CString& t) {
+            t = m_helper.GetStringValue(v);
+            if (t.GetLength() < 40)
+                t = L"'" + t + L"'";
+            else
+                t.Format(L"%x", t.GetLength());
+        });
+        return all;
     }
     std::string SubKeysWhile(void (*meanwhile)(HKEY, DWORD)) {
         const ImportPatch<decltype(&RegEnumKeyExW)> patch(GetModuleHandleW(nullptr), "RegEnumKeyExW", EnumerateAfter);
@@ -76,16 +80,14 @@ protected:
         CStringList names;
         names.AddTail(L"old");
         m_helper.EnumSubKeys(names);
-        std::wstring text;
-        for (POSITION place = names.GetHeadPosition(); place;) text += std::wstring(names.GetNext(place)) + L",";
-        return Narrow(text);
+        std::string text;
+        for (POSITION place = names.GetHeadPosition(); place;) text += Narrow(names.GetNext(place).GetString()) + ",";
+        return text;
     }
 
     ScopedRegistryKey m_key;
     CRegistryHelper m_helper;
 };
-
-using namespace std::string_literals;
 
 }  // namespace
 
@@ -126,27 +128,23 @@ TEST_F(RegistryValue, EachReaderTakesOneTypeAndNoMoreBytesThanItHasRoomFor) {
         EXPECT_EQ(ReadAll(), c.told);
     }
     EXPECT_TRUE(m_helper.ValueExists(L"V"));
-    RegDeleteValueW(m_key.Key(), L"v");
+    m_key.Remove(L"v");
     EXPECT_EQ(ReadAll(), "!2 !2 !2 !2 '' ");
     EXPECT_FALSE(m_helper.ValueExists(L"v"));
-}
-
-TEST_F(RegistryValue, AFailureLeavesWhatTheCallerHas) {
-    WINDOWPLACEMENT placement{};
-    placement.length = 5;
-    DWORD size = 77;
-    Set(REG_BINARY, std::string(45, 'x'));
-    EXPECT_EQ(StatusThrownBy([&] { m_helper.GetPlacementValue(L"v", placement); }), DWORD{ERROR_MORE_DATA});
-    EXPECT_EQ(placement.length, 5u);
-    EXPECT_EQ(StatusThrownBy([&] { m_helper.GetBinaryValue(L"no", &size); }), 2u);
-    EXPECT_EQ(size, 0u) << "but for the size";
-    CString name = L"kept";
-    DWORD type = 0;
-    EXPECT_EQ(StatusThrownBy([&] { m_helper.EnumValue(0, 0, name, type); }), 0xDu);
-    EXPECT_EQ(StatusThrownBy([&] { m_helper.EnumValue(1, 4, name, type); }), DWORD{ERROR_NO_MORE_ITEMS});
-    m_key.SetText(L"", L"name", L"x");
-    EXPECT_EQ(StatusThrownBy([&] { m_helper.EnumValue(0, 3, name, type); }), DWORD{ERROR_MORE_DATA});
-    EXPECT_EQ(name, L"kept");
+    // What is written is read, and not read as another type.
+    m_helper.SetBoolValue(L"v", true);
+    EXPECT_EQ(ReadAll(), "1/1 !70c !70c !70c !70c ");
+    m_helper.SetBoolValue(L"v", false);
+    EXPECT_EQ(ReadAll(), "0/0 !70c !70c !70c !70c ");
+    m_helper.SetInt64Value(L"v", 0x0102030405060708);
+    EXPECT_EQ(ReadAll(), "!70c 102030405060708 5060708/0 8/1 !70c ");
+    WINDOWPLACEMENT window{};
+    window.rcNormalPosition.bottom = 0x01020304;
+    m_helper.SetPlacementValue(L"v", window);
+    EXPECT_EQ(ReadAll(), "!70c !ea 0/1020304 2c/1 !70c ");
+    EXPECT_EQ(m_helper.SetStringValue(L"v", L"ab"), ERROR_SUCCESS);
+    EXPECT_EQ(m_helper.SetStringValue(L"v", nullptr), 13);
+    EXPECT_EQ(ReadAll(), "!70c !70c !70c !70c 'ab' ");
 }
 
 TEST_F(RegistryValue, ChangesUnderTheReaderAreAFailureOrReadAsTheyAreThen) {
@@ -155,57 +153,40 @@ TEST_F(RegistryValue, ChangesUnderTheReaderAreAFailureOrReadAsTheyAreThen) {
         RegSetValueExW(key, L"v", 0, REG_SZ, reinterpret_cast<const BYTE*>(L"four!"), 8);
     };
     Set(REG_SZ, "x");
-    EXPECT_EQ(Told([&] { return m_helper.GetStringValue(L"v"); }), "!ea ");
+    EXPECT_EQ(StatusThrownBy([&] { m_helper.GetStringValue(L"v"); }), DWORD{ERROR_MORE_DATA});
     Set(REG_SZ, kMegabyte);
-    EXPECT_EQ(Told([&] { return m_helper.GetStringValue(L"v"); }), "four ");
-    DWORD size = 77;
+    EXPECT_EQ(m_helper.GetStringValue(L"v"), L"four");
     Set(REG_BINARY, "x");
-    EXPECT_EQ(StatusThrownBy([&] { m_helper.GetBinaryValue(L"v", &size); }), DWORD{ERROR_MORE_DATA});
-    EXPECT_EQ(size, 0u);
+    EXPECT_EQ(ReadAll(), "!70c !70c 78/0 !ea 'four' ");
     Set(REG_BINARY, kMegabyte);
-    const auto bytes = m_helper.GetBinaryValue(L"v", &size);
-    EXPECT_EQ(size, 8u);
-    EXPECT_EQ(bytes[8], 0);
-}
-
-TEST_F(RegistryValue, WritersWriteWhatTheReadersWant) {
-    m_helper.SetBoolValue(L"v", true);
-    EXPECT_EQ(ReadAll(), "1/1 !70c !70c !70c !70c ");
-    m_helper.SetBoolValue(L"v", false);
-    EXPECT_EQ(ReadAll(), "0/0 !70c !70c !70c !70c ");
-    m_helper.SetInt64Value(L"v", 0x0102030405060708);
-    EXPECT_EQ(ReadAll(), "!70c 102030405060708 5060708/0 8/1 !70c ");
-    WINDOWPLACEMENT placement{};
-    placement.rcNormalPosition.bottom = 0x01020304;
-    m_helper.SetPlacementValue(L"v", placement);
-    EXPECT_EQ(ReadAll(), "!70c !ea 0/1020304 2c/1 !70c ");
-    EXPECT_EQ(m_helper.SetStringValue(L"v", L"ab"), ERROR_SUCCESS);
-    EXPECT_EQ(m_helper.SetStringValue(L"v", nullptr), 13);
-    EXPECT_EQ(ReadAll(), "!70c !70c !70c !70c 'ab' ");
+    EXPECT_EQ(ReadAll(), "!70c !ea !ea 8/0 'four' ");
 }
 
 TEST_F(RegistryValue, NamesAreListedAsFarAsTheyAreThere) {
     const std::wstring longest(16383, L'n');
-    EXPECT_EQ(SubKeysWhile(nullptr), "");
-    for (const LPCWSTR name : {L"d", L"c", L"b", L"a"}) m_key.AddKey(name);
+    DWORD count = 0, longestName = 0, longestData = 0, type = 0;
+    CString name = L"kept";
+    const auto valueAt = [&](DWORD index, DWORD most) {
+        return StatusThrownBy([&] { m_helper.EnumValue(index, most, name, type); });
+    };
+    EXPECT_EQ(SubKeysWhile(s_meanwhile), "");
+    for (const LPCWSTR key : {L"d", L"c", L"b", L"a"}) m_key.AddKey(key);
     m_key.AddKey(std::wstring(255, L'n'));
-    m_key.SetText(L"", L"", L"12345");
-    m_key.SetText(L"", longest, L"x", REG_EXPAND_SZ);
-    DWORD count = 0;
-    DWORD longestName = 0;
-    DWORD longestData = 0;
+    m_key.SetText(L"", L"12345");
+    m_key.SetText(longest, L"x", REG_EXPAND_SZ);
+    EXPECT_EQ(valueAt(0, 0), 0xDu);
+    EXPECT_EQ(valueAt(1, 3), DWORD{ERROR_MORE_DATA});
+    EXPECT_EQ(valueAt(2, 4), DWORD{ERROR_NO_MORE_ITEMS});
+    EXPECT_EQ(name, L"kept");
     m_helper.GetSubKeyInfo(count, longestName);
     EXPECT_EQ(std::pair(count, longestName), std::pair(DWORD{5}, DWORD{255}));
     m_helper.GetValueInfo(count, longestName, longestData);
-    EXPECT_EQ(std::pair(count, longestName), std::pair(DWORD{2}, DWORD{16383}));
-    EXPECT_EQ(longestData, 12u);
-    CString name;
-    DWORD type = 0;
-    m_helper.EnumValue(1, longestName, name, type);
+    EXPECT_EQ(std::tuple(count, longestName, longestData), std::tuple(DWORD{2}, DWORD{16383}, DWORD{12}));
+    EXPECT_EQ(valueAt(1, longestName), 0u);
     EXPECT_EQ(std::pair(std::wstring(name), type), std::pair(longest, DWORD{REG_EXPAND_SZ}));
-    m_helper.EnumValue(0, longestName, name, type);
+    EXPECT_EQ(valueAt(0, longestName), 0u);
     EXPECT_EQ(std::pair(std::wstring(name), type), std::pair(std::wstring(), DWORD{REG_SZ}));
-    EXPECT_EQ(SubKeysWhile(nullptr), "a,b,c,d," + std::string(255, 'n') + ",");
+    EXPECT_EQ(SubKeysWhile([](HKEY, DWORD) {}), "a,b,c,d," + std::string(255, 'n') + ",");
     RegDeleteKeyW(m_key.Key(), std::wstring(255, L'n').c_str());
     EXPECT_EQ(SubKeysWhile([](HKEY key, DWORD index) { index == 1 ? RegDeleteKeyW(key, L"d") : 0; }), "a,b,c,");
     EXPECT_EQ(SubKeysWhile([](HKEY key, DWORD index) { index == 1 ? RegDeleteKeyW(key, L"a") : 0; }), "a,c,")
