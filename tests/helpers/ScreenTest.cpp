@@ -1,4 +1,6 @@
 // Cursors, the size of texts, fonts.
+#include <array>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <tuple>
 
@@ -20,11 +22,7 @@ LOGFONTW Describe(LONG height, LONG weight, bool italic, LPCWSTR face = L"Courie
 void ExpectFont(HGDIOBJ font, const LOGFONTW& expected) {
     LOGFONTW made{};
     GetObjectW(font, sizeof(made), &made);
-    EXPECT_STREQ(made.lfFaceName, expected.lfFaceName);
-    EXPECT_EQ(made.lfHeight, expected.lfHeight);
-    EXPECT_EQ(made.lfWeight, expected.lfWeight);
-    EXPECT_EQ(made.lfItalic != 0, expected.lfItalic != 0);
-    EXPECT_EQ(made.lfPitchAndFamily, 0x22);
+    EXPECT_EQ(std::memcmp(&made, &expected, sizeof(made)), 0) << expected.lfFaceName << expected.lfHeight;
 }
 
 // The height of the icon title font that the system tells; nothing when it is the failing one.
@@ -67,29 +65,24 @@ TEST(CursorHelper, RemembersTheCursorBefore) {
 }
 
 TEST(Fonts, TheInterfacesFaceFollowsTheVersion) {
-    EXPECT_IN_FRESH_PROCESS([] {
-        const FakeVersion version(6, 0);
+    const auto expect = [](bool italic, bool bold, LPCWSTR face) {
         CFont font;
-        EXPECT_TRUE(CreateUiFont(font, true, false, -17));
-        ExpectFont(font, Describe(-17, 400, true, L"MS Shell Dlg 2"));
+        EXPECT_TRUE(CreateUiFont(font, italic, bold, -17));
+        ExpectFont(font, Describe(-17, bold ? FW_BOLD : FW_NORMAL, italic, face));
+    };
+    EXPECT_IN_FRESH_PROCESS([&] {
+        const FakeVersion version(6, 0);
+        expect(true, false, L"MS Shell Dlg 2");
     });
-    CFont font;
-    EXPECT_TRUE(CreateUiFont(font, false, true, -17));
-    ExpectFont(font, Describe(-17, 700, false, L"Segoe UI"));
+    expect(false, true, L"Segoe UI");
 }
 
 TEST(Fonts, ADeltaMakesTheIconTitleFontLargerOnBothSidesOfZero) {
     const ImportPatch<decltype(&SystemParametersInfoW)> patch(GetModuleHandleW(nullptr), "SystemParametersInfoW",
                                                               TellIconFont);
-    const LONG cases[][3] = {{-12, 2, -14},
-                             {12, 2, 14},
-                             {-12, -2, -10},
-                             {12, -2, 10},
-                             {0, 2, 0},
-                             {-12, 0, -12},
-                             {-12, LONG_MAX, LONG_MIN},
-                             {12, LONG_MAX, LONG_MAX}};
-    for (const auto& [height, delta, expected] : cases) {
+    using Row = std::array<LONG, 3>;
+    for (const auto& [height, delta, expected] : {Row{-12, 2, -14}, Row{12, 2, 14}, Row{-12, -2, -10}, Row{0, 2, 0},
+                                                  Row{-12, LONG_MAX, LONG_MIN}, Row{12, LONG_MAX, LONG_MAX}}) {
         s_height = height;
         CFont font;
         CreateSystemFont(&font, delta, delta > 0, delta < 0);
@@ -127,16 +120,15 @@ TEST(Fonts, AWindowAndItsDirectChildrenGetAFont) {
     const auto addChild = [](HWND parent) {
         return CreateWindowW(L"BUTTON", L"", WS_CHILD, 0, 0, 9, 9, parent, nullptr, nullptr, nullptr);
     };
-    const HWND child = addChild(frame);
+    const HWND child = addChild(frame), second = addChild(frame), below = addChild(child);
     CFont font;
     CreateUiFont(font, false, false, -12);
-    const auto handle = reinterpret_cast<LRESULT>(HFONT{font});
-    const std::pair<HWND, LRESULT> windows[] = {
-        {frame, handle}, {child, handle}, {addChild(frame), handle}, {addChild(child), 0}};
     ApplyFontToChildren(nullptr, &frame);
     ApplyFontToChildren(&font, nullptr);
     ApplyFontToChildren(&font, &frame);
-    for (const auto& [window, expected] : windows) EXPECT_EQ(SendMessageW(window, WM_GETFONT, 0, 0), expected);
+    for (const HWND window : {HWND{frame}, child, second, below}) {
+        EXPECT_EQ(SendMessageW(window, WM_GETFONT, 0, 0), window == below ? 0 : reinterpret_cast<LRESULT>(HFONT{font}));
+    }
 }
 
 }  // namespace

@@ -1,18 +1,19 @@
-// Texts as Windows compares, converts and makes them.
+// Texts and numbers as Windows compares, converts and formats them.
 #include <array>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <string>
 
 #include "helpers/Encodings.h"
+#include "helpers/NumberFormat.h"
 #include "helpers/ParseText.h"
 #include "helpers/SystemText.h"
 #include "helpers/TextCompare.h"
+#include "support/FreshProcess.h"
 #include "support/ImportPatch.h"
 #include "support/Narrow.h"
 
 namespace {
-
-using Ints = std::vector<int>;
 
 template <class Character>
 std::string Bytes(const Character* text, int length) {
@@ -30,12 +31,6 @@ std::string Utf8(const CString& text, bool padded = false) {
 std::string Packed(const CString& text) {
     const CString packed = Utf8PackedInWide(text);
     return Bytes(packed.GetString(), packed.GetLength());
-}
-
-Ints Places(LPCWSTR needle, const Ints& starts) {
-    Ints places;
-    for (const int start : starts) places.push_back(FindText(L"banana", needle, start, false));
-    return places;
 }
 
 // What CompareStringW was asked last: locale, flags and lengths.
@@ -139,10 +134,10 @@ TEST(TextCompare, AsksTheSystemForTheLocaleThatIsMeant) {
 }
 
 TEST(TextCompare, FindsFromTheStartOnAndReplacesWithoutScanningWhatWasPutIn) {
-    EXPECT_EQ(Places(L"an", {0, 2, 4, -1, 2147483647}), (Ints{1, 3, -1, -1, -1}));
-    EXPECT_EQ(Places(L"a", {5, 6}), (Ints{5, -1}));
-    EXPECT_EQ(Places(L"", {0, 6, 7}), (Ints{0, 0, -1}));
-    EXPECT_EQ(Places(L"banana", {0, 1}), (Ints{0, -1}));
+    const std::tuple<LPCWSTR, int, int> places[] = {
+        {L"an", 0, 1}, {L"an", 2, 3}, {L"an", 4, -1}, {L"an", -1, -1}, {L"an", 2147483647, -1}, {L"a", 5, 5},
+        {L"a", 6, -1}, {L"", 0, 0},   {L"", 6, 0},    {L"", 7, -1},    {L"banana", 0, 0},       {L"banana", 1, -1}};
+    for (const auto& [needle, start, place] : places) EXPECT_EQ(FindText(L"banana", needle, start, false), place);
     const struct {
         LPCWSTR text, oldText, newText;
         int start;
@@ -160,6 +155,77 @@ TEST(TextCompare, FindsFromTheStartOnAndReplacesWithoutScanningWhatWasPutIn) {
         EXPECT_EQ(ReplaceText(text, oldText, newText, start, ignoreCase), count) << Narrow(before);
         EXPECT_EQ(text, result);
     }
+}
+
+struct Locale {
+    std::wstring decimal, thousand, grouping;
+    DWORD negativeOrder = 1, leadingZero = 1;
+};
+Locale s_locale;
+
+int WINAPI TellLocale(LCID locale, LCTYPE item, LPWSTR buffer, int size) {
+    EXPECT_EQ(locale, DWORD{LOCALE_SYSTEM_DEFAULT});
+    if ((item & LOCALE_RETURN_NUMBER) != 0) {
+        const bool isZero = (item & 0xFFFF) == LOCALE_ILZERO;
+        std::memcpy(buffer, isZero ? &s_locale.leadingZero : &s_locale.negativeOrder, sizeof(DWORD));
+        return sizeof(DWORD) / sizeof(WCHAR);
+    }
+    const std::wstring& other = item == LOCALE_SDECIMAL ? s_locale.decimal : s_locale.thousand;
+    const std::wstring& text = item == LOCALE_SGROUPING ? s_locale.grouping : other;
+    if (size > 0) std::wcscpy(buffer, text.c_str());
+    return static_cast<int>(text.size()) + 1;
+}
+
+using Texts = std::vector<CString>;
+
+// The locale is read once for a process, so each one needs a process of its own, and a later change shows nowhere.
+template <class Format>
+void ExpectUnder(const Locale& locale, Format format, const Texts& expected) {
+    EXPECT_IN_FRESH_PROCESS([&] {
+        const ImportPatch<decltype(&GetLocaleInfoW)> patch(GetModuleHandleW(nullptr), "GetLocaleInfoW", TellLocale);
+        for (const Locale& told : {locale, Locale{L"!", L"!", L"9;0"}}) {
+            s_locale = told;
+            EXPECT_EQ(format(), expected);
+        }
+    });
+}
+
+TEST(NumberFormat, GroupsSeparatorsAndSignsAreTheSystemsLocales) {
+    // There is no order 5: what Windows does not format comes back plain.
+    const std::pair<Locale, Texts> rows[] = {
+        {{L".", L",", L"3;0", 0}, {L"123,456,789", L"(1,234)", L"0.50"}},
+        {{L",", L".", L"3", 2}, {L"123456.789", L"- 1.234", L"0,50"}},
+        {{L".", L",", L"", 3}, {L"123456789", L"1234-", L"0.50"}},
+        {{L".", L",", L"3;0", 4, 0}, {L"123,456,789", L"1,234 -", L".50"}},
+        {{L".", L",", L"3;0", 5}, {L"123,456,789", L"-1234", L"0.50"}},
+        {{L"###", L"\u202F", L"3;2;0", 1, 0}, {L"12\u202F34\u202F56\u202F789", L"-1\u202F234", L"###50"}}};
+    for (const auto& [locale, texts] : rows) {
+        ExpectUnder(
+            locale,
+            [] {
+                return Texts{FormatUnsigned(123456789), FormatSigned(-1234), FormatDecimal(0.5)};
+            },
+            texts);
+    }
+}
+
+TEST(NumberFormat, ASizeOfExactlyAUnitStaysInTheSmallerOne) {
+    CString plain;
+    plain.Format(L"%.2f", 1e200);  // longer than Windows formats
+    const auto format = [] {
+        Texts texts{FormatUnsigned(MAXULONGLONG), FormatSigned(MINLONGLONG), FormatDecimal(1e200),
+                    FormatByteSize(nullptr)};
+        for (const LONGLONG bytes : {0LL, 1024LL, 1025LL, 1LL << 20, (1LL << 20) + 1, 1LL << 30, MAXLONGLONG, -1LL}) {
+            LARGE_INTEGER size;
+            size.QuadPart = bytes;
+            texts.push_back(FormatByteSize(&size));
+        }
+        return texts;
+    };
+    ExpectUnder({L".", L",", L"3;0"}, format,
+                {L"18,446,744,073,709,551,615", L"-9,223,372,036,854,775,808", plain, L"0 Bytes", L"0.00 Bytes",
+                 L"1,024.00 Bytes", L"1.00 KB", L"1,024.00 KB", L"1.00 MB", L"1,024.00 MB", L"8,589,934,592.00 GB",
+                 L"-1.00 Bytes"});
 }
 
 }  // namespace
