@@ -2,7 +2,6 @@
 
 #include <functional>
 #include <gtest/gtest.h>
-#include <io.h>
 
 #include "files/FileFindEx.h"
 #include "files/NotedCall.h"
@@ -13,48 +12,23 @@
 
 namespace {
 
-struct Opening {
-    DWORD access = 0, share = 0, disposition = 0, flags = 0;
-    bool operator==(const Opening&) const = default;
-};
-Opening s_opening;
-
 // Stands in for every call that the wrappers forward to.
 struct SeenCalls {
     NotedCall attributes{&::GetFileAttributesW, "GetFileAttributesW", 1};
     NotedCall attributesEx{&::GetFileAttributesExW, "GetFileAttributesExW", TRUE};
     NotedCall setAttributes{&::SetFileAttributesW, "SetFileAttributesW", TRUE};
+    NotedCall create{&::CreateFileW, "CreateFileW", INVALID_HANDLE_VALUE};
     NotedCall copy{&::CopyFileW, "CopyFileW", TRUE};
+    NotedCall move{&::MoveFileExW, "MoveFileExW", TRUE};
     NotedCall remove{&::DeleteFileW, "DeleteFileW", TRUE};
     NotedCall link{&::CreateHardLinkW, "CreateHardLinkW", TRUE};
     NotedCall shell{&::SHGetFileInfoW, "SHGetFileInfoW", 1};
+    NotedCall directory{&::CreateDirectoryW, "CreateDirectoryW", TRUE};
     NotedCall removeDirectory{&::RemoveDirectoryW, "RemoveDirectoryW", TRUE};
-    ImportPatch<decltype(&::CreateFileW)> create{
-        GetModuleHandleW(nullptr), "CreateFileW",
-        [](LPCWSTR path, DWORD access, DWORD share, SECURITY_ATTRIBUTES*, DWORD disposition, DWORD flags, HANDLE) {
-            s_notedPaths.emplace_back(path);
-            s_opening = {access, share, disposition, flags};
-            return INVALID_HANDLE_VALUE;
-        }};
-    ImportPatch<decltype(&::MoveFileExW)> move{GetModuleHandleW(nullptr), "MoveFileExW",
-                                               [](LPCWSTR from, LPCWSTR to, DWORD flags) {
-                                                   EXPECT_EQ(flags, 3u);
-                                                   s_notedPaths.insert(s_notedPaths.end(), {from, to});
-                                                   return TRUE;
-                                               }};
-    // The search for the installed system's drive asks by the same call.
-    ImportPatch<decltype(&::_waccess)> existence{
-        GetModuleHandleW(nullptr), "_waccess", [](const wchar_t* path, int mode) {
-            if (std::wstring_view(path).ends_with(L"\\config\\SOFTWARE"))
-                return SystemFunction(&_waccess, L"msvcrt.dll", "_waccess")(path, mode);
-            EXPECT_EQ(mode, 0);
-            s_notedPaths.emplace_back(path);
-            return 0;
-        }};
 };
 
-constexpr Opening kAny{}, kAsked{GENERIC_READ, FILE_SHARE_WRITE, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS};
-constexpr Opening kMade{GENERIC_READ, FILE_SHARE_READ, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL};
+const Numbers kAsked{GENERIC_READ, FILE_SHARE_WRITE, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS};
+const Numbers kMade{GENERIC_READ, FILE_SHARE_READ, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL};
 FILETIME s_time;
 LARGE_INTEGER s_size;
 SHFILEINFOW s_shellInfo;
@@ -66,26 +40,24 @@ CString Second(const CString& path) {
 }
 
 const struct {
-    const char* name;
     std::function<void(const CString&)> call;
     bool offlineRule;
     size_t paths;
-    Opening opening = kAny;
+    Numbers numbers;
 } kWrappers[] = {
-    {"GetFileAttributes", [](auto& p) { LongPath::GetFileAttributes(p); }, true, 1},
-    {"GetFileAttributesEx", [](auto& p) { LongPath::GetFileAttributesEx(p, {}, nullptr); }, true, 1},
-    {"SetFileAttributes", [](auto& p) { LongPath::SetFileAttributes(p, 0); }, true, 1},
-    {"CreateFile", [](auto& p) { LongPath::CreateFile(p, 1, 2, nullptr, 3, 4); }, true, 1, {1, 2, 3, 4}},
-    {"CopyFile", [](auto& p) { LongPath::CopyFile(p, Second(p), true); }, true, 2},
-    {"MoveFile", [](auto& p) { LongPath::MoveFile(p, Second(p)); }, true, 2},
-    {"FileAccess", [](auto& p) { LongPath::FileAccess(p); }, true, 1},
-    {"DeleteFile", [](auto& p) { LongPath::DeleteFile(p); }, false, 1},
-    {"CreateHardLink", [](auto& p) { LongPath::CreateHardLink(p, Second(p), nullptr); }, false, 2},
-    {"GetFileTime", [](auto& p) { LongPath::GetFileTime(p, &s_time, &s_time, &s_time); }, true, 1, kAsked},
-    {"SetFileTime", [](auto& p) { LongPath::SetFileTime(p, &s_time, &s_time, &s_time); }, true, 1, kAsked},
-    {"GetFileSize", [](auto& p) { LongPath::GetFileSize(p, s_size); }, true, 1, kAsked},
-    {"GetFileInformation", [](auto& p) { LongPath::GetFileInformation(p, s_info); }, true, 1, kMade},
-    {"DeleteDirectory", [](auto& p) { CPathHelper::DeleteDirectory(p, false); }, false, 1},
+    {[](auto& p) { LongPath::GetFileAttributes(p); }, true, 1, {}},
+    {[](auto& p) { LongPath::GetFileAttributesEx(p, GetFileExInfoStandard, nullptr); }, true, 1, {0}},
+    {[](auto& p) { LongPath::SetFileAttributes(p, 7); }, true, 1, {7}},
+    {[](auto& p) { LongPath::CreateFile(p, 1, 2, nullptr, 3, 4); }, true, 1, {1, 2, 3, 4}},
+    {[](auto& p) { LongPath::CopyFile(p, Second(p), true); }, true, 2, {TRUE}},
+    {[](auto& p) { LongPath::MoveFile(p, Second(p)); }, true, 2, {3}},
+    {[](auto& p) { LongPath::DeleteFile(p); }, false, 1, {}},
+    {[](auto& p) { LongPath::CreateHardLink(p, Second(p), nullptr); }, false, 2, {}},
+    {[](auto& p) { LongPath::GetFileTime(p, &s_time, &s_time, &s_time); }, true, 1, kAsked},
+    {[](auto& p) { LongPath::SetFileTime(p, &s_time, &s_time, &s_time); }, true, 1, kAsked},
+    {[](auto& p) { LongPath::GetFileSize(p, s_size); }, true, 1, kAsked},
+    {[](auto& p) { LongPath::GetFileInformation(p, s_info); }, true, 1, kMade},
+    {[](auto& p) { CPathHelper::DeleteDirectory(p, false); }, false, 1, {}},
 };
 
 std::wstring LongName(const std::wstring& start, size_t length = 248) {
@@ -93,16 +65,15 @@ std::wstring LongName(const std::wstring& start, size_t length = 248) {
 }
 
 void ExpectSystemPaths(const std::wstring& given, const std::wstring& rewritten, const std::wstring& kept) {
+    TakeNumbers();
     for (const auto& wrapper : kWrappers) {
-        SCOPED_TRACE(wrapper.name);
-        s_opening = {};
-        s_notedPaths.clear();
+        SCOPED_TRACE(&wrapper - kWrappers);
         wrapper.call(given.c_str());
         const std::wstring& expected = wrapper.offlineRule ? rewritten : kept;
         Paths paths{expected};
         if (wrapper.paths == 2) paths.emplace_back(Second(expected.c_str()).GetString());
         EXPECT_EQ(TakePaths(), paths);
-        EXPECT_EQ(s_opening, wrapper.opening);
+        EXPECT_EQ(TakeNumbers(), wrapper.numbers);
     }
 }
 
@@ -122,28 +93,29 @@ TEST(LongPathFile, ThePrefixComesFromTwoHundredAndFortyEightCharactersOn) {
 
 TEST(LongPathFile, APathWithAZeroInsideReachesNoCall) {
     const SeenCalls calls;
-    const NotedCall move(&::CreateDirectoryW, "CreateDirectoryW", TRUE);
     const CString cut(L"C:\\a\0b", 6), whole = L"C:\\a";
-    const auto refuse = [&](const char* name, const std::function<bool()>& call) {
-        SetLastError(ERROR_SUCCESS);
-        EXPECT_FALSE(call()) << name;
-        EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_NAME}) << name;
-        EXPECT_EQ(TakePaths(), Paths()) << name;
-    };
-    for (const auto& wrapper : kWrappers) refuse(wrapper.name, [&] { return wrapper.call(cut), false; });
-    refuse("attributes", [&] { return LongPath::GetFileAttributes(cut) != INVALID_FILE_ATTRIBUTES; });
-    refuse("access", [&] { return LongPath::FileAccess(cut) == 0; });
-    refuse("handle", [&] { return LongPath::CreateFile(cut, 0, 0, nullptr, 0, 0) != INVALID_HANDLE_VALUE; });
-    refuse("shell", [&] { return LongPath::GetShellFileInfo(cut, 0, s_shellInfo, sizeof(s_shellInfo), 0) != 0; });
-    refuse("replace", [&] { return LongPath::ReplaceFile(whole, cut) || LongPath::ReplaceFile(cut, whole); });
-    refuse("target", [&] { return LongPath::CopyFile(whole, cut, true) || LongPath::MoveFile(whole, cut); });
-    refuse("link", [&] { return LongPath::CreateHardLink(whole, cut, nullptr); });
-    refuse("existence", [&] { return CPathHelper::FileExists(cut) || CPathHelper::DirectoryExists(cut); });
-    refuse("root", [&] { return CPathHelper::IsSameRoot(cut, cut) || CPathHelper::IsSameRoot(whole, cut); });
-    refuse("tree", [&] { return CPathHelper::CreateDirectoryTree(cut) || CPathHelper::DeleteDirectory(cut, true); });
-    refuse("search", [&] { return CFileFindEx().FindFile(cut) != FALSE; });
+    std::vector<std::function<bool()>> refused{
+        [&] { return LongPath::GetFileAttributes(cut) != INVALID_FILE_ATTRIBUTES; },
+        [&] { return LongPath::FileAccess(cut) == 0; },
+        [&] { return LongPath::CreateFile(cut, 0, 0, nullptr, 0, 0) != INVALID_HANDLE_VALUE; },
+        [&] { return LongPath::GetShellFileInfo(cut, 0, s_shellInfo, sizeof(s_shellInfo), 0) != 0; },
+        [&] { return LongPath::ReplaceFile(whole, cut) || LongPath::ReplaceFile(cut, whole); },
+        [&] { return LongPath::CopyFile(whole, cut, true) || LongPath::MoveFile(whole, cut); },
+        [&] { return LongPath::CreateHardLink(whole, cut, nullptr); },
+        [&] { return CPathHelper::FileExists(cut) || CPathHelper::DirectoryExists(cut); },
+        [&] { return CPathHelper::IsSameRoot(cut, cut) || CPathHelper::IsSameRoot(whole, cut); },
+        [&] { return CPathHelper::CreateDirectoryTree(cut) || CPathHelper::DeleteDirectory(cut, true); },
+        [&] { return CFileFindEx().FindFile(cut) != FALSE; }};
+    for (const auto& wrapper : kWrappers) refused.emplace_back([&] { return wrapper.call(cut), false; });
     for (const auto call : {CPathHelper::GetShortPath, CPathHelper::GetLongPath})
-        refuse("name", [&] { return CauseOf([&] { call(cut); }) != CFileException::genericException; });
+        refused.emplace_back([=] { return CauseOf([&] { call(cut); }) != CFileException::genericException; });
+    for (const auto& call : refused) {
+        SCOPED_TRACE(&call - refused.data());
+        SetLastError(ERROR_SUCCESS);
+        EXPECT_FALSE(call());
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_NAME});
+        EXPECT_EQ(TakePaths(), Paths());
+    }
 }
 
 // One machine that asks everything about drive C: wrappers, search, names.
@@ -169,22 +141,17 @@ TEST(LongPathFile, DriveCIsTheInstalledSystemsOnAPreinstallationBoot) {
         EXPECT_EQ(TakePaths(), Paths{L"C:\\a"}) << "the shell is asked about the path as given";
     }
     CFileFindEx search;
-    const std::pair<LPCWSTR, LPCWSTR> found[] = {
-        {L"C:\\Windows\\System32\\config\\*E", L"C:\\Windows\\System32\\config\\SOFTWARE"},
-        {L"D:\\Windows\\System32\\config\\*E", L"C:\\Windows\\System32\\config\\SOFTWARE"},
-        {L"d:\\Windows\\System32\\config\\*E", L"C:\\Windows\\System32\\config\\SOFTWARE"},
-        {L"\\\\?\\C:\\Windows\\System32\\config\\*E", L"C:\\Windows\\System32\\config\\SOFTWARE"},
-        {L"c:\\Windows\\System32\\config\\*E", L"c:\\Windows\\System32\\config\\SOFTWARE"}};
-    for (const auto& [pattern, path] : found) {
-        ASSERT_TRUE(search.FindFile(pattern)) << testing::PrintToString(std::wstring(pattern));
+    const CString hive = L"C:\\Windows\\System32\\config\\SOFTWARE";
+    for (const CString start : {L"C", L"D", L"d", L"\\\\?\\C", L"c"}) {
+        ASSERT_TRUE(search.FindFile(start + L":\\Windows\\System32\\config\\*E"));
         search.FindNextFile();
-        EXPECT_EQ(search.GetFilePath(), path);
+        EXPECT_EQ(search.GetFilePath(), (start == L"c" ? L"c" : L"C") + hive.Mid(1));
     }
     for (const LPCWSTR pattern : {L"d:\\Windows\\*", L"D:\\Windows\\*"}) {
         EXPECT_TRUE(search.FindFile(pattern));
         EXPECT_EQ(search.GetRoot(), L"C:\\Windows\\");
     }
-    EXPECT_TRUE(CPathHelper::FileExists(L"C:\\Windows\\System32\\config\\SOFTWARE"));
+    EXPECT_TRUE(CPathHelper::FileExists(hive) && LongPath::FileAccess(hive) == 0);
     EXPECT_EQ(CPathHelper::GetLongPath(L"c:\\Windows\\System32"), L"C:\\Windows\\System32");
     EXPECT_EQ(CPathHelper::GetLongPath(L"D:\\Windows\\System32"), L"D:\\Windows\\System32");
     EXPECT_EQ(CPathHelper::GetLongPath(L"c:"), L"C:\\");

@@ -2,95 +2,66 @@
 
 #include <atlbase.h>
 #include <gtest/gtest.h>
-#include <vector>
 
+#include "files/NotedCall.h"
 #include "files/WriteRate.h"
 #include "support/FileBytes.h"
-#include "support/ImportPatch.h"
 #include "support/LogCapture.h"
 #include "support/ScopedTestDir.h"
 
 namespace {
 
-struct Opening {
-    DWORD access = 0, share = 0, disposition = 0, attributes = 0;
-    bool isInherited = true;
-    bool operator==(const Opening&) const = default;
-};
-Opening s_opening;
-std::wstring s_openedPath;
 HANDLE s_transaction = nullptr;
 
-HANDLE WINAPI NoteOpening(LPCWSTR path, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security, DWORD disposition,
-                          DWORD attributes, HANDLE) {
-    s_openedPath = path;
-    s_opening = {access, share, disposition, attributes, security->bInheritHandle != FALSE};
-    SetLastError(ERROR_SHARING_VIOLATION);
-    return security->nLength == 24 ? INVALID_HANDLE_VALUE : nullptr;
-}
-
-HANDLE WINAPI NoteTransacted(LPCWSTR path, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security, DWORD disposition,
-                             DWORD attributes, HANDLE origin, HANDLE transaction, PUSHORT, PVOID) {
+HANDLE WINAPI CreateTransacted(LPCWSTR path, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security,
+                               DWORD disposition, DWORD attributes, HANDLE, HANDLE transaction, PUSHORT, PVOID) {
     s_transaction = transaction;
-    return NoteOpening(path, access, share, security, disposition, attributes, origin);
+    return CreateFileW(path, access, share, security, disposition, attributes, nullptr);
 }
 
-class TransactedFile : public CVlpFile {
-public:
-    TransactedFile(HANDLE transaction, BOOL fallback) : m_manager(transaction, fallback) { m_pTM = &m_manager; }
-
-private:
-    struct Manager : CAtlTransactionManager {
-        Manager(HANDLE transaction, BOOL fallback) : CAtlTransactionManager(fallback, FALSE) {
-            m_hTransaction = transaction;
-        }
-    } m_manager;
+struct TransactedFile : CAtlTransactionManager, CVlpFile {
+    TransactedFile(HANDLE transaction, BOOL fallback) : CAtlTransactionManager(fallback, FALSE) {
+        m_hTransaction = transaction;
+        m_pTM = this;
+    }
 };
 
 }  // namespace
 
 TEST(VlpFile, EveryFlagReachesTheSystem) {
-    const ImportPatch<decltype(&CreateFileW)> patch(GetModuleHandleW(nullptr), "CreateFileW", NoteOpening);
+    const NotedCall patch(&CreateFileW, "CreateFileW", INVALID_HANDLE_VALUE, ERROR_SHARING_VIOLATION);
     constexpr DWORD kRead = GENERIC_READ, kWrite = GENERIC_WRITE, kNormal = FILE_ATTRIBUTE_NORMAL;
-    const std::pair<UINT, Opening> rows[] = {
-        {0x0, {kRead, 0, OPEN_EXISTING, kNormal}},
-        {0x1, {kWrite, 0, OPEN_EXISTING, kNormal}},
-        {0x2, {kRead | kWrite, 0, OPEN_EXISTING, kNormal}},
-        {0x8010, {kRead, 0, OPEN_EXISTING, kNormal}},
-        {0x20, {kRead, FILE_SHARE_READ, OPEN_EXISTING, kNormal}},
-        {0x30, {kRead, FILE_SHARE_WRITE, OPEN_EXISTING, kNormal}},
-        {0x40, {kRead, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING, kNormal}},
-        {0x50, {kRead, 0, OPEN_EXISTING, kNormal}},
-        {0x80, {kRead, 0, OPEN_EXISTING, kNormal, false}},
-        {0x1001, {kWrite, 0, CREATE_ALWAYS, kNormal}},
-        {0x3011, {kWrite, 0, OPEN_ALWAYS, kNormal}},
-        {0x2001, {kWrite, 0, OPEN_EXISTING, kNormal}},
-        {0x10000, {kRead, 0, OPEN_EXISTING, kNormal | FILE_FLAG_NO_BUFFERING}},
-        {0x20000, {kRead, 0, OPEN_EXISTING, kNormal | FILE_FLAG_WRITE_THROUGH}},
-        {0x40000, {kRead, 0, OPEN_EXISTING, kNormal | FILE_FLAG_RANDOM_ACCESS}},
-        {0x80000, {kRead, 0, OPEN_EXISTING, kNormal | FILE_FLAG_SEQUENTIAL_SCAN}},
+    constexpr DWORD kShareBoth = FILE_SHARE_READ | FILE_SHARE_WRITE;
+    // Access, share, whether the handle is inherited, disposition, attributes.
+    const std::pair<UINT, Numbers> rows[] = {
+        {0x0, {kRead, 0, TRUE, OPEN_EXISTING, kNormal}},
+        {0x3, {kRead, 0, TRUE, OPEN_EXISTING, kNormal}},
+        {0x8010, {kRead, 0, TRUE, OPEN_EXISTING, kNormal}},
+        {0x11021, {kWrite, FILE_SHARE_READ, TRUE, CREATE_ALWAYS, kNormal | FILE_FLAG_NO_BUFFERING}},
+        {0x23031, {kWrite, FILE_SHARE_WRITE, TRUE, OPEN_ALWAYS, kNormal | FILE_FLAG_WRITE_THROUGH}},
+        {0x42042, {kRead | kWrite, kShareBoth, TRUE, OPEN_EXISTING, kNormal | FILE_FLAG_RANDOM_ACCESS}},
+        {0x800D0, {kRead, 0, FALSE, OPEN_EXISTING, kNormal | FILE_FLAG_SEQUENTIAL_SCAN}},
     };
     const std::wstring path = L"C:\\" + std::wstring(245, L'x');
     for (const auto& [flags, opening] : rows) {
         CFileException problem;
         EXPECT_FALSE(CVlpFile().Open(path.c_str(), flags, &problem));
-        EXPECT_EQ(s_openedPath, L"\\\\?\\" + path);
-        EXPECT_TRUE(s_opening == opening) << std::hex << flags;
-        EXPECT_EQ(problem.m_cause, CFileException::sharingViolation);
-        EXPECT_EQ(problem.m_lOsError, ERROR_SHARING_VIOLATION);
-        EXPECT_EQ(problem.m_strFileName, path.c_str());
+        EXPECT_EQ(TakePaths(), Paths{L"\\\\?\\" + path});
+        EXPECT_EQ(TakeNumbers(), opening) << std::hex << flags;
+        EXPECT_EQ(std::tuple(problem.m_cause, problem.m_lOsError, problem.m_strFileName),
+                  std::tuple(CFileException::sharingViolation, LONG{ERROR_SHARING_VIOLATION}, path.c_str()));
     }
     // The transaction is a stand-in, because Wine has none: its CreateTransaction answers a handle that stands for
     // nothing, and kernel32 lacks CreateFileTransactedW. So how the file is opened is seen, not that it is rolled back.
     const ImportPatch<decltype(&GetProcAddress)> transacted(
         LoadedModule(L"framework.dll"), "GetProcAddress", [](HMODULE, LPCSTR name) -> FARPROC {
             if (std::string_view(name) != "CreateFileTransactedW") return nullptr;
-            return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&NoteTransacted));
+            return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&CreateTransacted));
         });
     const HANDLE transaction = CreateEventW(nullptr, FALSE, FALSE, nullptr);
     EXPECT_FALSE(TransactedFile(transaction, TRUE).Open(path.c_str(), CFile::modeWrite));
     EXPECT_EQ(s_transaction, transaction);
-    EXPECT_TRUE(s_opening == (Opening{kWrite, 0, OPEN_EXISTING, kNormal}));
+    EXPECT_EQ(TakeNumbers(), (Numbers{kWrite, 0, TRUE, OPEN_EXISTING, kNormal}));
 }
 
 TEST(VlpFile, LocalFilesAndMemoryBuffers) {
@@ -131,7 +102,6 @@ TEST(VlpFile, LocalFilesAndMemoryBuffers) {
 
 namespace {
 
-using Numbers = std::vector<DWORD>;
 constexpr LONGLONG kTicksPerMs = 10'000;
 LONGLONG s_clock = 0;  // moved on by sleeping and by the test alone
 Numbers s_sleeps, s_writes;
