@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 #include <set>
 
-#include "files/FileSecurity.h"
 #include "files/NotedCall.h"
 #include "support/FileBytes.h"
 #include "support/LogCapture.h"
@@ -144,17 +143,12 @@ TEST(FileAcl, AsksTheVolumeByItsRootAndLeavesOneWithoutAccessListsAlone) {
 
 TEST(FileAcl, FailingCallsAndOddDescriptorsLeaveNothingBehind) {
     const CString path = L"C:\\no such file";
-    const auto thrownFor = [](const CString& name) {
-        std::pair<int, LONG> thrown;
-        EXPECT_TRUE(Throws<CFileException>([&] { CFileAcl acl(name); },
-                                           [&](const CFileException& problem) {
-                                               thrown = {problem.m_cause, problem.m_lOsError};
-                                           }));
-        return thrown;
-    };
-    EXPECT_EQ(thrownFor(L""), (std::pair<int, LONG>(CFileException::badPath, -1)));
-    EXPECT_EQ(thrownFor(CString(L"C:\0x", 4)), (std::pair<int, LONG>(CFileException::badPath, ERROR_INVALID_NAME)));
-    EXPECT_EQ(thrownFor(path), (std::pair<int, LONG>(CFileException::genericException, ERROR_FILE_NOT_FOUND)));
+    const std::tuple<CString, int, LONG> refused[] = {
+        {L"", CFileException::badPath, -1},
+        {CString(L"C:\0x", 4), CFileException::badPath, ERROR_INVALID_NAME},
+        {path, CFileException::genericException, ERROR_FILE_NOT_FOUND}};
+    for (const auto& [name, cause, error] : refused)
+        EXPECT_EQ(ProblemOf([&name = name] { CFileAcl acl(name); }), std::tuple(cause, error, name));
     const GivenSecurity file(L"O:S-1-5-80-956008885-3418522649-1831038044-1853292631-2271478464D:(A;;FR;;;SY)");
     CFileAcl acl(path);
     EXPECT_TRUE(acl.IsOwnedByTrustedInstaller());

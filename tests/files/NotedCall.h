@@ -7,6 +7,7 @@
 #pragma once
 
 #include <afx.h>
+#include <sddl.h>
 
 #include <string>
 #include <tuple>
@@ -14,6 +15,7 @@
 #include <utility>
 #include <vector>
 
+#include "helpers/LocalMemory.h"
 #include "support/ImportPatch.h"
 #include "support/Throws.h"
 
@@ -74,4 +76,12 @@ std::tuple<int, LONG, CString> ProblemOf(Work work) {
         told = {problem.m_cause, problem.m_lOsError, problem.m_strFileName};
     });
     return told;
+}
+
+// A security descriptor in the system's own text form.
+inline std::wstring TextOf(PSECURITY_DESCRIPTOR descriptor) {
+    LPWSTR text = nullptr;
+    if (!ConvertSecurityDescriptorToStringSecurityDescriptorW(descriptor, 1, 0xF, &text, nullptr)) return L"none";
+    const LocalMemory<WCHAR> memory(text);
+    return text;
 }

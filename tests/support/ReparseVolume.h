@@ -4,13 +4,13 @@
 // enabled.
 #pragma once
 
-#include <afx.h>
+#include <windows.h>
 
 #include <algorithm>
-#include <cstring>
 #include <cwctype>
 #include <map>
 #include <set>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -35,7 +35,6 @@ private:
     struct Opened {
         std::wstring key;
         DWORD access = 0;
-        bool isEmpty = true;
     };
     inline static std::map<std::wstring, Bytes> s_links;  // by full path in small letters, without prefix
     inline static std::set<std::wstring> s_others;
@@ -51,56 +50,35 @@ private:
         for (wchar_t& c : path) c = static_cast<wchar_t>(towlower(c));
         return path;
     }
-    static DWORD Attributes(const std::wstring& path) {
-        return SystemFunction(&GetFileAttributesW, L"kernel32.dll", "GetFileAttributesW")(path.c_str());
-    }
 
-    // What stands first in the bytes: the kind of link, how much follows, and where the names of a junction are.
-    struct Head {
-        DWORD tag = 0;
-        WORD length = 0, reserved = 0, targetAt = 0, target = 0, shownAt = 0, shown = 0;
-        Head(const void* bytes, size_t size) { std::memcpy(this, bytes, std::min(size, sizeof(*this))); }
-        bool IsMountPoint(DWORD size) const {
-            return targetAt == 0 && shownAt == target + 2 && size == sizeof(*this) + target + shown + 4;
+    static DWORD Control(const Opened& link, DWORD code, std::span<const std::byte> input, std::span<std::byte> output,
+                         DWORD& got) {
+        constexpr DWORD kSet = 0x900A4, kGet = 0x900A8, kDelete = 0x900AC;
+        constexpr size_t kTagBytes = 4, kRemovalBytes = 24;
+        if (code != kGet && (link.access & GENERIC_WRITE) == 0) return ERROR_ACCESS_DENIED;
+        if (code == kSet) {
+            s_links[link.key].assign(input.begin(), input.end());
+            return ERROR_SUCCESS;
         }
-    };
-
-    static DWORD Set(const Opened& link, const std::byte* input, DWORD size) {
-        const Head head(input, size);
-        if (size < 8 || size > 0x4000 || size != head.length + 8u) return ERROR_INVALID_REPARSE_DATA;
-        if (head.tag <= 1) return ERROR_REPARSE_TAG_INVALID;
-        if (head.tag == 0xA0000003 && !head.IsMountPoint(size)) return ERROR_INVALID_REPARSE_DATA;
-        if ((link.access & GENERIC_WRITE) == 0) return ERROR_ACCESS_DENIED;
-        if ((Attributes(link.key) & FILE_ATTRIBUTE_DIRECTORY) == 0) return ERROR_DIRECTORY;
-        if (!link.isEmpty) return ERROR_DIR_NOT_EMPTY;
-        Bytes& bytes = s_links[link.key];
-        if (!bytes.empty() && Head(bytes.data(), bytes.size()).tag != head.tag) return ERROR_REPARSE_TAG_MISMATCH;
-        bytes.assign(input, input + size);
-        return ERROR_SUCCESS;
-    }
-    static DWORD Delete(const Opened& link, const std::byte* input, DWORD size) {
-        const Head head(input, size);
-        if ((size != 8 && size != 24) || head.length != 0) return ERROR_INVALID_REPARSE_DATA;
-        if ((link.access & GENERIC_WRITE) == 0) return ERROR_ACCESS_DENIED;
         const auto found = s_links.find(link.key);
         if (found == s_links.end()) return ERROR_NOT_A_REPARSE_POINT;
-        if (Head(found->second.data(), found->second.size()).tag != head.tag) return ERROR_REPARSE_TAG_MISMATCH;
+        const Bytes& bytes = found->second;
+        if (code == kGet) {
+            got = static_cast<DWORD>(std::min(output.size(), bytes.size()));
+            std::copy_n(bytes.begin(), got, output.begin());
+            return got < bytes.size() ? ERROR_MORE_DATA : ERROR_SUCCESS;
+        }
+        if (code != kDelete || input.size() != kRemovalBytes) return ERROR_INVALID_REPARSE_DATA;
+        if (!std::equal(input.begin(), input.begin() + kTagBytes, bytes.begin())) return ERROR_REPARSE_TAG_MISMATCH;
         s_links.erase(found);
         return ERROR_SUCCESS;
-    }
-    static DWORD Get(const Opened& link, void* output, DWORD size, DWORD* got) {
-        const auto found = s_links.find(link.key);
-        if (found == s_links.end()) return ERROR_NOT_A_REPARSE_POINT;
-        if (size < 8) return ERROR_INSUFFICIENT_BUFFER;
-        *got = std::min(size, static_cast<DWORD>(found->second.size()));
-        std::memcpy(output, found->second.data(), *got);
-        return *got < found->second.size() ? ERROR_MORE_DATA : ERROR_SUCCESS;
     }
 
     const HMODULE m_program = GetModuleHandleW(nullptr);
     const ImportPatch<decltype(&GetFileAttributesW)> m_attributes{
         m_program, "GetFileAttributesW", [](LPCWSTR path) -> DWORD {
-            const DWORD attributes = Attributes(path);
+            const auto real = SystemFunction(&GetFileAttributesW, L"kernel32.dll", "GetFileAttributesW");
+            const DWORD attributes = real(path);
             const bool isLink = attributes != INVALID_FILE_ATTRIBUTES && s_links.contains(KeyOf(path));
             return isLink ? attributes | FILE_ATTRIBUTE_REPARSE_POINT : attributes;
         }};
@@ -114,27 +92,17 @@ private:
                 SetLastError(isFollowed ? ERROR_CANT_ACCESS_FILE : ERROR_ACCESS_DENIED);
                 return INVALID_HANDLE_VALUE;
             }
-            CFileFind search;
-            Opened opened{key, access};
-            for (BOOL more = search.FindFile((L"\\\\?\\" + key + L"\\*").c_str()); more;) {
-                more = search.FindNextFile();
-                opened.isEmpty &= search.IsDots() != FALSE;
-            }
             const auto create = SystemFunction(&CreateFileW, L"kernel32.dll", "CreateFileW");
             const HANDLE handle = create(path, access, share, security, disposition, flags, pattern);
-            s_opened[handle] = opened;
+            s_opened[handle] = {key, access};
             return handle;
         }};
     const ImportPatch<decltype(&DeviceIoControl)> m_control{
         m_program, "DeviceIoControl",
         [](HANDLE handle, DWORD code, void* input, DWORD inputSize, void* output, DWORD outputSize, DWORD* got,
            OVERLAPPED*) -> BOOL {
-            const Opened& link = s_opened[handle];
-            const auto* const bytes = static_cast<const std::byte*>(input);
-            const DWORD error = code == 0x900A4   ? Set(link, bytes, inputSize)
-                                : code == 0x900A8 ? Get(link, output, outputSize, got)
-                                : code == 0x900AC ? Delete(link, bytes, inputSize)
-                                                  : ERROR_INVALID_FUNCTION;
+            const DWORD error = Control(s_opened[handle], code, {static_cast<const std::byte*>(input), inputSize},
+                                        {static_cast<std::byte*>(output), outputSize}, *got);
             SetLastError(error);
             return error == ERROR_SUCCESS;
         }};
