@@ -27,22 +27,6 @@ ChunkCipher HostileCipher(std::span<const std::uint8_t> answers) {
     };
 }
 
-void CheckDecrypting(std::span<const std::uint8_t> answers, Bytes buffer) {
-    auto length = static_cast<std::uint32_t>(buffer.size());
-    const std::int32_t status = DecryptChunks(buffer, length, HostileCipher(answers));
-    Require(status == 0 ? length <= buffer.size() : length == buffer.size());
-}
-
-void CheckEncrypting(std::span<const std::uint8_t> answers, Bytes buffer) {
-    const auto size = static_cast<std::uint32_t>(buffer.size());
-    std::uint32_t length = size;
-    // Each call may give up to a chunk, so that much room is the cipher's to use.
-    buffer.resize(size + kCipherChunkBytes + 1, kGuard);
-    const std::int32_t status = EncryptChunks(buffer.data(), length, HostileCipher(answers));
-    Require(status != 0 ? length == size : length < buffer.size());
-    Require(buffer.back() == kGuard);
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -51,9 +35,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Bytes buffer;
     for (std::size_t i = answers.size(); i < size; ++i)
         buffer.insert(buffer.end(), 1U + (data[i] & 0x7F) * 8U, data[i]);
-    CheckDecrypting(answers, buffer);
-    CheckEncrypting(answers, buffer);
+    const auto whole = static_cast<std::uint32_t>(buffer.size());
     Bytes work = buffer;
+    auto length = whole;
+    const std::int32_t decrypted = DecryptChunks(work, length, HostileCipher(answers));
+    Require(decrypted == 0 ? length <= whole : length == whole);
+    // Each call of an encryption may give up to a chunk, so that much room is the cipher's to use.
+    work = buffer;
+    work.resize(whole + kCipherChunkBytes + 1, kGuard);
+    length = whole;
+    const std::int32_t encrypted = EncryptChunks(work.data(), length, HostileCipher(answers));
+    Require((encrypted != 0 ? length == whole : length < work.size()) && work.back() == kGuard);
+    work = buffer;
     Scramble(work);
     Unscramble(work);
     Require(work == buffer);

@@ -9,29 +9,20 @@ namespace {
 
 using namespace PathText;
 
-void CheckRoots(std::wstring_view path) {
+void CheckPath(std::wstring_view path) {
     Require(!(IsDrivePath(path) && IsUncPath(path)));
     Require(!IsDottedServerPath(path) || path.starts_with(L"\\\\"));
     Require(GetDriveRoot(path).size() == 0 || GetDriveRoot(path).size() == 3);
-    Require(path.ends_with(GetUncRelativePart(path)));
-    Require(path.starts_with(GetUncRoot(path)));
-}
-
-void CheckParts(std::wstring_view path) {
+    Require(path.ends_with(GetUncRelativePart(path)) && path.starts_with(GetUncRoot(path)));
     const auto name = GetFileName(path);
     Require(path.ends_with(name) && path.ends_with(GetExtension(path)));
     Require(std::wstring(GetNameWithoutExtension(path)).append(GetExtension(name)) == name);
-    Require(HoldsPath(path, path));
-    Require(path.starts_with(AbbreviatePath(path).parts[0]));
-    std::wstring parent(path);
-    while (!parent.empty()) {
+    Require(HoldsPath(path, path) && path.starts_with(AbbreviatePath(path).parts[0]));
+    for (std::wstring parent(path); !parent.empty();) {
         const std::wstring above = GetParentPath(parent).Joined();
         Require(above.size() < parent.size());
         parent = above;
     }
-}
-
-void CheckPrefix(std::wstring_view path) {
     const std::wstring prefixed = AddLongPathPrefix(path).Joined();
     Require(HasLongPathPrefix(prefixed) && !NeedsLongPathPrefix(prefixed));
     if (HasLongPathPrefix(path) || StartsWithIgnoringAsciiCase(path, L"UNC\\")) return;
@@ -54,11 +45,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto end = std::min(text.find(L'\n'), text.size());
     const auto first = std::wstring_view(text).substr(0, end);
     const auto second = std::wstring_view(text).substr(std::min(end + 1, text.size()));
-    for (const auto path : {first, second}) {
-        CheckRoots(path);
-        CheckParts(path);
-        CheckPrefix(path);
-    }
+    for (const auto path : {first, second}) CheckPath(path);
     CheckPair(first, second);
     CheckPair(second, first);
     return 0;

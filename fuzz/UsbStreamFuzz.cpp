@@ -10,39 +10,34 @@ namespace {
 
 using Bytes = std::span<const std::uint8_t>;
 
-class Stream {
-public:
-    Stream(Bytes bytes, std::size_t piece) : m_left(bytes), m_piece(piece) {}
+struct Stream {
+    Bytes left;
+    std::size_t piece;
 
     // False when the stream ends before the decoder is content.
     bool Fill(UsbDecoder& decoder) {
-        while (!decoder.Missing().empty() && !m_left.empty()) {
+        while (!decoder.Missing().empty() && !left.empty()) {
             const auto missing = decoder.Missing();
-            const std::size_t size = std::min({missing.size(), m_piece, m_left.size()});
-            std::copy_n(m_left.begin(), size, missing.begin());
-            m_left = m_left.subspan(size);
+            const std::size_t size = std::min({missing.size(), piece, left.size()});
+            std::copy_n(left.begin(), size, missing.begin());
+            left = left.subspan(size);
             decoder.Took(size);
         }
         return decoder.Missing().empty();
     }
-    Bytes Left() const { return m_left; }
-
-private:
-    Bytes m_left;
-    std::size_t m_piece;
 };
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size < 2) return 0;
-    Stream stream(Bytes(data, size).subspan(2), data[0] + 1U);
+    Stream stream{Bytes(data, size).subspan(2), data[0] + 1U};
     for (;;) {
-        const Bytes message = stream.Left();
+        const Bytes message = stream.left;
         UsbDecoder decoder;
         if (!stream.Fill(decoder)) return 0;
         const auto head = EncodeUsbMessage(decoder.Message());
-        Require(message.size() - stream.Left().size() == head.size());
+        Require(message.size() - stream.left.size() == head.size());
         Require(std::equal(head.begin(), head.end(), message.begin()));
         std::vector<std::uint8_t> tail;
         if (UsbMessageFits(decoder.Message(), data[1]) && decoder.TailBytes() <= 4096) {
@@ -52,7 +47,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             decoder.SkipTail();
         }
         if (!stream.Fill(decoder)) return 0;
-        Require(message.size() - stream.Left().size() == head.size() + decoder.TailBytes());
+        Require(message.size() - stream.left.size() == head.size() + decoder.TailBytes());
         Require(std::equal(tail.begin(), tail.end(), message.subspan(head.size()).begin()));
     }
 }
