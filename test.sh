@@ -51,10 +51,12 @@ build native && lane native
 if build windows; then
     wait "$setup" || fail "the Wine prefix (see build/wine-setup.log)"
     lane windows
-    if [ -x scripts/check-exports ]; then
-        step "comparing the export table"
-        if scripts/check-exports build/windows/bin/RegistryRules.dll; then passed=$((passed + 1)); else fail "the export table"; fi
-    fi
+    step "comparing the export tables"
+    for dll in RegistryRules RulesC; do
+        if scripts/check-exports build/windows/bin/$dll.dll; then passed=$((passed + 1)); else fail "the export table of $dll"; fi
+    done
+    step "hosts by other compilers and in other languages"
+    if scripts/check-c-hosts windows; then passed=$((passed + 1)); else fail "the hosts of the C interface"; fi
     step "carrying settings from one machine to another and back"
     if scripts/check-carry windows; then passed=$((passed + 1)); else fail "the circle of capture and apply"; fi
     step "building a host of its own against the installed package"

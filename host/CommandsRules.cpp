@@ -65,25 +65,6 @@ private:
     ProgressLine m_progress;
 };
 
-// Notes the rules whose key or value is not there.
-class Missing final : public RegistryVisitor {
-public:
-    void OnKey(const std::wstring&) override {}
-    void OnValue(const ValueBuffer&) override {}
-    void OnNote(CarryNote note) override { m_note = std::move(note); }
-
-    std::optional<CarryNote> m_note;
-};
-
-// What a rule names, without what lies below it.
-std::optional<CarryNote> NoteOf(const RegistryTarget& target, CarryRule rule) {
-    if (rule.kind == CarryKind::Branch) rule.kind = CarryKind::Key;
-    const RuleSelection selection({std::move(rule)}, FoldKeyCase);
-    Missing missing;
-    for (const SelectedPart& part : selection.Parts()) WalkPart(target, part, missing);
-    return missing.m_note;
-}
-
 }  // namespace
 
 ExitCode ListSelection(const CommandLine& line) {
@@ -111,7 +92,7 @@ ExitCode CheckRules(const CommandLine& line) {
     auto finding = selection.Findings().begin();
     for (std::size_t i = 0; i < rules.size(); ++i) {
         if (finding != selection.Findings().end() && finding->rule == i) add(i, FindingText(*finding++));
-        if (const auto note = NoteOf(target, rules[i])) add(i, NoteText(*note));
+        if (const auto note = FindMissing(target, rules[i])) add(i, NoteText(*note));
     }
     if (line.json) {
         PrintOutput(ordered_json{{"rules", rules.size()}, {"findings", findings}}.dump(2) + "\n");

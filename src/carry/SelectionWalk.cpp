@@ -103,7 +103,24 @@ private:
     ValueBuffer m_value;
 };
 
+class Missing final : public RegistryVisitor {
+public:
+    void OnKey(const std::wstring&) override {}
+    void OnValue(const ValueBuffer&) override {}
+    void OnNote(CarryNote note) override { m_note = std::move(note); }
+
+    std::optional<CarryNote> m_note;
+};
+
 }  // namespace
+
+std::optional<CarryNote> FindMissing(const RegistryTarget& target, CarryRule rule) {
+    if (rule.kind == CarryKind::Branch) rule.kind = CarryKind::Key;
+    const RuleSelection selection({std::move(rule)}, FoldKeyCase);
+    Missing missing;
+    for (const SelectedPart& part : selection.Parts()) WalkPart(target, part, missing);
+    return missing.m_note;
+}
 
 void WalkPart(const RegistryTarget& target, const SelectedPart& part, RegistryVisitor& visitor) {
     const std::wstring path = FormatKeyName(part.key);

@@ -1,6 +1,7 @@
 // Goes through what rules select and shows each key and value.
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string>
 
@@ -25,5 +26,9 @@ protected:
 // Memory grows with the depth of the registry and its largest value, not with the number of keys.
 void WalkPart(const RegistryTarget& target, const SelectedPart& part, RegistryVisitor& visitor);
 
-// The same for one branch that lies at `place` and is called `path`.
+// Why the key or value that a rule names is not to be had, whatever lies below it; none when it is, and for a rule that
+// selects nothing.
+std::optional<CarryNote> FindMissing(const RegistryTarget& target, CarryRule rule);
+
+// The same as WalkPart for one branch that lies at `place` and is called `path`.
 void WalkBranch(const KeyPlace& place, const std::wstring& path, RegistryVisitor& visitor);

@@ -1,0 +1,3 @@
+module host
+
+go 1.19
