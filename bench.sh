@@ -31,7 +31,7 @@ for program in "${programs[@]}"; do
     area=$(basename "$program" _bench.exe)
     step "running: $area"
     run=(scripts/wine-run "$program")
-    [ "$area" != usb ] || run=(scripts/two-machines "$program" build/windows-release/bin/usb_end.exe)
+    [ "$area" != usb ] || run=(scripts/two-machines "$program" "$program")
     output=$(WINEDEBUG=-all WINE_RUN_TIMEOUT=1200 "${run[@]}")
     code=$?
     lines=$(sed -nE 's/\r//; /^.+: ratio [0-9.-]+, limit [0-9.-]+ \(ours .+, bare .+\)$/p' <<<"$output")

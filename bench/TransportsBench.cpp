@@ -44,7 +44,9 @@ int wmain() {
     // Some instances, so that one caller after the other finds one free without waiting.
     for (int i = 0; i < kInstances; ++i) {
         auto* const server = new PipeServer(PIPE_TYPE_MESSAGE | PIPE_READMODE_MESSAGE, kInstances);
-        std::thread([server] { server->AnswerAlways(Utf16(L"C:\\users\\ann")); }).detach();
+        std::thread([server] {
+            for (;; server->Message()) server->Answer(Utf16(L"C:\\users\\ann"));
+        }).detach();
     }
     NamedPipeClient::pipeChannelEnabled = true;
     // The log is written, to nowhere: what a host's sink costs is the host's.

@@ -1,49 +1,93 @@
-// A TCP connection between processes of this machine, for what stands in for cables here. Ports are the system's
-// choice.
+// A TCP connection of this machine, for what stands in for cables here. Ports are the system's choice.
 #pragma once
 
 #include <windows.h>
 #include <winsock2.h>
 
+#include <algorithm>
 #include <cstdint>
-#include <optional>
-#include <string>
 #include <utility>
 
 class LinkSocket {
 public:
     LinkSocket() = default;
-    explicit LinkSocket(SOCKET socket) : m_socket(socket) {}
     LinkSocket(LinkSocket&& other) noexcept : m_socket(std::exchange(other.m_socket, INVALID_SOCKET)) {}
     LinkSocket& operator=(LinkSocket other) noexcept {
         std::swap(m_socket, other.m_socket);
         return *this;
     }
-    ~LinkSocket();
+    ~LinkSocket() {
+        if (m_socket != INVALID_SOCKET) closesocket(m_socket);
+    }
 
-    // A listening one and a connected one; not open on failure.
-    static LinkSocket Listen();
-    static LinkSocket Connect(std::uint16_t port);
+    // A listening one and a connected one. One that failed ends each wait at once, as a connection that has ended does.
+    static LinkSocket Listen() {
+        LinkSocket listener(NewSocket());
+        const sockaddr_in address = Address(0);
+        bind(listener.m_socket, reinterpret_cast<const sockaddr*>(&address), sizeof(address));
+        listen(listener.m_socket, 8);
+        return listener;
+    }
+    static LinkSocket Connect(std::uint16_t port) {
+        LinkSocket connection(NewSocket());
+        const sockaddr_in address = Address(port);
+        connect(connection.m_socket, reinterpret_cast<const sockaddr*>(&address), sizeof(address));
+        return connection;
+    }
 
-    bool IsOpen() const { return m_socket != INVALID_SOCKET; }
-    std::uint16_t Port() const;
-    // Not open if nobody comes in time.
-    LinkSocket Accept(DWORD milliseconds = INFINITE) const;
-    // Ends the connection for both sides and for threads of ours that wait on it.
-    void Cut() const { shutdown(m_socket, SD_BOTH); }
-
-    bool SendAll(const void* data, size_t bytes) const;
-    // What is there, at least one byte; 0 when the connection has ended.
-    size_t Receive(void* buffer, size_t bytes) const;
-    // Throws away what has arrived.
-    void Drain() const;
-
-    // Lines of text. None when the connection ends or the time is over.
-    bool SendLine(const std::string& line) const { return SendAll((line + "\n").data(), line.size() + 1); }
-    std::optional<std::string> ReceiveLine(DWORD milliseconds = INFINITE) const;
+    std::uint16_t Port() const {
+        sockaddr_in address{};
+        int size = sizeof(address);
+        getsockname(m_socket, reinterpret_cast<sockaddr*>(&address), &size);
+        return ntohs(address.sin_port);
+    }
+    LinkSocket Accept(DWORD milliseconds = INFINITE) const {
+        return LinkSocket(IsReady(milliseconds) ? accept(m_socket, nullptr, nullptr) : INVALID_SOCKET);
+    }
+    bool SendAll(const void* data, size_t bytes) const {
+        for (auto* next = static_cast<const char*>(data); bytes != 0;) {
+            const int sent = send(m_socket, next, static_cast<int>(std::min(bytes, kLargestStep)), 0);
+            if (sent <= 0) return false;
+            next += sent;
+            bytes -= static_cast<size_t>(sent);
+        }
+        return true;
+    }
+    // What is there, at least one byte; 0 when the connection has ended or nothing has come in time.
+    size_t Receive(void* buffer, size_t bytes, DWORD milliseconds = INFINITE) const {
+        if (!IsReady(milliseconds)) return 0;
+        const int got = recv(m_socket, static_cast<char*>(buffer), static_cast<int>(std::min(bytes, kLargestStep)), 0);
+        return got > 0 ? static_cast<size_t>(got) : 0;
+    }
 
 private:
-    bool WaitUntilReadable(DWORD milliseconds) const;
+    static constexpr size_t kLargestStep = 1 << 20;
+
+    // Small messages go out at once, as they do on the real link.
+    explicit LinkSocket(SOCKET socket) : m_socket(socket) {
+        const BOOL on = TRUE;
+        setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char*>(&on), sizeof(on));
+    }
+    static SOCKET NewSocket() {
+        static WSADATA s_data;
+        static const int s_started = WSAStartup(MAKEWORD(2, 2), &s_data);
+        return s_started == 0 ? socket(AF_INET, SOCK_STREAM, IPPROTO_TCP) : INVALID_SOCKET;
+    }
+    static sockaddr_in Address(std::uint16_t port) {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        address.sin_port = htons(port);
+        return address;
+    }
+    bool IsReady(DWORD milliseconds) const {
+        if (milliseconds == INFINITE) return true;
+        fd_set readable;
+        FD_ZERO(&readable);
+        FD_SET(m_socket, &readable);
+        timeval limit{static_cast<long>(milliseconds / 1000), static_cast<long>(milliseconds % 1000 * 1000)};
+        return select(0, &readable, nullptr, nullptr, &limit) == 1;
+    }
 
     SOCKET m_socket = INVALID_SOCKET;
 };

@@ -13,7 +13,7 @@
 #include <string>
 #include <utility>
 
-#include "transports/HexBytes.h"
+#include "peers/HexBytes.h"
 
 inline std::string Utf16(const std::wstring& text) {
     return {reinterpret_cast<const char*>(text.data()), text.size() * sizeof(wchar_t)};
@@ -37,13 +37,6 @@ public:
             DisconnectNamedPipe(m_pipe);
             return message;
         });
-    }
-    // Answers everybody from now on, one after the other.
-    [[noreturn]] void AnswerAlways(const std::string& bytes) {
-        for (;;) {
-            Answer(bytes);
-            Message();
-        }
     }
     // What it has answered, in hexadecimal.
     std::string Message() { return m_message.get(); }

@@ -3,10 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "files/Utf8TextFile.h"
-#include "peers/LinkHub.h"
-#include "peers/OtherMachine.h"
+#include "peers/FakeWinUsb.h"
+#include "peers/TwoMachines.h"
 #include "support/FileBytes.h"
-#include "transports/HexBytes.h"
 #include "transports/WinUsbSession.h"
 
 namespace {
@@ -14,21 +13,38 @@ namespace {
 struct Link {
     Link() {
         std::filesystem::create_directories(folder / "b" / "there");
-        WCHAR temporary[MAX_PATH];
-        GetTempPathW(MAX_PATH, temporary);
-        const CString device = CString(temporary) + L"usb-link";
-        const std::string text = hub.DeviceText(0);
-        CFile(device, CFile::modeCreate | CFile::modeWrite).Write(text.data(), static_cast<UINT>(text.size()));
-        b.Do({"base", (folder / "b").string()});
-        b.Do({"connect", hub.DeviceText(1)});
+        for (const int way : {0, 1}) usb.onCable[way] = [this, way](std::string& bytes) { Note(way, bytes); };
         a.SetBaseDirectory((folder / "a").c_str());
-        EXPECT_EQ(a.Connect(device, true), 0U);
-        EXPECT_EQ(ToHex(hub.Seen(0) + hub.Seen(1)), "3312000034120000");
+        EXPECT_EQ(a.Connect(usb.Device(), true), 0U);
+    }
+    void Note(int way, std::string& bytes) {
+        const std::lock_guard lock(mutex);
+        if (bytes.size() < kShortBytes) seen[way] += ToHex(bytes);
+        if (const auto damage = std::exchange(damages[way], nullptr)) damage(bytes);
+    }
+    // The short ones of the transfers that A has sent, or of the reads of what came, since the last call; waits for so
+    // much in hexadecimal.
+    std::string Seen(int way, size_t length = 0) {
+        for (int looks = 0;; ++looks, Sleep(1)) {
+            const std::lock_guard lock(mutex);
+            if (seen[way].size() >= length || looks == 10000) return std::exchange(seen[way], {});
+        }
+    }
+    std::string OtherDoes(const std::string& line) const {
+        other.SendAll((line + "\n").data(), line.size() + 1);
+        std::string answer;
+        for (char c = 0; other.Receive(&c, 1, kOtherComesMilliseconds) == 1 && c != '\n';) answer += c;
+        return answer;
     }
 
+    static constexpr size_t kShortBytes = 100;
     const std::filesystem::path folder = _wgetenv(L"USB_LINK_FOLDER");
-    LinkHub hub;  // A is end 0
-    OtherMachine b;
+    const LinkSocket listener = ListenForTheOther();
+    const LinkSocket other = listener.Accept(kOtherComesMilliseconds);
+    std::mutex mutex;
+    std::string seen[2];                           // of what goes and of what comes
+    std::function<void(std::string&)> damages[2];  // what the cable does to the next of it
+    FakeWinUsb usb{listener.Accept(kOtherComesMilliseconds)};
     WinUsbSession a;
 };
 
@@ -37,7 +53,7 @@ protected:
     static void SetUpTestSuite() { s_link = new Link; }
     static void TearDownTestSuite() {
         s_link->a.Finish(7);
-        EXPECT_EQ(s_link->b.Do({"status"}), "7");
+        EXPECT_EQ(s_link->OtherDoes("status"), "7");
         delete s_link;
     }
     std::string OnB(const std::wstring& name) const { return BytesOf(link.folder / "b" / name); }
@@ -56,7 +72,7 @@ TEST_F(UsbLink, FilesOfAllSizesCrossAndComeBackAndBothEndsAsk) {
         std::string data = Pattern(size, 3);
         a.WriteData(file, data.data(), size);
         EXPECT_TRUE(OnB(name) == data) << size;
-        EXPECT_EQ(link.b.Do({"put", "from-b\\" + std::to_string(size), std::to_string(size), "9"}), "ok");
+        EXPECT_EQ(link.OtherDoes("put from-b\\" + std::to_string(size) + " " + std::to_string(size) + " 9"), "ok");
         EXPECT_TRUE(BytesOf(link.folder / "a" / "from-b" / std::to_string(size)) == Pattern(size, 9)) << size;
         EXPECT_EQ(a.SeekData(file, 0, FILE_BEGIN), 0);
         for (DWORD done = 0; done < size; done += kUsbChunkBytes) {
@@ -72,46 +88,36 @@ TEST_F(UsbLink, FilesOfAllSizesCrossAndComeBackAndBothEndsAsk) {
         }
         a.CloseFile(file);
     }
+    EXPECT_EQ(link.OtherDoes("exists from-nobody"), "0");
 }
 
 TEST_F(UsbLink, WhatTheCableDamagesCostsOneResend) {
-    const std::string question =
-        "411200000a0000007400680065007200"
-        "6500";
+    const std::string asks = "411200000a00000074006800650072006500", is = "4212000001000000", again = "50120000";
     const struct {
-        int end;
-        LinkHub::Fault fault;
-        std::string sent;
-        std::string answered;
+        int way;
+        std::function<void(std::string&)> damage;
+        std::string goes;
+        std::string comes;
     } cases[] = {
-        {0, {}, question, "4212000001000000"},
-        {0, {LinkHub::Corrupt, 1}, question + question, "501200004212000001000000"},
-        {0, {LinkHub::Drop}, question + question, "501200004212000001000000"},
-        {1, {LinkHub::Corrupt}, question + "50120000", "42120000010000004212000001000000"},
-        {0, {LinkHub::Duplicate, 0, 18}, question, "42120000010000004212000001000000"},
-        {0, {}, question, "4212000001000000"},
+        {0, nullptr, asks, is},
+        {0, [](std::string& bytes) { bytes[1] ^= 1; }, asks + asks, again + is},
+        {0, [](std::string& bytes) { bytes.erase(0, 1); }, asks + asks, again + is},
+        {0, [](std::string& bytes) { bytes += bytes; }, asks, is + is},
+        {1, [](std::string& bytes) { bytes[0] ^= 8; }, asks + again, "42120000" + is},
+        {0, nullptr, asks, is},
     };
     for (const auto& c : cases) {
-        link.hub.Plan(c.end, c.fault);
-        link.hub.Seen(0);
-        link.hub.Seen(1);
+        for (const int way : {0, 1}) link.Seen(way);
+        link.damages[c.way] = c.damage;
         EXPECT_EQ(a.DoesDirectoryExist(L"there"), 1U);
-        std::string sent, answered;
-        for (int i = 0; i < 10000 && answered.size() < c.answered.size(); ++i, Sleep(1)) {
-            sent += ToHex(link.hub.Seen(0));
-            answered += ToHex(link.hub.Seen(1));
-        }
-        EXPECT_EQ(sent, c.sent);
-        EXPECT_EQ(answered, c.answered);
+        EXPECT_EQ(link.Seen(0, c.goes.size()), c.goes);
+        EXPECT_EQ(link.Seen(1, c.comes.size()), c.comes);
     }
-    link.hub.Split();
-    EXPECT_EQ(a.DoesDirectoryExist(L"there"), 1U);
-    EXPECT_EQ(link.b.Do({"exists", "from-nobody"}), "0");
 }
 
 // The exchange that docs/usb-link.md shows, between the greeting and the end.
 TEST_F(UsbLink, OneExchangeByteForByte) {
-    for (const int end : {0, 1}) link.hub.Seen(end);
+    for (const int way : {0, 1}) link.Seen(way);
     const HANDLE file = a.OpenDataFile(L"d\\a.txt");
     a.WriteData(file, "A`\x7f", 3);
     a.SeekData(file, 1, FILE_BEGIN);
@@ -119,24 +125,11 @@ TEST_F(UsbLink, OneExchangeByteForByte) {
     a.ReadData(file, buffer, 2);
     a.CloseFile(file);
     const std::string handle = ToHex({reinterpret_cast<const char*>(&file), sizeof(file)});
-    EXPECT_EQ(ToHex(link.hub.Seen(0)),
-              "351200000e00000064005c0061002e00740078007400"
-              "39120000" +
-                  handle +
-                  "0300000041607f"
-                  "3b120000" +
-                  handle +
-                  "010000000000000000000000"
-                  "37120000" +
-                  handle +
-                  "02000000"
-                  "3d120000" +
-                  handle);
-    EXPECT_EQ(ToHex(link.hub.Seen(1)), "36120000" + handle +
-                                           "3a12000003000000"
-                                           "3c1200000100000000000000"
-                                           "3812000002000000607f"
-                                           "3e120000");
+    EXPECT_EQ(link.Seen(0), "351200000e00000064005c0061002e00740078007400" + ("39120000" + handle) + "0300000041607f" +
+                                ("3b120000" + handle) + "010000000000000000000000" + ("37120000" + handle) +
+                                "02000000" + ("3d120000" + handle));
+    EXPECT_EQ(link.Seen(1), "36120000" + handle + "3a12000003000000" + "3c1200000100000000000000" +
+                                "3812000002000000607f" + "3e120000");
 }
 
 TEST_F(UsbLink, ATextFileObjectCrossesAtOnceOrFromMemory) {

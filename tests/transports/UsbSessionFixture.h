@@ -9,11 +9,11 @@
 #include <mutex>
 #include <thread>
 
+#include "peers/FakeWinUsb.h"
 #include "support/FileBytes.h"
 #include "support/FreshProcess.h"
 #include "support/LogCapture.h"
 #include "support/Narrow.h"
-#include "transports/FakeWinUsb.h"
 #include "transports/WinUsbSession.h"
 
 using namespace std::chrono_literals;
@@ -29,69 +29,47 @@ inline std::string OnTheWire(const std::wstring& name) {
 }
 
 inline bool CanWrite(const std::wstring& path) {
-    const HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    const HANDLE file = CreateFileW((L"\\\\?\\" + path).c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     if (file != INVALID_HANDLE_VALUE) CloseHandle(file);
     return file != INVALID_HANDLE_VALUE;
 }
 
-// The owner window, on a thread of its own, and what it was told: "text;", "peer 1;", "status 42;".
+// What the owner window is sent and posted: "text;", "peer 1;", "status 42;".
 class Owner {
 public:
-    Owner() : m_thread([this] { Run(); }) {
-        while (m_window == nullptr) Sleep(1);
-    }
-    ~Owner() {
-        PostMessageW(m_window, WM_CLOSE, 0, 0);
-        m_thread.join();
-    }
-    Owner(const Owner&) = delete;
-    Owner& operator=(const Owner&) = delete;
-
-    HWND Window() const { return m_window; }
+    static HWND Window() { return GetDesktopWindow(); }
     // What it was told since the last call; waits for so much, up to 10 s.
-    std::string Take(size_t length) {
-        for (int looks = 0; looks < 10000; ++looks, Sleep(1)) {
-            const std::lock_guard lock(m_mutex);
-            if (m_told.size() >= length) return std::exchange(m_told, {});
+    static std::string Take(size_t length) {
+        for (int looks = 0;; ++looks, Sleep(1)) {
+            const std::lock_guard lock(s_mutex);
+            if (s_told.size() >= length || looks == 10000) return std::exchange(s_told, {});
         }
-        return std::exchange(m_told, {});
     }
 
 private:
-    void Run() {
-        WNDCLASSW windowClass{};
-        windowClass.lpszClassName = L"owner";
-        windowClass.lpfnWndProc = [](HWND window, UINT message, WPARAM wParam, LPARAM lParam) -> LRESULT {
-            auto* const self = reinterpret_cast<Owner*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-            if (message == WM_CLOSE) PostQuitMessage(0);
-            if (message != kUsbProgressMessage && message != kUsbStatusMessage) {
-                return DefWindowProcW(window, message, wParam, lParam);
-            }
-            const std::lock_guard lock(self->m_mutex);
-            auto* const text = reinterpret_cast<wchar_t*>(lParam);
-            if (text != nullptr) self->m_told += Narrow(text) + ";";
-            if (text == nullptr) {
-                self->m_told += (message == kUsbProgressMessage ? "peer " : "status ") + std::to_string(wParam) + ";";
-            }
-            std::free(text);
-            return 0;
-        };
-        RegisterClassW(&windowClass);
-        const HWND window = CreateWindowW(L"owner", nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
-        SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-        m_window = window;
-        for (MSG message; GetMessageW(&message, nullptr, 0, 0) > 0;) DispatchMessageW(&message);
+    static BOOL Note(bool isRight, const std::string& told) {
+        const std::lock_guard lock(s_mutex);
+        s_told += (isRight ? told : "wrong message") + ";";
+        return TRUE;
     }
 
-    std::atomic<HWND> m_window = nullptr;
-    std::mutex m_mutex;
-    std::string m_told;
-    std::thread m_thread;  // last: it uses the members above
+    static inline std::mutex s_mutex;
+    static inline std::string s_told;
+    ImportPatch<decltype(&SendMessageW)> m_send{
+        kProgram, "SendMessageW", [](HWND, UINT message, WPARAM wParam, LPARAM lParam) -> LRESULT {
+            const std::unique_ptr<wchar_t, decltype(&std::free)> text(reinterpret_cast<wchar_t*>(lParam), std::free);
+            return Note(message == kUsbProgressMessage, text ? Narrow(text.get()) : "peer " + std::to_string(wParam));
+        }};
+    ImportPatch<decltype(&PostMessageW)> m_post{
+        kProgram, "PostMessageW", [](HWND, UINT message, WPARAM wParam, LPARAM) {
+            return Note(message == kUsbStatusMessage, "status " + std::to_string(wParam));
+        }};
 };
 
 class UsbSession : public testing::Test {
 protected:
-    void Connect() {
+    void Connect(HWND owner = nullptr) {
+        session->SetOwnerWindow(owner);
         session->SetBaseDirectory(folder.Path().c_str());
         ASSERT_EQ(session->Connect(usb.Device(), false), 0U);
     }
@@ -104,12 +82,14 @@ protected:
         Exchange("35120000" + OnTheWire(name), "36120000");
         return usb.Take(8);
     }
-    // What a request gives that waits for the peer.
+    // What a request gives that waits for the peer: what goes and what comes, in turns.
     template <class Work>
-    auto Ask(Work work, const std::string& goes, const std::string& answer) {
+    auto Ask(Work work, const std::vector<std::string>& exchange) {
         auto result = std::async(std::launch::async, work);
-        EXPECT_EQ(usb.Take(goes.size() / 2), goes);
-        usb.Put(answer);
+        for (size_t i = 0; i < exchange.size(); i += 2) {
+            EXPECT_EQ(usb.Take(exchange[i].size() / 2), exchange[i]);
+            usb.Put(exchange[i + 1]);
+        }
         if (result.wait_for(10s) != std::future_status::ready) RunAndEnd([] { FAIL() << "no end"; });
         return result.get();
     }

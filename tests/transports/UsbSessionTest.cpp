@@ -1,3 +1,4 @@
+// What a session serves, asks and tells.
 #include <cstring>
 #include <process.h>
 
@@ -16,18 +17,19 @@ TEST_F(UsbSession, ServesThePeerAndTellsItsOwner) {
         const ImportPatch<decltype(&GetDiskFreeSpaceExW)> space(
             kProgram, "GetDiskFreeSpaceExW", [](LPCWSTR path, PULARGE_INTEGER mine, PULARGE_INTEGER, PULARGE_INTEGER) {
                 s_measured = path;
-                mine->QuadPart = 0x0807060504030201;
+                mine->QuadPart = 0x8807060504030201;
                 return TRUE;
             });
         std::filesystem::create_directory(folder.Path(L"d"));
-        Owner owner;
-        session->SetOwnerWindow(owner.Window());
-        Connect();
+        const std::filesystem::path base = folder.Path();
+        const std::wstring up = L"..\\" + base.filename().wstring() + L"\\up";
+        const std::wstring deep = std::wstring(120, L'd') + L"\\" + std::wstring(120, L'e') + L"\\f";
+        const Owner owner;
+        Connect(owner.Window());
         const std::string h = Open(L"f");
         const std::string full = Open(L"full");
         std::memcpy(&s_full, FromHex(full).data(), sizeof(s_full));
         EXPECT_EQ(owner.Take(33), "Opening 'f'...;Opening 'full'...;");
-        const std::string longName(522 * 2, '1');
         const struct {
             std::string comes;
             std::string goes;
@@ -48,16 +50,21 @@ TEST_F(UsbSession, ServesThePeerAndTellsItsOwner) {
             {"41120000" + OnTheWire(L"d"), "4212000001000000", "", L""},
             {"41120000" + OnTheWire(L"f"), "4212000000000000", "", L""},
             {"41120000" + OnTheWire(L"none"), "4212000000000000", "", L""},
-            {"45120000", "461200000102030405060708", "", L""},
+            {"45120000", "461200000102030405060788", "", L""},
             {"37120000" + kNone + "00000000", "3812000000000000", "Reading from 'f'...;", L""},
             {"37120000" + kNone + "ffffffff", "3812000000000000", "", L"Command:0x00001237 is for 4294967295 bytes"},
             {"3d120000" + h, "3e120000", "Closing 'f'...;", L""},
-            {"39120000" + h + "01000000 41", "3a12000000000000", "", L"no open file with handle"},
+            {"39120000" + h + "01300000" + std::string(0x3001 * 2, '3'), "3a12000000000000", "",
+             L"no open file with handle"},
             {"37120000" + h + "01000000", "3812000000000000", "", L"no open file with handle"},
             {"3b120000" + h + "0100000000000000 00000000", "3c1200000000000000000000", "", L"no open file"},
             {"3d120000" + h, "3e120000", "", L"no open file with handle"},
-            {"35120000 0a020000" + longName, "36120000" + kNone, "", L"Command:0x00001235 has a name of 522 bytes"},
+            {"35120000 0a020000" + std::string(522 * 2, '1'), "36120000" + kNone, "",
+             L":0x00001235 has a name of 522 bytes"},
             {"41120000 01000000 61", "4212000000000000", "", L"Command:0x00001241 has a name of 1 bytes"},
+            {"35120000" + OnTheWire(up), "36120000" + kNone, "", L"leaves the directory"},
+            {"35120000" + OnTheWire(base / "drive"), "36120000" + kNone, "", L"leaves the directory"},
+            {"41120000" + OnTheWire(base / "d"), "4212000000000000", "", L"leaves the directory"},
             {"36120000" + h + "33120000", "34120000", "peer 1;", L"Nobody asked for reply:0x00001236"},
             {"38120000 05000000 3312000034 33120000", "34120000", "peer 1;", L"Nobody asked for reply:0x00001238"},
             {"48120000 33120000", "34120000", "peer 1;", L"Nobody asked for reply:0x00001248"},
@@ -73,19 +80,22 @@ TEST_F(UsbSession, ServesThePeerAndTellsItsOwner) {
             std::wstring all;
             for (const auto& line : log.GetLines()) all += line.message;
             EXPECT_NE(all.find(c.logged), std::wstring::npos) << c.logged;
-            if (*c.logged == 0) {
-                EXPECT_TRUE(log.Messages(LogLevel::Error).empty()) << c.comes;
-            }
+            EXPECT_TRUE(*c.logged != 0 || log.Messages(LogLevel::Error).empty()) << c.comes;
         }
         EXPECT_EQ(BytesOf(folder.Path(L"f")), "A`\x7f");
+        EXPECT_TRUE(CanWrite(folder.Path(L"f")) && DeleteFileW(folder.Path(L"f").c_str())) << "closed by the peer";
         EXPECT_EQ(s_measured, folder.Path());
+        session->SetMayLeaveDirectories(true);
+        for (const std::wstring& name : {up, (base / "drive").wstring(), deep}) EXPECT_NE(Open(name), kNone);
+        Exchange("41120000" + OnTheWire(base / "d"), "4212000001000000");
         session->SetAlternateDirectory(folder.Path(L"other").c_str());
         Open(L"C:\\Users\\a.txt");
         Open(L"plain.txt");
-        Exchange("45120000", "461200000102030405060708");
+        Exchange("45120000", "461200000102030405060788");
         Exchange("41120000" + OnTheWire(L"d"), "4212000001000000");  // still below the base directory
         EXPECT_EQ(s_measured, folder.Path(L"other"));
-        EXPECT_FALSE(CanWrite(folder.Path(L"other\\Users\\a.txt")) || CanWrite(folder.Path(L"other\\plain.txt")));
+        const std::wstring files[] = {L"up", L"drive", deep, L"other\\Users\\a.txt", L"other\\plain.txt", L"full"};
+        for (const auto& file : files) EXPECT_FALSE(CanWrite(folder.Path(file))) << file;
         DWORD status = 0;
         EXPECT_TRUE(session->GetFinishStatus(status));
         EXPECT_EQ(status, 7U);
@@ -96,44 +106,47 @@ TEST_F(UsbSession, ServesThePeerAndTellsItsOwner) {
         session->CloseSession();
         EXPECT_EQ(owner.Take(0), "");
         EXPECT_FALSE(std::filesystem::exists(folder.Path(L"a")));
+        for (const auto& file : files) EXPECT_TRUE(CanWrite(folder.Path(file))) << file;
         EXPECT_TRUE(CanWrite(usb.Device().GetString()));
     });
 }
 
 TEST_F(UsbSession, AsksThePeerAndEachRequestFailsInItsOwnWay) {
     EXPECT_IN_FRESH_PROCESS([&] {
-        const HANDLE file = reinterpret_cast<HANDLE>(UINT_PTR{4});
-        const std::string h = "0400000000000000";
+        const HANDLE file = reinterpret_cast<HANDLE>(UINT64{0x8807060504030201});
+        const std::string h = "0102030405060788";
         char buffer[3] = {};
         const auto opens = [&] {
             const HANDLE opened = session->OpenDataFile(L"a");
             return opened == file ? 4 : opened == INVALID_HANDLE_VALUE ? -1 : -2;
         };
+        const auto exists = [&] { return INT64{session->DoesDirectoryExist(L"a")}; };
         const auto reads = [&] { return static_cast<INT64>(session->ReadData(file, buffer, 3)); };
         const auto writes = [&] { return INT64{CauseOf([&] { session->WriteData(file, "A`", 2); })}; };
+        const std::string asked = "41120000020000006100";
+        std::vector<std::string> nothingTaken;  // ten times in a row, though not the first time
+        for (int i = 0; i < 20; ++i) {
+            nothingTaken.push_back("39120000" + h + (i < 10 ? "020000004160" : "0100000060"));
+            nothingTaken.emplace_back(i == 9 ? "3a120000 01000000" : "3a120000 00000000");
+        }
         const struct {
             std::function<INT64()> request;
-            std::vector<std::string> exchange;  // what goes, what comes, in turns
+            std::vector<std::string> exchange;
             INT64 result;
             INT64 failure;
         } cases[] = {
-            {opens,
-             {"3512000002000000"
-              "6100",
-              "36120000" + h},
-             4,
-             -1},
-            {[&] { return INT64{session->DoesDirectoryExist(L"a")}; },
-             {"41120000020000006100", "42120000 01000000"},
-             1,
-             0},
+            {opens, {"35120000020000006100", "36120000" + h}, 4, -1},
+            {exists, {asked, "42120000 01000000"}, 1, 0},
+            // What cannot be read is asked for again, by either end.
+            {exists, {asked, "50120000", asked, "42120000 01000000"}, 1, 0},
+            {exists, {asked, "bd120000 01000000", "50120000", "42120000 01000000"}, 1, 0},
             {[&] { return static_cast<INT64>(session->DriveFreeSpace()); },
-             {"45120000", "46120000 0700000000000000"},
-             7,
+             {"45120000", "46120000 0000000001000080"},
+             static_cast<INT64>(0x8000000100000000),
              0},
             {[&] { return session->SeekData(file, -2, FILE_END); },
-             {"3b120000" + h + "feffffffffffffff02000000", "3c120000 0500000000000000"},
-             5,
+             {"3b120000" + h + "feffffffffffffff02000000", "3c120000 0500000001000000"},
+             0x100000005,
              0},
             // A reply that promises too much counts as nothing; what is missing is asked for again.
             {reads,
@@ -146,20 +159,14 @@ TEST_F(UsbSession, AsksThePeerAndEachRequestFailsInItsOwnWay) {
               "3a120000 01000000", "39120000" + h + "0100000060", "3a120000 01000000"},
              -1,
              ERROR_GEN_FAILURE},
+            {writes, nothingTaken, ERROR_DISK_FULL, ERROR_GEN_FAILURE},
             {[&] { return session->CloseFile(file), INT64{0}; }, {"3d120000" + h, "3e120000"}, 0, 0},
         };
-        Owner owner;
-        session->SetOwnerWindow(owner.Window());
+        const Owner owner;
         const LogCapture log;
-        Connect();
-        for (const auto& c : cases) {
-            auto result = std::async(std::launch::async, c.request);
-            for (size_t i = 0; i < c.exchange.size(); i += 2) {
-                EXPECT_EQ(usb.Take(c.exchange[i].size() / 2), c.exchange[i]);
-                usb.Put(c.exchange[i + 1]);
-            }
-            EXPECT_EQ(result.get(), c.result) << c.exchange[0];
-        }
+        usb.mostBytes = 3;
+        Connect(owner.Window());
+        for (const auto& c : cases) EXPECT_EQ(Ask(c.request, c.exchange), c.result) << c.exchange[0];
         EXPECT_EQ(std::string(buffer, 1), "3");  // each read lands at the start
         for (const wchar_t* error :
              {L"Read Failed! 0 of 3 bytes read!", L"Read Failed! 2 of 3 bytes read!",
@@ -167,11 +174,13 @@ TEST_F(UsbSession, AsksThePeerAndEachRequestFailsInItsOwnWay) {
             EXPECT_TRUE(log.Contains(LogLevel::Error, error)) << error;
         }
         EXPECT_TRUE(log.Contains(LogLevel::Warning, L"Write Incomplete! 1 of 2 bytes written!"));
-        usb.writeError = ERROR_GEN_FAILURE;
-        for (const auto& c : cases) EXPECT_EQ(c.request(), c.failure) << c.exchange[0];
-        usb.writeError = 0;
-        for (const auto& c : cases) EXPECT_EQ(c.request(), c.failure) << c.exchange[0];
+        for (const DWORD error : {ERROR_GEN_FAILURE, ERROR_SUCCESS}) {
+            usb.writeError = error;
+            for (const auto& c : cases) EXPECT_EQ(c.request(), c.failure) << c.exchange[0];
+        }
         EXPECT_EQ(owner.Take(11), "status 322;");
+        session.reset();
+        EXPECT_TRUE(usb.calls.ends_with("free 00;")) << "not closed";
     });
 }
 
@@ -182,13 +191,11 @@ TEST_F(UsbSession, EndsByFinishFarewellOrAFailureAndAsksNothingAfterwards) {
     } cases[] = {{"48120000", ""}, {"49120000", "peer 0;"}, {"33120000", "peer 1;status 322;"}};
     for (const auto& c : cases) {
         EXPECT_IN_FRESH_PROCESS([&] {
-            Owner owner;
-            session->SetOwnerWindow(owner.Window());
-            Connect();
+            const Owner owner;
+            Connect(owner.Window());
             if (*c.told == 0) {
-                EXPECT_EQ(
-                    Ask([&] { return session->Finish(9), session->DriveFreeSpace(); }, "4712000009000000", c.comes),
-                    0U);
+                const auto finish = [&] { return session->Finish(9), session->DriveFreeSpace(); };
+                EXPECT_EQ(Ask(finish, {"4712000009000000", c.comes}), 0U);
             } else {
                 usb.writeError = ERROR_GEN_FAILURE;
                 usb.Put(c.comes);
@@ -196,7 +203,8 @@ TEST_F(UsbSession, EndsByFinishFarewellOrAFailureAndAsksNothingAfterwards) {
             EXPECT_EQ(owner.Take(std::string_view(c.told).size()), c.told);
             usb.writeError = 0;
             EXPECT_EQ(session->OpenDataFile(L"late"), INVALID_HANDLE_VALUE);
-            session->CloseSession();
+            session.reset();
+            EXPECT_TRUE(usb.calls.ends_with("free 00;")) << "not closed";
         });
     }
 }
@@ -222,9 +230,8 @@ TEST_F(UsbSession, WhatItLacksIsTold) {
     EXPECT_IN_FRESH_PROCESS([&] {
         const ImportPatch<void* (*)(void*, size_t)> memory(LoadedModule(L"framework.dll"), "realloc",
                                                            [](void*, size_t) -> void* { return nullptr; });
-        Owner owner;
-        session->SetOwnerWindow(owner.Window());
-        Connect();
+        const Owner owner;
+        Connect(owner.Window());
         usb.Put("33120000");
         EXPECT_EQ(owner.Take(18), "peer 1;status 322;");
     });

@@ -7,8 +7,7 @@
 #include <future>
 #include <string>
 
-#include "peers/LinkSocket.h"
-#include "peers/StartProgram.h"
+#include "peers/FakeWinUsb.h"
 #include "siblings/coresv/LoggingService.h"
 #include "transports/WinUsbSession.h"
 
@@ -16,40 +15,31 @@ namespace {
 
 constexpr DWORD kRoundMilliseconds = 60000;
 
-CString DeviceFile(const std::string& text) {
-    WCHAR folder[MAX_PATH];
-    GetTempPathW(MAX_PATH, folder);
-    CString device;
-    device.Format(L"%susb-soak-%u", folder, GetCurrentProcessId());
-    CFile(device, CFile::modeCreate | CFile::modeWrite).Write(text.data(), static_cast<UINT>(text.size()));
-    return device;
-}
-
 // Odd rounds leave the end to the destructor.
 bool Greet(bool isOdd) {
+    FakeWinUsb usb;
+    usb.writeError = ERROR_GEN_FAILURE;
     WinUsbSession session;
-    const bool isRight = session.Connect(DeviceFile("refuse"), true) == ERROR_PIPE_NOT_CONNECTED;
+    const bool isRight = session.Connect(usb.Device(), true) == ERROR_PIPE_NOT_CONNECTED;
     if (!isOdd) session.CloseSession();
     return isRight;
 }
 
 // Odd rounds close while the request is anywhere on its way; in even ones it has crossed.
 bool Close(bool isOdd) {
-    const LinkSocket listener = LinkSocket::Listen();
+    FakeWinUsb usb;
     WinUsbSession session;
-    if (session.Connect(DeviceFile("port " + std::to_string(listener.Port())), false) != 0) return false;
+    if (session.Connect(usb.Device(), false) != 0) return false;
     auto opened = std::async(std::launch::async, [&] { return session.OpenDataFile(L"a"); });
-    const LinkSocket peer = listener.Accept(kRoundMilliseconds);
-    char request = 0;
-    const bool isRight = isOdd || peer.Receive(&request, 1) == 1;
+    const bool isRight = isOdd || usb.Take(1) == "35";
     session.CloseSession();
     return opened.get() == INVALID_HANDLE_VALUE && isRight;
 }
 
 bool Breath(bool isOdd) {
-    const LinkSocket listener = LinkSocket::Listen();
+    FakeWinUsb usb;
     WinUsbSession session;
-    const bool isRight = session.Connect(DeviceFile("port " + std::to_string(listener.Port())), false) == 0;
+    const bool isRight = session.Connect(usb.Device(), false) == 0;
     if (!isOdd) session.CloseSession();
     return isRight;
 }
@@ -60,6 +50,23 @@ bool Round(const std::wstring& kind, bool isOdd) {
     return kind == L"greet" ? Greet(isOdd) : kind == L"close" ? Close(isOdd) : Breath(isOdd);
 }
 
+// The exit code; INFINITE for one that hangs or does not start.
+DWORD RunOnce(const std::wstring& program, const std::wstring& arguments) {
+    std::wstring command = L"\"" + program + L"\" " + arguments;
+    STARTUPINFOW startup{};
+    startup.cb = sizeof(startup);
+    PROCESS_INFORMATION process{};
+    CreateProcessW(program.c_str(), command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process);
+    DWORD exitCode = INFINITE;
+    if (WaitForSingleObject(process.hProcess, kRoundMilliseconds) == WAIT_OBJECT_0) {
+        GetExitCodeProcess(process.hProcess, &exitCode);
+    }
+    TerminateProcess(process.hProcess, 1);
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+    return exitCode;
+}
+
 }  // namespace
 
 int wmain(int argc, wchar_t** argv) {
@@ -67,16 +74,9 @@ int wmain(int argc, wchar_t** argv) {
     const std::wstring kind = argv[1];
     if (argc > 3) return Round(kind, _wtoi(argv[3]) % 2 != 0) ? 0 : 1;
     for (int round = 0; round < _wtoi(argv[2]); ++round) {
-        const HANDLE process = StartProgram(argv[0], kind + L" once " + std::to_wstring(round));
-        const bool hasEnded = WaitForSingleObject(process, kRoundMilliseconds) == WAIT_OBJECT_0;
-        DWORD exitCode = 0;
-        GetExitCodeProcess(process, &exitCode);
-        if (hasEnded && exitCode == 0) {
-            CloseHandle(process);
-            continue;
-        }
-        std::printf("%ls: round %d %s\n", kind.c_str(), round, hasEnded ? "fails" : "hangs");
-        TerminateProcess(process, 1);
+        const DWORD exitCode = RunOnce(argv[0], kind + L" once " + std::to_wstring(round));
+        if (exitCode == 0) continue;
+        std::printf("%ls: round %d %s\n", kind.c_str(), round, exitCode == INFINITE ? "hangs" : "fails");
         return 1;
     }
     std::printf("%ls: %ls rounds\n", kind.c_str(), argv[2]);
