@@ -55,6 +55,13 @@ if build windows; then
     for dll in RegistryRules RulesC; do
         if scripts/check-exports build/windows/bin/$dll.dll; then passed=$((passed + 1)); else fail "the export table of $dll"; fi
     done
+    step "asking the system what the library depends on"
+    if (cd build && ../scripts/wine-run windows/bin/RulesProbe.exe) >build/probe.log 2>&1; then
+        passed=$((passed + 1))
+    else
+        grep DIFFERS build/probe.log
+        fail "the probe (see build/probe.log)"
+    fi
     step "hosts by other compilers and in other languages"
     if scripts/check-c-hosts windows; then passed=$((passed + 1)); else fail "the hosts of the C interface"; fi
     step "carrying settings from one machine to another and back"

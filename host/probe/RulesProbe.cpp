@@ -1,0 +1,120 @@
+// RulesProbe [REPORT]: asks this system what the library depends on and prints a table: how it answers, and whether
+// that is as on Windows, as on Wine, or as on neither, which the library was not made for. Writes the same into REPORT,
+// for sending it ("RulesProbe-report.txt" here when it is not named). Changes nothing but in a folder and a key of its
+// own, which it removes; asks for no rights beyond a user's.
+//
+// Exit code: 0 when each answer is one that is known, 1 when one differs, 2 when it cannot work.
+#include <windows.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <stdexcept>
+
+#include "ProbeRows.h"
+#include "carry/KeyAccess.h"
+
+namespace {
+
+constexpr wchar_t kKeyPath[] = L"Software\\RulesProbe";
+
+class ScopedPlace {
+public:
+    ScopedPlace() {
+        place.folder =
+            std::filesystem::temp_directory_path() / (L"RulesProbe-" + std::to_wstring(GetCurrentProcessId()));
+        std::filesystem::create_directory(place.folder);
+        if (RegCreateKeyExW(HKEY_CURRENT_USER, kKeyPath, 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr,
+                            &place.key, nullptr) != ERROR_SUCCESS) {
+            throw std::runtime_error("no key can be made below HKEY_CURRENT_USER\\Software");
+        }
+    }
+    ~ScopedPlace() {
+        RegCloseKey(place.key);
+        RemoveBranch({HKEY_CURRENT_USER, kKeyPath});
+        std::error_code ignored;
+        std::filesystem::remove_all(L"\\\\?\\" + place.folder, ignored);
+    }
+    ScopedPlace(const ScopedPlace&) = delete;
+    ScopedPlace& operator=(const ScopedPlace&) = delete;
+
+    ProbePlace place;
+};
+
+// Prints each line, and keeps it for the report.
+class Report {
+public:
+    void Line(const std::string& line) {
+        std::printf("%s\n", line.c_str());
+        m_text += line + "\r\n";
+    }
+    bool Save(const wchar_t* file) const {
+        std::FILE* const out = _wfopen(file, L"wb");
+        if (out == nullptr) return false;
+        const bool isWritten = std::fwrite(m_text.data(), 1, m_text.size(), out) == m_text.size();
+        return std::fclose(out) == 0 && isWritten;
+    }
+
+private:
+    std::string m_text;
+};
+
+std::string Padded(std::string text, std::size_t width) {
+    text.resize(std::max(text.size(), width), ' ');
+    return text;
+}
+
+bool IsWine() {
+    return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
+}
+
+// False when the answer is one that nobody expects.
+bool Tell(Report& report, const ProbeRow& row, const ProbePlace& place) {
+    std::string seen;
+    std::string verdict;
+    bool isKnown = true;
+    try {
+        SetLastError(0);
+        seen = row.look(place);
+        const bool isWindows = row.windows != nullptr && seen == row.windows;
+        const bool isWine = row.wine != nullptr && seen == row.wine;
+        isKnown = row.windows == nullptr || isWindows || isWine;
+        verdict = row.windows == nullptr ? "told"
+                  : isWindows            ? (isWine ? "as on both" : "as on Windows")
+                  : isWine               ? "as on Wine"
+                                         : std::string("DIFFERS: expected ") + row.windows;
+    } catch (const std::exception& problem) {
+        verdict = std::string("not asked: ") + problem.what();
+    }
+    report.Line(Padded(std::to_string(row.number), 4) + Padded(row.question, 52) + Padded(seen, 26) + verdict);
+    return isKnown;
+}
+
+int Probe(const wchar_t* file) {
+    const ScopedPlace scoped;
+    Report report;
+    report.Line(std::string("RulesProbe on ") + (IsWine() ? "Wine" : "Windows"));
+    int differences = 0;
+    for (const auto rows : {ControlRows(), FileRows(), SystemRows()}) {
+        for (const ProbeRow& row : rows) differences += Tell(report, row, scoped.place) ? 0 : 1;
+    }
+    report.Line(differences == 0 ? "Every answer is one that the library knows."
+                                 : std::to_string(differences) + " answer(s) differ.");
+    if (!report.Save(file)) throw std::runtime_error("the report cannot be written");
+    return differences == 0 ? 0 : 1;
+}
+
+}  // namespace
+
+std::string YesOrStatus(bool isDone) {
+    const DWORD status = GetLastError();
+    return isDone ? "yes" : "no (" + std::to_string(status) + ")";
+}
+
+int wmain(int argc, wchar_t** argv) {
+    try {
+        return Probe(argc > 1 ? argv[1] : L"RulesProbe-report.txt");
+    } catch (const std::exception& problem) {
+        std::fprintf(stderr, "RulesProbe: %s\n", problem.what());
+        return 2;
+    }
+}
