@@ -43,6 +43,7 @@ constexpr const char* Usage =
     "  --user WHO         who HKEY_CURRENT_USER is: a SID, a name or a profile folder\n"
     "  --json             prints JSON: list, check, and the reports of capture and apply\n"
     "  --help             prints this text\n"
+    "  --version          prints the version\n"
     "\n"
     "Exit codes:\n"
     "  0   done\n"
@@ -110,6 +111,10 @@ std::string ExceptionText(CException* problem) {
 ExitCode RunHost(const std::vector<std::wstring>& arguments) {
     if (arguments.size() == 1 && arguments[0] == L"--help") {
         PrintOutput(Usage);
+        return ExitCode::Done;
+    }
+    if (arguments.size() == 1 && arguments[0] == L"--version") {
+        PrintOutput("RulesHost " RULES_HOST_VERSION "\n");
         return ExitCode::Done;
     }
     try {
