@@ -57,7 +57,6 @@ TEST(JunctionBuffer, HostileBytesGiveNoMoreThanTheyHold) {
         {"another kind of link", Changed(0, 0x0C), L""},
         {"no system's prefix", Changed(18, 'x'), L"\\x?\\C:\\t"},
         {"a lone surrogate", Changed(31, 0xD8), L"C:\\\xd874"},
-        {"no end", whole.substr(0, 16) + std::string(0xFFF0, 'a'), std::wstring((0x4000 - 16) / 2, L'\x6161')},
-    };
+        {"no end", whole.substr(0, 16) + std::string(0xFFF0, 'a'), std::wstring((0x4000 - 16) / 2, L'\x6161')}};
     for (const auto& [name, bytes, target] : rows) EXPECT_EQ(Decoded(bytes), target) << name;
 }

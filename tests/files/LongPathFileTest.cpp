@@ -89,6 +89,9 @@ TEST(LongPathFile, ThePrefixComesFromTwoHundredAndFortyEightCharactersOn) {
         ExpectSystemPaths(prefixed, prefixed, prefixed);
     }
     ExpectSystemPaths(L"", L"", L"");
+    LongPath::ReplaceFile(L"X:\\new", L"X:\\read-only");
+    EXPECT_EQ(TakePaths(), (Paths{L"X:\\read-only", L"X:\\read-only", L"X:\\new", L"X:\\read-only"}));
+    EXPECT_EQ(TakeNumbers(), (Numbers{0, 3})) << "no attribute is left, and then it moves";
 }
 
 TEST(LongPathFile, APathWithAZeroInsideReachesNoCall) {

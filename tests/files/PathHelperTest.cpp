@@ -64,16 +64,13 @@ TEST(PathHelper, WhatTheSystemKnowsOfAPath) {
               (Paths{fits.GetString(), (L"\\\\?\\" + fits).GetString(), prefixed, prefixed, L"q:", L"\\\\?\\q:\\"}));
 
     SetEnvironmentVariableW(L"PATH_HELPER_TEST", dir.Path().c_str());
-    const struct {
-        LPCWSTR path;
-        bool isFile, isDirectory;
-    } rows[] = {{L"%PATH_HELPER_TEST%\\a rather long name.extension", true, false},
-                {L"%PATH_HELPER_TEST%", false, true},
-                {L"%PATH_HELPER_TEST%\\none", false, false},
-                {L"", false, false}};
-    for (const auto& row : rows) {
-        EXPECT_EQ(CPathHelper::FileExists(row.path), row.isFile);
-        EXPECT_EQ(CPathHelper::DirectoryExists(row.path), row.isDirectory);
+    const std::tuple<LPCWSTR, bool, bool> rows[] = {{L"%PATH_HELPER_TEST%\\a rather long name.extension", true, false},
+                                                    {L"%PATH_HELPER_TEST%", false, true},
+                                                    {L"%PATH_HELPER_TEST%\\none", false, false},
+                                                    {L"", false, false}};
+    for (const auto& [path, isFile, isDirectory] : rows) {
+        EXPECT_EQ(CPathHelper::FileExists(path), isFile);
+        EXPECT_EQ(CPathHelper::DirectoryExists(path), isDirectory);
     }
     const CString deep = (L"C:\\" + std::wstring(40000, L'x')).c_str();
     EXPECT_TRUE(CPathHelper::IsSameRoot(deep, L"c:\\y"));

@@ -139,8 +139,7 @@ TEST_F(TextFile, ReadsShortBrokenAndMarkedFilesAndLineEndsAcrossBlocks) {
         {kM, {}},
         {kM + "\xC3\xA4\r\n\xF0\x9F\x98\x80", {"\xC3\xA4", "\xF0\x9F\x98\x80"}},
         {"a\xFFz\r\nb", {"a\xEF\xBF\xBDz", "b"}},
-        {std::string("a\0b\nc", 5), {std::string("a\0b", 3), "c"}},
-    };
+        {std::string("a\0b\nc", 5), {std::string("a\0b", 3), "c"}}};
     for (const auto& [bytes, lines] : rows) {
         PutBytes(m_path, bytes);
         EXPECT_EQ(Read(m_path), lines) << bytes;

@@ -24,21 +24,19 @@ TEST(TextLineSplitter, KnownTextsInBlocksOfAnySize) {
     const struct {
         std::string text;
         Lines lines, withEnds;
-    } rows[] = {
-        {"", {}, {}},
-        {"a", {"a"}, {"a"}},
-        {"a\r\nb", {"a", "b"}, {"a\r\n", "b"}},
-        {"a\n\rb\rc\nd", {"a", "b", "c", "d"}, {"a\n\r", "b\r", "c\n", "d"}},
-        {"\r\n\r\n", {"", ""}, {"\r\n", "\r\n"}},
-        {"a\n\nb", {"a", "", "b"}, {"a\n", "\n", "b"}},
-        {"a\r\n\nb", {"a", "", "b"}, {"a\r\n", "\n", "b"}},
-        {"a\r\r\n\n\r\rb", {"a", "", "", "", "b"}, {"a\r", "\r\n", "\n\r", "\r", "b"}},
-        {"a\r\n", {"a"}, {"a\r\n"}},
-        // A single end at the very end was never looked at.
-        {"a\n", {"a\n"}, {"a\n"}},
-        {"\r", {"\r"}, {"\r"}},
-        {"a\n\n", {"a", "\n"}, {"a\n", "\n"}},
-    };
+    } rows[] = {{"", {}, {}},
+                {"a", {"a"}, {"a"}},
+                {"a\r\nb", {"a", "b"}, {"a\r\n", "b"}},
+                {"a\n\rb\rc\nd", {"a", "b", "c", "d"}, {"a\n\r", "b\r", "c\n", "d"}},
+                {"\r\n\r\n", {"", ""}, {"\r\n", "\r\n"}},
+                {"a\n\nb", {"a", "", "b"}, {"a\n", "\n", "b"}},
+                {"a\r\n\nb", {"a", "", "b"}, {"a\r\n", "\n", "b"}},
+                {"a\r\r\n\n\r\rb", {"a", "", "", "", "b"}, {"a\r", "\r\n", "\n\r", "\r", "b"}},
+                {"a\r\n", {"a"}, {"a\r\n"}},
+                // A single end at the very end was never looked at.
+                {"a\n", {"a\n"}, {"a\n"}},
+                {"\r", {"\r"}, {"\r"}},
+                {"a\n\n", {"a", "\n"}, {"a\n", "\n"}}};
     for (const auto& row : rows) {
         for (size_t second = 0; second <= row.text.size(); ++second) {
             for (size_t first = 0; first <= second; ++first) {

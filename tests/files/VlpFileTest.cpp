@@ -40,8 +40,7 @@ TEST(VlpFile, EveryFlagReachesTheSystem) {
         {0x11021, {kWrite, FILE_SHARE_READ, TRUE, CREATE_ALWAYS, kNormal | FILE_FLAG_NO_BUFFERING}},
         {0x23031, {kWrite, FILE_SHARE_WRITE, TRUE, OPEN_ALWAYS, kNormal | FILE_FLAG_WRITE_THROUGH}},
         {0x42042, {kRead | kWrite, kShareBoth, TRUE, OPEN_EXISTING, kNormal | FILE_FLAG_RANDOM_ACCESS}},
-        {0x800D0, {kRead, 0, FALSE, OPEN_EXISTING, kNormal | FILE_FLAG_SEQUENTIAL_SCAN}},
-    };
+        {0x800D0, {kRead, 0, FALSE, OPEN_EXISTING, kNormal | FILE_FLAG_SEQUENTIAL_SCAN}}};
     const std::wstring path = L"C:\\" + std::wstring(245, L'x');
     for (const auto& [flags, opening] : rows) {
         CFileException problem;
@@ -80,7 +79,8 @@ TEST(VlpFile, LocalFilesAndMemoryBuffers) {
     file.Write("abcdef", 6);
     EXPECT_EQ(file.Seek(1, CFile::begin), 1U);
     file.Write("X", 1);
-    EXPECT_EQ(file.Read(bytes, sizeof(bytes)) + file.GetPosition(), 4U + 6);
+    EXPECT_EQ(file.Read(bytes, sizeof(bytes)), 4U);
+    EXPECT_EQ(file.GetPosition(), 6U);
     EXPECT_EQ(bytes + BytesOf(path), "cdef0123456789");
     file.Close();
     EXPECT_EQ(BytesOf(path), "aXcdef6789");
@@ -88,7 +88,8 @@ TEST(VlpFile, LocalFilesAndMemoryBuffers) {
     file.SetUseMemoryBuffer(false);
     ASSERT_TRUE(file.Open(path.c_str(), CFile::modeReadWrite));
     EXPECT_EQ(file.Seek(-2, CFile::end), 8U);
-    EXPECT_EQ(file.Read(bytes, sizeof(bytes)) + file.GetPosition(), 2U + 10);
+    EXPECT_EQ(file.Read(bytes, sizeof(bytes)), 2U);
+    EXPECT_EQ(file.GetPosition(), 10U);
 
     const LogCapture log;
     EXPECT_EQ(CauseOf([&] { CVlpFile missing(none.c_str()); }), CFileException::fileNotFound);

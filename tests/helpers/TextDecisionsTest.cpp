@@ -66,7 +66,6 @@ TEST(NumberText, GroupingFollowsTheLocaleText) {
     // counts 0, and one character is passed over.
     const std::pair<const wchar_t*, std::uint32_t> cases[] = {
         {L"3;0", 3}, {L"3;2;0", 32}, {L"0;0", 0}, {L"3;2;1;0", 321}, {L"3", 30},    {L"3;2", 320}, {L"3;", 30},
-        {L"", 0},    {L";", 0},      {L";0", 0},  {L"x;0", 0},       {L"3x;0", 30}, {L"3;;0", 30}, {L"3;0 ", 300},
-    };
+        {L"", 0},    {L";", 0},      {L";0", 0},  {L"x;0", 0},       {L"3x;0", 30}, {L"3;;0", 30}, {L"3;0 ", 300}};
     for (const auto& [text, expected] : cases) EXPECT_EQ(GroupingNumber(text), expected) << text;
 }

@@ -124,8 +124,7 @@ TEST(TextCompare, AsksTheSystemForTheLocaleThatIsMeant) {
         {[] { return EndsWithCrLf(L"\r\nline") || EndsWithCrLf(L"line\n\r"); }, 0, {user, 1, 2, 2}},
         {[] { return EndsWithCrLf(L"\n") || EndsWithCrLf(L""); }, 0, {}},
         {[] { return FindText(L"aB", L"b", 0, false); }, -1, {0x400, 0, 1, 1}},
-        {[] { return FindText(L"aB", L"b", 0, true); }, 1, {0x400, 1, 1, 1}},
-    };
+        {[] { return FindText(L"aB", L"b", 0, true); }, 1, {0x400, 1, 1, 1}}};
     for (const auto& [ask, answer, question] : rows) {
         s_question = {};
         EXPECT_EQ(ask(), answer) << &question - &rows[0].question;
@@ -148,8 +147,7 @@ TEST(TextCompare, FindsFromTheStartOnAndReplacesWithoutScanningWhatWasPutIn) {
         {L"aaa", L"a", L"aa", 0, false, L"aaaaaa", 3}, {L"aaa", L"aa", L"b", 0, false, L"ba", 1},
         {L"aaa", L"a", L"", 0, false, L"", 3},         {L"abc", L"", L"x", 0, false, L"abc", 0},
         {L"xAxa", L"a", L"-", 0, true, L"x-x-", 2},    {L"xAxa", L"a", L"-", 0, false, L"xAx-", 1},
-        {L"aaa", L"a", L"b", 2, false, L"aab", 1},     {L"100% %s", L"%s", L"%d%n", 0, false, L"100% %d%n", 1},
-    };
+        {L"aaa", L"a", L"b", 2, false, L"aab", 1},     {L"100% %s", L"%s", L"%d%n", 0, false, L"100% %d%n", 1}};
     for (const auto& [before, oldText, newText, start, ignoreCase, result, count] : replaced) {
         CString text = before;
         EXPECT_EQ(ReplaceText(text, oldText, newText, start, ignoreCase), count) << Narrow(before);
