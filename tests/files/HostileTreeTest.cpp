@@ -11,6 +11,7 @@
 #include "files/NotedCall.h"
 #include "files/PathHelper.h"
 #include "files/ProfileCreator.h"
+#include "helpers/UniqueHandle.h"
 #include "registry/ProcessPrivilege.h"
 #include "support/FakeVersion.h"
 #include "support/FileBytes.h"
@@ -360,7 +361,7 @@ TEST_F(HostileTree, LinksOfOthersOpenByPrivilegesWhichAreGivenBack) {
         EXPECT_EQ(GetJunctionTarget(link), m_outside);
         EXPECT_EQ(m_volume.HasBackupPrivileges(), enable) << "what a host has enabled stays so";
     }
-    EXPECT_TRUE(CloseHandle(OpenJunction(link, false))) << "a host's own calls open it, too";
+    EXPECT_TRUE(MakeUniqueHandle(OpenJunction(link, false))) << "a host's own calls open it, too";
 }
 
 TEST_F(HostileTree, DamagedAndLockedLinksGiveNothingAndSayWhy) {
