@@ -6,25 +6,21 @@
 
 namespace {
 
-class Administrator : public RulesDialog {};
-
-// From the list: Wine 8's tree view keeps the keys that are pressed with Alt to itself.
-void FocusList(Dialog& d) {
-    d.OnGuiThread([&] { SetFocus(d.Control(IDC_RULE_LIST)); });
-}
-void PressAltF4(Dialog& d) {
-    FocusList(d);
-    d.Key(VK_F4, {VK_MENU});
-}
-void ClickCloseBox(Dialog& d) {
-    const RECT frame = Frame(d.Window());
-    d.Click(POINT{frame.right - 13, frame.top + 12});
-}
-// Puts a text in the place of an edit's, as pasting does, whatever its length.
-void Put(HWND edit, const std::wstring& text) {
-    SendMessageW(edit, EM_SETSEL, 0, -1);
-    SendMessageW(edit, EM_REPLACESEL, 0, reinterpret_cast<LPARAM>(text.c_str()));
-}
+class Administrator : public RulesDialog {
+protected:
+    // From the list: Wine 8's tree view keeps the keys that are pressed with Alt to itself.
+    static void FocusList(Dialog& d) {
+        d.OnGuiThread([&] { SetFocus(d.Control(IDC_RULE_LIST)); });
+    }
+    static void PressAltF4(Dialog& d) {
+        FocusList(d);
+        d.Key(VK_F4, {VK_MENU});
+    }
+    static void ClickCloseBox(Dialog& d) {
+        const RECT frame = Frame(d.Window());
+        d.Click(POINT{frame.right - 13, frame.top + 12});
+    }
+};
 
 }  // namespace
 
@@ -74,12 +70,17 @@ TEST_F(Administrator, EntersTextsOfFortyThousandCharacters) {
     control.AddKeyRule(key.c_str(), 0, 0);
     const std::wstring stripKey = L"HKLM\\" + std::wstring(39995, L's');
     EXPECT_EQ(Show([&](Dialog& d) {
+                  // In the place of an edit's text, as pasting does.
+                  const auto put = [](HWND edit, const std::wstring& text) {
+                      SendMessageW(edit, EM_SETSEL, 0, -1);
+                      SendMessageW(edit, EM_REPLACESEL, 0, reinterpret_cast<LPARAM>(text.c_str()));
+                  };
                   d.Click(IDC_NEW_KEY);
-                  Put(d.Control(IDC_NEW_KEY), stripKey);
-                  Put(d.Control(IDC_NEW_VALUE), name);
+                  put(d.Control(IDC_NEW_KEY), stripKey);
+                  put(d.Control(IDC_NEW_VALUE), name);
                   d.Type(L"\r");
                   Open(1, 1)(d);
-                  Put(CellEditor(d), key + L"x");
+                  put(CellEditor(d), key + L"x");
                   d.Type(L"\r");
                   EXPECT_EQ(RowsOf(d), L"Value|" + stripKey + L"|" + name + L"; Key|" + key + L"x|;");
                   d.Click(IDOK);
@@ -134,77 +135,65 @@ TEST_F(Administrator, MayMakeTwoRowsEqualOfWhichTheNextRunShowsOne) {
     // A look into a cell is a change, also when Escape ends it.
     EXPECT_EQ(Work({{Open(0, 2), L"delete=live, tab focus=cell selected=0"},
                     {Type(L"x\x1b"), L"dirty=yes focus=list"},
-                    {Press(VK_ESCAPE), L"box=" CONFIRM_CANCEL L" focus=elsewhere"},
-                    {Answer(IDYES)}}),
+                    {Press(VK_ESCAPE), L"box=" CONFIRM_CANCEL, IDYES}}),
               0);
 }
 
 TEST_F(Administrator, IsHeldInACellByARefusedKeyUntilItIsCorrectedOrGivenUp) {
     AddBranches({L"HKCU\\a", L"HKCU\\b"});
     const Step open{Open(0, 1), L"cell=HKCU\\a delete=live, tab focus=cell selected=0"};
-    const Step back{Answer(IDOK), L"focus=cell"};
-    const Step refused{Press(VK_F4, VK_MENU), L"box=" BARE_HIVE L" focus=elsewhere"};
+    const Act altF4 = Press(VK_F4, VK_MENU);
     EXPECT_EQ(Work({open,
                     // An emptied key is an unknown hive, not a bare one, and holds a close as well.
                     {Type(L"\b"), L"cell="},
-                    {Press(VK_F4, VK_MENU), L"box=" UNKNOWN_HIVE L" focus=elsewhere"},
-                    back,
+                    {altF4, L"box=" UNKNOWN_HIVE, IDOK},
                     {Type(L"HKLM"), L"cell=HKLM"},
-                    {ClickCell(1, 1), L"box=" BARE_HIVE L" focus=elsewhere selected=1"},
-                    back,
-                    refused,
-                    back,
+                    {Click(1, 1), L"box=" BARE_HIVE L" selected=1", IDOK},
+                    {altF4, L"box=" BARE_HIVE, IDOK},
                     // A key that is given up lets the close through, and the cell keeps its old text.
-                    refused,
-                    {Answer(IDCANCEL)}}),
+                    {altF4, L"box=" BARE_HIVE, IDCANCEL}}),
               0);
     EXPECT_EQ(HostRules(), (Texts{L"Branch|HKCU\\a|32767", L"Branch|HKCU\\b|32767"}));
     // A cell that is held at OK, which its letter presses whatever the cell says, does not hold the next run.
     EXPECT_EQ(Work({open,
                     {Type(L"x"), L"cell=x"},
-                    {Click(IDC_REGISTRY_TREE), L"box=" UNKNOWN_HIVE L" focus=elsewhere"},
-                    back,
-                    {Press(L'O', VK_MENU), L"box=" UNKNOWN_HIVE L" focus=elsewhere"},
-                    {Answer(IDOK)}}),
+                    {Click(IDC_REGISTRY_TREE), L"box=" UNKNOWN_HIVE, IDOK},
+                    {Press(L'O', VK_MENU), L"box=" UNKNOWN_HIVE, IDOK}}),
               0);
     EXPECT_EQ(Work({{ClickCloseBox}}), 0);
 }
 
 TEST_F(Administrator, DeletesRowsAndTheButtonFollowsTheSelection) {
-    AddBranches({L"HKCU\\0", L"HKCU\\1", L"HKCU\\2", L"HKCU\\3"});
+    AddBranches({}, 0, 4);
     Work({{FocusList, L"focus=list"},
           {[](Dialog& d) { d.KeyDown(VK_DOWN); }, L"delete=live selected=0"},  // the selection alone leaves the tab off
           {[](Dialog& d) { d.KeyUp(VK_DOWN); }, L"delete=live, tab"},
-          {ClickCell(1, 1), L"selected=1"},
+          {Click(1, 1), L"selected=1"},
           {Press(VK_DELETE), L"dirty=yes rows=Branch|HKCU\\0|; Branch|HKCU\\2|; Branch|HKCU\\3|;"},
           {Click(IDC_DELETE_RULE), L"focus=delete rows=Branch|HKCU\\0|; Branch|HKCU\\3|;"},
           {Press(L'D', VK_MENU), L"rows=Branch|HKCU\\0|; selected=0"},
           // A dead button must not keep the focus.
           {Press(VK_SPACE), L"delete=dead focus=list rows= selected="},
           {Press(VK_DELETE), L""},
-          {Press(VK_ESCAPE), L"box=" CONFIRM_CANCEL L" focus=elsewhere"},
-          {Answer(IDYES)}});
+          {Press(VK_ESCAPE), L"box=" CONFIRM_CANCEL, IDYES}});
     // With nothing selected the last row becomes selected, is brought into view, and it is a change.
-    for (short row = 4; row < 40; ++row) control.AddKeyRule((L"HKCU\\" + std::to_wstring(row)).c_str(), 1, row);
+    AddBranches({}, 4, 40);
     EXPECT_EQ(Show([&](Dialog& d) {
                   const HWND list = d.Control(IDC_RULE_LIST);
                   Go(d, {{FocusList, L"focus=list"}, {Press(VK_DELETE), L"delete=live, tab dirty=yes selected=39"}});
                   EXPECT_TRUE(ListView_IsItemVisible(list, 39));
                   // A key in the list and a click of the right button look at the selection and set the tab stop by it.
                   const auto select = [&](UINT state) {
-                      d.OnGuiThread([&] { ListView_SetItemState(list, 39, state, LVIS_SELECTED); });
+                      return OnGui([=] { ListView_SetItemState(list, 39, state, LVIS_SELECTED); });
                   };
                   for (const UINT code : {NM_RCLICK, LVN_KEYDOWN}) {
-                      const auto tell = [&](Dialog&) {
+                      const Act tell = OnGui([&] {
                           NMLVKEYDOWN notification{{list, IDC_RULE_LIST, code}, VK_F8, 0};
-                          d.OnGuiThread([&] {
-                              SendMessageW(d.Window(), WM_NOTIFY, IDC_RULE_LIST,
-                                           reinterpret_cast<LPARAM>(&notification));
-                          });
-                      };
-                      Go(d, {{[&](Dialog&) { select(0); }, L"delete=dead, tab selected="},
+                          SendMessageW(d.Window(), WM_NOTIFY, IDC_RULE_LIST, reinterpret_cast<LPARAM>(&notification));
+                      });
+                      Go(d, {{select(0), L"delete=dead, tab selected="},
                              {tell, L"delete=dead"},
-                             {[&](Dialog&) { select(LVIS_SELECTED); }, L"delete=live selected=39"},
+                             {select(LVIS_SELECTED), L"delete=live selected=39"},
                              {tell, L"delete=live, tab"}});
                   }
                   d.Click(IDOK);

@@ -11,58 +11,65 @@ namespace {
 class Mouse : public RulesDialog {
 protected:
     Mouse() { AddBranches({L"HKCU\\a", L"HKCU\\b"}); }
-};
 
-Act HoldOver(int row) {
-    return [=](Dialog& d) { DragTo(d, {L"Vendor"}, d.List(IDC_RULE_LIST).Centre(row, 1)); };
-}
-Act MoveOver(int row, int column = 1) {
-    return [=](Dialog& d) { d.Move(d.List(IDC_RULE_LIST).Centre(row, column)); };
-}
-void MoveToGap(Dialog& d) {
-    d.Move(Gap(d));
-}
-void HoldGap(Dialog& d) {
-    d.Move(Gap(d));
-    d.Press();
-}
-void LetGo(Dialog& d) {
-    d.Release();
-}
-void LoseCapture(Dialog& d) {
-    d.OnGuiThread([] { ReleaseCapture(); });
-}
-// The host's own box, by a timer.
-void ShowHostBox(Dialog& d) {
-    d.OnGuiThread([] {
-        SetTimer(nullptr, 0, 1, [](HWND, UINT, UINT_PTR timer, DWORD) {
-            KillTimer(nullptr, timer);
-            MessageBoxW(GetActiveWindow(), L"of the host", L"", MB_YESNO);
+    using RulesDialog::HoldOver;
+    static Act HoldOver(int row) { return HoldOver({L"Vendor"}, row); }
+    static Act MoveOver(int row, int column = 1) {
+        return [=](Dialog& d) { d.Move(List(d).Centre(row, column)); };
+    }
+    static void MoveToGap(Dialog& d) { d.Move(Gap(d)); }
+    static void HoldGap(Dialog& d) {
+        d.Move(Gap(d));
+        d.Press();
+    }
+    static void MoveGap(Dialog& d) { d.Move({Gap(d).x - 40, Gap(d).y}); }
+    static void LetGo(Dialog& d) { d.Release(); }
+    static void LoseCapture(Dialog& d) {
+        d.OnGuiThread([] { ReleaseCapture(); });
+    }
+    // The host's own box, by a timer.
+    static void ShowHostBox(Dialog& d) {
+        d.OnGuiThread([] {
+            SetTimer(nullptr, 0, 1, [](HWND, UINT, UINT_PTR timer, DWORD) {
+                KillTimer(nullptr, timer);
+                MessageBoxW(GetActiveWindow(), L"of the host", L"", MB_YESNO);
+            });
         });
-    });
-}
-void ClickNo(Dialog& d) {
-    const HWND no = GetDlgItem(GetForegroundWindow(), IDNO);
-    d.Click(no);
-    d.WaitFor("the end of the box", [&] { return !IsWindow(no) && GetForegroundWindow() == d.Window(); });
-}
-// On the dialog's thread: how many pixels of the image's part behind the icon are drawn.
-int Ink(HIMAGELIST image, SIZE size) {
-    const HDC screen = GetDC(nullptr);
-    const HDC memory = CreateCompatibleDC(screen);
-    const HBITMAP bitmap = CreateCompatibleBitmap(screen, size.cx, size.cy);
-    const HGDIOBJ previous = SelectObject(memory, bitmap);
-    PatBlt(memory, 0, 0, size.cx, size.cy, WHITENESS);
-    ImageList_Draw(image, 0, memory, 0, 0, ILD_TRANSPARENT);
-    int ink = 0;
-    for (int i = 0; i < size.cx * size.cy; ++i)
-        ink += i % size.cx > 16 && GetPixel(memory, i % size.cx, i / size.cx) != RGB(255, 255, 255);
-    SelectObject(memory, previous);
-    DeleteObject(bitmap);
-    DeleteDC(memory);
-    ReleaseDC(nullptr, screen);
-    return ink;
-}
+    }
+    static void ClickNo(Dialog& d) {
+        const HWND no = GetDlgItem(GetForegroundWindow(), IDNO);
+        d.Click(no);
+        d.WaitFor("the end of the box", [&] { return !IsWindow(no) && GetForegroundWindow() == d.Window(); });
+    }
+    // On the dialog's thread: the picture is the item's icon and its text, in the tree's font, and nothing around them.
+    static void ExpectDragPicture(HWND tree, const std::wstring& text) {
+        const HDC dc = GetDC(tree);
+        SelectObject(dc, reinterpret_cast<HFONT>(SendMessageW(tree, WM_GETFONT, 0, 0)));
+        SIZE extent{};
+        GetTextExtentPoint32W(dc, text.c_str(), static_cast<int>(text.size()), &extent);
+        POINT hotSpot{};
+        const HIMAGELIST image = ImageList_GetDragImage(nullptr, &hotSpot);
+        int width = 0;
+        int height = 0;
+        ImageList_GetIconSize(image, &width, &height);
+        EXPECT_TRUE(width == 16 + 3 + extent.cx && height == std::max(16L, extent.cy)) << width << " x " << height;
+        EXPECT_TRUE(hotSpot.x == 10 && hotSpot.y == 10);
+        const HDC memory = CreateCompatibleDC(dc);
+        const HBITMAP bitmap = CreateCompatibleBitmap(dc, width, height);
+        const HGDIOBJ previous = SelectObject(memory, bitmap);
+        PatBlt(memory, 0, 0, width, height, WHITENESS);
+        ImageList_Draw(image, 0, memory, 0, 0, ILD_TRANSPARENT);
+        int ink = 0;  // drawn pixels behind the icon
+        for (int x = 17; x < width; ++x) {
+            for (int y = 0; y < height; ++y) ink += GetPixel(memory, x, y) != RGB(255, 255, 255);
+        }
+        EXPECT_TRUE(ink > 40 && ink < extent.cx * extent.cy / 2) << ink;
+        SelectObject(memory, previous);
+        DeleteObject(bitmap);
+        DeleteDC(memory);
+        ReleaseDC(tree, dc);
+    }
+};
 
 }  // namespace
 
@@ -101,42 +108,22 @@ TEST_F(Mouse, ShowsWhereADropWouldGoAndDropsNowhereElse) {
                {MoveOver(0), L"mouse=captured, row 0, image"},
                {[](Dialog& on) { on.Move(on.List(IDC_RULE_LIST).BehindRows()); }, L"mouse=captured, image"},
                {MoveOver(1), L"mouse=captured, row 1, image"}});
-        // The picture is the item's icon and its text, in the tree's font, and nothing around them.
-        d.OnGuiThread([&] {
-            POINT hotSpot{};
-            const HIMAGELIST image = ImageList_GetDragImage(nullptr, &hotSpot);
-            const HWND tree = d.Control(IDC_REGISTRY_TREE);
-            const HDC dc = GetDC(tree);
-            SelectObject(dc, reinterpret_cast<HFONT>(SendMessageW(tree, WM_GETFONT, 0, 0)));
-            SIZE text{};
-            GetTextExtentPoint32W(dc, L"Vendor", 6, &text);
-            ReleaseDC(tree, dc);
-            int width = 0;
-            int height = 0;
-            ImageList_GetIconSize(image, &width, &height);
-            EXPECT_EQ(width, 16 + 3 + text.cx);
-            EXPECT_EQ(height, std::max(16L, text.cy));
-            EXPECT_TRUE(hotSpot.x == 10 && hotSpot.y == 10);
-            const int ink = Ink(image, {width, height});
-            EXPECT_TRUE(ink > 40 && ink < text.cx * text.cy / 2) << ink;
-        });
+        d.OnGuiThread([&] { ExpectDragPicture(d.Control(IDC_REGISTRY_TREE), L"Vendor"); });
         Go(d, {{MoveToGap, L"mouse=captured, image"}});
         EXPECT_FALSE(CursorIs(d, IDC_SIZEWE)) << "the gap does not answer to a drag";
         Go(d, {{LetGo, L"mouse="}});
         const RECT frame = Frame(d.Window());
         for (const POINT to : {POINT{frame.right + 40, frame.bottom + 20}, Dialog::Centre(d.Control(IDC_NEW_KEY)),
                                Dialog::Centre(ListView_GetHeader(d.Control(IDC_RULE_LIST)))}) {
-            DragTo(d, {L"Vendor"}, to);
+            d.DragTo(Hold(d, {L"Vendor"}), to);
             d.Release();
             EXPECT_EQ(Changes(d), L"") << "a drop outside is void";
         }
         // A hive is refused, and the refusal looks at the selection.
         d.OnGuiThread([&] { ListView_SetItemState(d.Control(IDC_RULE_LIST), 0, LVIS_SELECTED, LVIS_SELECTED); });
         TreeSteps tree = d.Tree(IDC_REGISTRY_TREE);
-        d.Drag(tree.Centre(tree.Item({L"HKEY_USERS"})), d.List(IDC_RULE_LIST).Centre(0, 1));
-        EXPECT_EQ(d.AnswerBox(IDOK), BARE_HIVE);
-        EXPECT_EQ(Changes(d), L"delete=live, tab selected=0");
-        d.Click(IDCANCEL);
+        d.DragTo(tree.Centre(tree.Reach({L"HKEY_USERS"})), List(d).Centre(0, 1));
+        Go(d, {{LetGo, L"box=" BARE_HIVE L" delete=live, tab selected=0", IDOK}, {Click(IDCANCEL)}});
     });
 }
 
@@ -162,19 +149,18 @@ TEST_F(Mouse, ADragEndsAnOpenEditorFirst) {
         const POINT from = Hold(d, {L"Vendor"});
         d.Move(from);
         d.Press();
-        d.Move({from.x + 12, from.y + 12});
-        Go(d, {{Answer(IDOK), L""},
+        const auto pull = [&](Dialog& on) { on.Move({from.x + 12, from.y + 12}); };
+        Go(d, {{pull, L"box=" UNKNOWN_HIVE, IDOK},
                {MoveOver(0), L""},
                {LetGo, L""},
                {Type(L"HKCU\\y\r"),
                 L"cell= focus=list rows=Value|HKCU\\y|(Default); Branch|HKCU\\T\\Vendor|; Branch|HKCU\\new|;"},
-               {Click(IDCANCEL), L"box=" CONFIRM_CANCEL L" focus=elsewhere"},
-               {Answer(IDYES)}});
+               {Click(IDCANCEL), L"box=" CONFIRM_CANCEL, IDYES}});
     });
 }
 
 TEST_F(Mouse, TheWheelEndsAnOpenEditorWhereverItIsDelivered) {
-    for (short row = 2; row < 40; ++row) control.AddKeyRule((L"HKCU\\" + std::to_wstring(row)).c_str(), 1, row);
+    AddBranches({}, 2, 40);
     Show([&](Dialog& d) {
         ListSteps list = d.List(IDC_RULE_LIST);
         const auto top = [&] { return ListView_GetTopIndex(list.Window()); };
@@ -219,18 +205,15 @@ TEST_F(Mouse, ABoxTakesItAndADragGoesOnOnlyWithTheButton) {
                {MoveOver(0), L"mouse=captured, row 0, image"},
                {LetGo, L"mouse= rows=Branch|HKCU\\T\\Vendor|; Branch|HKCU\\a|; Branch|HKCU\\b|;"}});
         // Its buttons can be clicked, and the drag is over by then; so with a box of the host's, and with the gap.
-        const POINT gap = Gap(d);
         for (const Act& box : {Press(VK_ESCAPE), Act(ShowHostBox)}) {
             for (const Act& hold : {HoldOver(1), Act(HoldGap)}) {
+                Changes(d);
                 hold(d);
                 box(d);
                 d.ExpectBox();
                 EXPECT_EQ(d.Capture(), nullptr);
                 d.Release();
-                ClickNo(d);
-                EXPECT_EQ(Changes(d), L"");
-                d.Move({gap.x - 40, gap.y});
-                EXPECT_EQ(Gap(d).x, gap.x);
+                Go(d, {{ClickNo, L""}, {MoveGap, L""}});
             }
         }
         d.Click(IDCANCEL);
@@ -260,13 +243,9 @@ TEST_F(Mouse, AReleaseThatTheDialogDidNotSeeEndsWhatItHeld) {
                // The gap stays where the capture was lost.
                {HoldGap, L"mouse=captured, clipped"},
                {LoseCapture, L"mouse="},
-               {[](Dialog& on) {
-                    on.Move({Gap(on).x - 40, Gap(on).y});
-                },
-                L""},
+               {MoveGap, L""},
                {LetGo, L""},
-               {Click(IDCANCEL), L"box=" CONFIRM_CANCEL L" focus=elsewhere"},
-               {Answer(IDYES)}});
+               {Click(IDCANCEL), L"box=" CONFIRM_CANCEL, IDYES}});
     });
 }
 
@@ -300,19 +279,13 @@ TEST_F(Mouse, TheEndOfTheDialogOrOfTheProgramEndsWhatItHolds) {
         Show([&](Dialog& d) {
             Open(0, 1)(d);
             d.Type(L"x");
-            if (&end == &ends[0])
-                PostMessageW(d.Window(), WM_COMMAND, IDCANCEL, 0);
-            else
-                end(d);
+            &end == &ends[0] ? void(PostMessageW(d.Window(), WM_COMMAND, IDCANCEL, 0)) : end(d);
             d.WaitUntilClosed();
         });
         EXPECT_EQ(driver.BoxTexts(), Texts{});
     }
     SetCursor(own);
-    Work({{[](Dialog& d) {
-        MoveToGap(d);
-        d.Key(VK_ESCAPE);
-    }}});
+    Work({{MoveToGap, L""}, {Press(VK_ESCAPE)}});
     EXPECT_EQ(GetCursor(), own) << "the host's own is back when the dialog ends over the gap";
 }
 
@@ -376,17 +349,19 @@ TEST_F(Mouse, MovesTheGapWithinItsBoundsAndTheHeadsFollow) {
         EXPECT_EQ(before[IDC_RULE_LIST].top, before[IDC_NEW_TYPE].bottom + spacing);
         EXPECT_EQ(before[IDC_RULE_LIST].bottom, before[IDC_REGISTRY_TREE].bottom);
         const POINT gap = Gap(d);
-        d.Drag(gap, {gap.x - 90, gap.y + 30}, 7);
+        d.DragTo(gap, {gap.x - 90, gap.y + 30});
+        d.Release();
         moved(-90);
         d.Move(gap);
         EXPECT_FALSE(CursorIs(d, IDC_SIZEWE)) << "the hit rectangle has travelled along";
         const RECT list = Frame(d.Control(IDC_RULE_LIST));
         d.Move({list.left - 1, gap.y});
         EXPECT_TRUE(CursorIs(d, IDC_SIZEWE)) << "up to its right edge";
-        d.Drag({gap.x - 90, gap.y}, gap, 5);
+        d.DragTo({gap.x - 90, gap.y}, gap);
+        d.Release();
         moved(0);
         HoldGap(d);
-        EXPECT_EQ(Changes(d), L"mouse=captured, clipped");
+        EXPECT_EQ(Changes(d), L" mouse=captured, clipped");
         const RECT bounds = Frame(d.Control(IDC_SPLITTER_BOUNDS));
         d.Move({bounds.left - 500, gap.y});
         moved(bounds.left - gap.x);
@@ -399,7 +374,7 @@ TEST_F(Mouse, MovesTheGapWithinItsBoundsAndTheHeadsFollow) {
         d.Move({gap.x, Frame(d.Control(IDC_REGISTRY_TREE)).bottom});
         EXPECT_TRUE(CursorIs(d, IDC_ARROW));
         d.Press();
-        EXPECT_EQ(Changes(d), L"mouse=");
+        EXPECT_EQ(Changes(d), L" mouse=");
         d.Release();
         d.Click(IDCANCEL);
     });

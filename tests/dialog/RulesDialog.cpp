@@ -1,16 +1,10 @@
 #include "dialog/RulesDialog.h"
 
 #include <algorithm>
-#include <utility>
 
 #include "dialog/RegistryRulesDlg.h"
-#include "support/WindowText.h"
 
 namespace {
-
-ListSteps List(Dialog& d) {
-    return d.List(IDC_RULE_LIST);
-}
 
 // Pixels of a window as it stands on the screen.
 std::vector<DWORD> Picture(HWND window, SIZE size) {
@@ -32,25 +26,18 @@ std::vector<DWORD> Picture(HWND window, SIZE size) {
     return pixels;
 }
 
-std::wstring FocusName(Dialog& d) {
-    if (!IsChild(d.Window(), d.Focus())) return d.Focus() == d.Window() ? L"dialog" : L"elsewhere";
-    if (d.Focus() == CellEditor(d)) return L"cell";
-    static const std::map<int, const wchar_t*> names{
-        {IDC_REGISTRY_TREE, L"tree"}, {IDC_RULE_LIST, L"list"},     {IDC_NEW_TYPE, L"kind"}, {IDC_NEW_KEY, L"key"},
-        {IDC_NEW_VALUE, L"value"},    {IDC_DELETE_RULE, L"delete"}, {IDOK, L"ok"},           {IDCANCEL, L"cancel"}};
-    return names.at(d.FocusId());
-}
-
 std::wstring WhatTheMouseHolds(Dialog& d) {
     std::wstring holds;
     if (d.Capture() == d.Window()) holds += L", captured";
     RECT clip{};
     GetClipCursor(&clip);
     if (clip.right - clip.left < GetSystemMetrics(SM_CXSCREEN)) holds += L", clipped";
-    const int target = List(d).RowWithState(LVIS_DROPHILITED);
-    if (target != -1) holds += L", row " + std::to_wstring(target);
+    const ListSteps list = d.List(IDC_RULE_LIST);
+    for (int row = 0; row < list.RowCount(); ++row) {
+        if (ListView_GetItemState(list.Window(), row, LVIS_DROPHILITED) != 0) holds += L", row " + std::to_wstring(row);
+    }
     if (ImageList_GetDragImage(nullptr, nullptr) != nullptr) holds += L", image";
-    return holds.empty() ? L"" : holds.substr(2);
+    return holds.substr(holds.empty() ? 0 : 2);
 }
 
 std::wstring KeyBox(Dialog& d) {
@@ -65,26 +52,6 @@ std::wstring KeyBox(Dialog& d) {
     return key;
 }
 
-Look LookAt(Dialog& d) {
-    Look look;
-    d.OnGuiThread([&] {
-        look[L"rows"] = RowsOf(d);
-        const int selected = List(d).SelectedRow();
-        look[L"selected"] = selected != -1 ? std::to_wstring(selected) : L"";
-        look[L"focus"] = FocusName(d);
-        look[L"strip"] = d.Text(IDC_NEW_TYPE) + L"|" + KeyBox(d) + L"|" + d.Text(IDC_NEW_VALUE);
-        const HWND button = d.Control(IDC_DELETE_RULE);
-        const bool hasTabStop = (GetWindowLongW(button, GWL_STYLE) & WS_TABSTOP) != 0;
-        look[L"delete"] = std::wstring(IsWindowEnabled(button) ? L"live" : L"dead") + (hasTabStop ? L", tab" : L"");
-        look[L"cell"] = CellEditor(d) != nullptr ? WindowText(CellEditor(d)) : L"";
-        look[L"mouse"] = WhatTheMouseHolds(d);
-        const auto* const dialog = static_cast<CRegistryRulesDlg*>(CWnd::FromHandlePermanent(d.Window()));
-        look[L"dirty"] = dialog->IsDirty() != 0 ? L"yes" : L"no";
-        look[L"picture"] = ComparePicture(d.Window(), {IDC_REGISTRY_TREE, IDC_RULE_LIST});
-    });
-    return look;
-}
-
 }  // namespace
 
 HostWindow::HostWindow()
@@ -92,64 +59,6 @@ HostWindow::HostWindow()
                                nullptr, GetModuleHandleW(nullptr), nullptr)) {
     SetForegroundWindow(m_window);
     SetActiveWindow(m_window);
-}
-
-Act Click(int control) {
-    return [=](Dialog& d) { d.Click(control); };
-}
-
-Act ClickCell(int row, int column) {
-    return [=](Dialog& d) { List(d).Click(row, column); };
-}
-
-Act Type(const wchar_t* text) {
-    return [=](Dialog& d) { d.Type(text); };
-}
-
-Act Press(WORD key, WORD held) {
-    return [=](Dialog& d) { held != 0 ? d.Key(key, {held}) : d.Key(key); };
-}
-
-Act Open(int row, int column) {
-    return [=](Dialog& d) {
-        if (column == 0) ListView_Scroll(List(d).Window(), -1000, 0);  // an edit has scrolled to its own column
-        List(d).Click(row, column);
-        if (CellEditor(d) == nullptr) List(d).Click(row, column);
-        d.WaitFor("a cell's editor", [&] { return CellEditor(d) != nullptr; });
-    };
-}
-
-Act Pick(int row, int index) {
-    return [=](Dialog& d) {
-        if (row != ofStrip) Open(row, 0)(d);
-        const HWND combo = row != ofStrip ? CellEditor(d) : d.Control(IDC_NEW_TYPE);
-        if (!SendMessageW(combo, CB_GETDROPPEDSTATE, 0, 0)) d.Click(combo);
-        d.PickFromPopup(combo, index);
-    };
-}
-
-Act Drop(const Item& item, int row) {
-    return [=](Dialog& d) {
-        Hold(d, item);
-        DragTo(d, item, row == behindRows ? List(d).BehindRows() : List(d).Centre(row, 1));
-        d.Release();
-    };
-}
-
-Act Answer(int button) {
-    return [=](Dialog& d) { d.AnswerBox(button); };
-}
-
-std::wstring RowsOf(Dialog& d) {
-    std::wstring rows;
-    for (const auto& cells : List(d).Rows())
-        rows += (rows.empty() ? L"" : L" ") + cells[0] + L"|" + cells[1] + L"|" + cells[2] + L";";
-    return rows;
-}
-
-HWND CellEditor(Dialog& d) {
-    const HWND edit = Dialog::FindBelow(d.Control(IDC_RULE_LIST), L"Edit");
-    return edit != nullptr ? edit : Dialog::FindBelow(d.Control(IDC_RULE_LIST), L"ComboBox");
 }
 
 RECT Frame(HWND window) {
@@ -161,33 +70,6 @@ RECT Frame(HWND window) {
 POINT Gap(Dialog& d) {
     const RECT list = Frame(d.Control(IDC_RULE_LIST));
     return {(Frame(d.Control(IDC_REGISTRY_TREE)).right + list.left) / 2, (list.top + list.bottom) / 2};
-}
-
-bool CursorIs(Dialog& d, const wchar_t* standard) {
-    HCURSOR cursor = nullptr;
-    d.OnGuiThread([&] { cursor = GetCursor(); });
-    return cursor == LoadCursorW(nullptr, standard);
-}
-
-POINT Hold(Dialog& d, const Item& item) {
-    TreeSteps tree = d.Tree(IDC_REGISTRY_TREE);
-    TreeSteps::Path path{L"HKEY_CURRENT_USER", L"T"};
-    path.insert(path.end(), item.begin(), item.end() - 1);
-    tree.Expand(path);
-    path.push_back(item.back());
-    POINT hold = tree.Centre(tree.Item(path));
-    // A default value has no text to take hold of, only an icon left of where it would be.
-    if (item.back().empty()) hold.x -= 10;
-    return hold;
-}
-
-void DragTo(Dialog& d, const Item& item, POINT to) {
-    const POINT from = Hold(d, item);
-    d.Move(from);
-    d.Press();
-    d.Move({from.x + 12, from.y + 12});
-    d.Move({(from.x + to.x) / 2, (from.y + to.y) / 2});
-    d.Move(to);
 }
 
 std::wstring ComparePicture(HWND window, std::initializer_list<int> without) {
@@ -212,6 +94,64 @@ std::wstring ComparePicture(HWND window, std::initializer_list<int> without) {
     return L"fresh";
 }
 
+Act RulesDialog::Open(int row, int column) {
+    return [=](Dialog& d) {
+        if (column == 0) ListView_Scroll(List(d).Window(), -1000, 0);  // an edit has scrolled to its own column
+        List(d).Click(row, column);
+        if (CellEditor(d) == nullptr) List(d).Click(row, column);
+        d.WaitFor("a cell's editor", [&] { return CellEditor(d) != nullptr; });
+    };
+}
+
+Act RulesDialog::Pick(int row, int index) {
+    return [=](Dialog& d) {
+        if (row != ofStrip) Open(row, 0)(d);
+        const HWND combo = row != ofStrip ? CellEditor(d) : d.Control(IDC_NEW_TYPE);
+        if (!SendMessageW(combo, CB_GETDROPPEDSTATE, 0, 0)) d.Click(combo);
+        d.PickFromPopup(combo, index);
+    };
+}
+
+Act RulesDialog::HoldOver(const Texts& item, int row) {
+    return
+        [=](Dialog& d) { d.DragTo(Hold(d, item), row == behindRows ? List(d).BehindRows() : List(d).Centre(row, 1)); };
+}
+
+Act RulesDialog::Drop(const Texts& item, int row) {
+    return [=](Dialog& d) {
+        HoldOver(item, row)(d);
+        d.Release();
+    };
+}
+
+POINT RulesDialog::Hold(Dialog& d, const Texts& item) {
+    TreeSteps tree = d.Tree(IDC_REGISTRY_TREE);
+    Texts path{L"HKEY_CURRENT_USER", L"T"};
+    path.insert(path.end(), item.begin(), item.end());
+    POINT hold = tree.Centre(tree.Reach(path));
+    // A default value has no text to take hold of, only an icon left of where it would be.
+    if (item.back().empty()) hold.x -= 10;
+    return hold;
+}
+
+std::wstring RulesDialog::RowsOf(Dialog& d) {
+    std::wstring rows;
+    for (const auto& cells : List(d).Rows())
+        rows += (rows.empty() ? L"" : L" ") + cells[0] + L"|" + cells[1] + L"|" + cells[2] + L";";
+    return rows;
+}
+
+HWND RulesDialog::CellEditor(Dialog& d) {
+    const HWND edit = Dialog::FindBelow(d.Control(IDC_RULE_LIST), L"Edit");
+    return edit != nullptr ? edit : Dialog::FindBelow(d.Control(IDC_RULE_LIST), L"ComboBox");
+}
+
+bool RulesDialog::CursorIs(Dialog& d, const wchar_t* standard) {
+    HCURSOR cursor = nullptr;
+    d.OnGuiThread([&] { cursor = GetCursor(); });
+    return cursor == LoadCursorW(nullptr, standard);
+}
+
 RulesDialog::RulesDialog() {
     m_branch.AddKey(L"Vendor\\App");
     m_branch.AddKey(L"Viewer");
@@ -220,43 +160,42 @@ RulesDialog::RulesDialog() {
     m_branch.SetNumber(L"Vendor", L"back\\slash", 7);
 }
 
-void RulesDialog::AddBranches(std::initializer_list<const wchar_t*> keys) {
+void RulesDialog::AddBranches(std::initializer_list<const wchar_t*> keys, int first, int end) {
     for (const wchar_t* key : keys) control.AddKeyRule(key, 1, 32767);
+    for (int i = first; i < end; ++i) control.AddKeyRule((L"HKCU\\" + std::to_wstring(i)).c_str(), 1, 32767);
 }
 
 long RulesDialog::Show(const std::function<void(Dialog&)>& script) {
     long result = -1;
     driver.Run([&] { result = control.Show(); },
                [&](Dialog& d) {
-                   look = LookAt(d);
+                   look = Seen(d);
                    script(d);
                });
     return result;
 }
 
-long RulesDialog::Work(const std::vector<Step>& steps) {
-    return Show([&](Dialog& d) { Go(d, steps); });
-}
-
-void RulesDialog::Go(Dialog& d, const std::vector<Step>& steps) {
-    for (const Step& step : steps) {
-        const auto message = testing::Message() << "step " << &step - steps.data() << " of those that end here";
-        const testing::ScopedTrace trace(step.where.file_name(), static_cast<int>(step.where.line()), message);
-        step.act(d);
-        if (step.seen.empty() && &step == &steps.back()) return;
-        const bool withBox = step.seen.starts_with(L"box=");
-        const std::wstring box = withBox ? L"box=" + d.ExpectBox() + L" " : L"";
-        EXPECT_EQ(box + Changes(d), step.seen);
-    }
-}
-
-std::wstring RulesDialog::Changes(Dialog& d) {
-    const Look before = std::exchange(look, LookAt(d));
-    std::wstring changes;
-    for (const auto& [thing, text] : look) {
-        if (before.at(thing) != text) changes += (changes.empty() ? L"" : L" ") + thing + L"=" + text;
-    }
-    return changes;
+Look RulesDialog::LookAt(Dialog& d) {
+    static const std::map<int, const wchar_t*> names{
+        {0, L"elsewhere"},     {IDC_REGISTRY_TREE, L"tree"}, {IDC_RULE_LIST, L"list"},     {IDC_NEW_TYPE, L"kind"},
+        {IDC_NEW_KEY, L"key"}, {IDC_NEW_VALUE, L"value"},    {IDC_DELETE_RULE, L"delete"}, {IDOK, L"ok"},
+        {IDCANCEL, L"cancel"}};
+    const HWND cell = CellEditor(d);
+    const HWND button = d.Control(IDC_DELETE_RULE);
+    const bool isTabStop = (GetWindowLongW(button, GWL_STYLE) & WS_TABSTOP) != 0;
+    const int selected = List(d).SelectedRow();
+    const auto* const dialog = static_cast<CRegistryRulesDlg*>(CWnd::FromHandlePermanent(d.Window()));
+    return {
+        {L"rows", RowsOf(d)},
+        {L"selected", selected != -1 ? std::to_wstring(selected) : L""},
+        {L"focus",
+         cell != nullptr && d.Focus() == cell ? L"cell" : names.at(IsChild(d.Window(), d.Focus()) ? d.FocusId() : 0)},
+        {L"strip", d.Text(IDC_NEW_TYPE) + L"|" + KeyBox(d) + L"|" + d.Text(IDC_NEW_VALUE)},
+        {L"delete", std::wstring(IsWindowEnabled(button) ? L"live" : L"dead") + (isTabStop ? L", tab" : L"")},
+        {L"cell", cell != nullptr ? WindowText(cell) : L""},
+        {L"mouse", WhatTheMouseHolds(d)},
+        {L"dirty", dialog->IsDirty() != 0 ? L"yes" : L"no"},
+        {L"picture", ComparePicture(d.Window(), {IDC_REGISTRY_TREE, IDC_RULE_LIST})}};
 }
 
 Texts RulesDialog::HostRules() {

@@ -102,7 +102,7 @@ TEST(ModuleState, EachExportedMemberWorksInTheLibrarysStateAndGivesTheHostItsOwn
         EXPECT_EQ(AfxGetApp(), &g_app) << "this thread has a state of its own";
         EXPECT_EQ(WindowText(d.Window()), L"Registry Rules");
         EXPECT_EQ(d.Text(IDC_NEW_KEY), L"Click here to create a new rule");
-        EXPECT_EQ(d.List(IDC_RULE_LIST).Row(1), (std::vector<std::wstring>{L"Value", L"HKCU\\a", L"(Default)"}));
+        EXPECT_EQ(d.List(IDC_RULE_LIST).Rows()[1], (std::vector<std::wstring>{L"Value", L"HKCU\\a", L"(Default)"}));
         d.List(IDC_RULE_LIST).Click(0, 1);
         d.Click(IDC_DELETE_RULE);
         d.Click(IDCANCEL);

@@ -1,13 +1,11 @@
 #include "support/DialogDriver.h"
 
 #include <algorithm>
-#include <cwctype>
 #include <exception>
 #include <gtest/gtest.h>
 #include <thread>
 
 #include "support/Narrow.h"
-#include "support/WindowText.h"
 
 namespace {
 
@@ -17,6 +15,7 @@ constexpr UINT kNoDoubleClickMs = 1;
 constexpr UINT kSlowDoubleClickMs = 5000;
 constexpr UINT kRun = WM_APP;
 constexpr int kBoxText = 0xFFFF;
+constexpr ATOM kDialogClass = 32770;
 
 struct Task {
     std::function<void()> function;
@@ -44,55 +43,44 @@ void Send(std::vector<INPUT> inputs) {
     for (int key = 1; key < 255; ++key) GetAsyncKeyState(key);
 }
 
-void SendMouse(DWORD flags, POINT screen = {}, int wheel = 0) {
+void SendMouse(DWORD flags, int wheel = 0, POINT screen = {}) {
     // Rounded up, so that the system's rounding down gives the same pixel again.
-    const auto absolute = [](LONG pixel, int extent) { return (pixel * 65536LL + extent - 1) / extent; };
+    const auto absolute = [](LONG pixel, int metric) {
+        const int extent = GetSystemMetrics(metric);
+        return static_cast<LONG>((pixel * 65536LL + extent - 1) / extent);
+    };
     INPUT event{};
     event.type = INPUT_MOUSE;
-    event.mi.dwFlags = flags;
-    event.mi.mouseData = static_cast<DWORD>(wheel);
-    if ((flags & MOUSEEVENTF_MOVE) != 0) {
-        event.mi.dx = static_cast<LONG>(absolute(screen.x, GetSystemMetrics(SM_CXSCREEN)));
-        event.mi.dy = static_cast<LONG>(absolute(screen.y, GetSystemMetrics(SM_CYSCREEN)));
-    }
+    event.mi = {
+        absolute(screen.x, SM_CXSCREEN), absolute(screen.y, SM_CYSCREEN), static_cast<DWORD>(wheel), flags, 0, 0};
     Send({event});
 }
 
 void MoveTo(POINT screen) {
-    SendMouse(MOUSEEVENTF_ABSOLUTE | MOUSEEVENTF_MOVE, screen);
+    SendMouse(MOUSEEVENTF_ABSOLUTE | MOUSEEVENTF_MOVE, 0, screen);
+}
+
+INPUT KeyEvent(WORD key, WORD scan, DWORD flags) {
+    INPUT event{};
+    event.type = INPUT_KEYBOARD;
+    event.ki = {key, scan, flags, 0, 0};
+    return event;
 }
 
 void SendKey(WORD key, DWORD flags) {
     // The block between letters and number pad; without the flag they would be the number pad's.
     const bool extended = (key >= VK_PRIOR && key <= VK_DOWN) || key == VK_INSERT || key == VK_DELETE;
-    INPUT event{};
-    event.type = INPUT_KEYBOARD;
-    event.ki.wVk = key;
-    event.ki.wScan = static_cast<WORD>(MapVirtualKeyW(key, MAPVK_VK_TO_VSC));
-    event.ki.dwFlags = flags | (extended ? KEYEVENTF_EXTENDEDKEY : 0);
-    Send({event});
+    const auto scan = static_cast<WORD>(MapVirtualKeyW(key, MAPVK_VK_TO_VSC));
+    Send({KeyEvent(key, scan, flags | (extended ? KEYEVENTF_EXTENDEDKEY : 0))});
 }
 
 void SendText(std::wstring_view text) {
     std::vector<INPUT> inputs;
     for (const wchar_t character : text) {
-        for (const DWORD flags : {KEYEVENTF_UNICODE, KEYEVENTF_UNICODE | KEYEVENTF_KEYUP}) {
-            INPUT event{};
-            event.type = INPUT_KEYBOARD;
-            event.ki.wScan = static_cast<WORD>(character);
-            event.ki.dwFlags = flags;
-            inputs.push_back(event);
-        }
+        for (const DWORD flags : {KEYEVENTF_UNICODE, KEYEVENTF_UNICODE | KEYEVENTF_KEYUP})
+            inputs.push_back(KeyEvent(0, static_cast<WORD>(character), flags));
     }
     Send(inputs);
-}
-
-bool IsDown(int key) {
-    return (GetAsyncKeyState(key) & 0x8000) != 0;
-}
-
-std::string PointText(POINT point) {
-    return std::to_string(point.x) + "," + std::to_string(point.y);
 }
 
 std::wstring BoxText(HWND box) {
@@ -110,10 +98,6 @@ HWND Dialog::Control(int id) {
     const HWND control = GetDlgItem(m_window, id);
     if (control == nullptr) Fail(m_modalReturned ? "the dialog is closed" : "no control " + std::to_string(id));
     return control;
-}
-
-std::wstring Dialog::Text(int id) {
-    return WindowText(Control(id));
 }
 
 GUITHREADINFO Dialog::ThreadInfo() const {
@@ -159,7 +143,7 @@ void Dialog::DoubleClick(POINT screen) {
 }
 
 void Dialog::Move(POINT screen) {
-    Step("move to " + PointText(screen), [&] { MoveTo(screen); });
+    Step("move to " + std::to_string(screen.x) + "," + std::to_string(screen.y), [&] { MoveTo(screen); });
 }
 
 void Dialog::Press() {
@@ -175,14 +159,14 @@ void Dialog::Release() {
 
 void Dialog::Wheel(POINT screen, int notches) {
     Move(screen);
-    Step("turn the wheel", [&] { SendMouse(MOUSEEVENTF_WHEEL, {}, -notches * WHEEL_DELTA); });
+    Step("turn the wheel", [&] { SendMouse(MOUSEEVENTF_WHEEL, -notches * WHEEL_DELTA); });
 }
 
-void Dialog::Drag(POINT from, POINT to, int steps) {
+void Dialog::DragTo(POINT from, POINT to) {
+    constexpr int steps = 6;
     Move(from);
     Press();
     for (int i = 1; i <= steps; ++i) Move({from.x + (to.x - from.x) * i / steps, from.y + (to.y - from.y) * i / steps});
-    Release();
 }
 
 void Dialog::PickFromPopup(HWND combo, int index) {
@@ -212,11 +196,6 @@ void Dialog::KeyDown(WORD virtualKey) {
 
 void Dialog::KeyUp(WORD virtualKey) {
     Step("key up " + std::to_string(virtualKey), [&] { SendKey(virtualKey, KEYEVENTF_KEYUP); });
-}
-
-void Dialog::Alt(wchar_t letter) {
-    // The virtual keys of the letters are their capitals.
-    Key(static_cast<WORD>(std::towupper(letter)), {VK_MENU});
 }
 
 void Dialog::Type(std::wstring_view text) {
@@ -266,10 +245,6 @@ void Dialog::WaitFor(const std::string& what, const std::function<bool()>& condi
     PollUntil(what, Boxes::Unexpected, condition);
 }
 
-void Dialog::WaitUntilClosed() {
-    WaitFor("the end of the modal call", [this] { return m_modalReturned.load(); });
-}
-
 void Dialog::WaitUntilOpen() {
     PollUntil("an open dialog", Boxes::Allowed, [this] {
         const std::vector<HWND> dialogs = OpenDialogs();
@@ -282,10 +257,10 @@ void Dialog::WaitUntilOpen() {
 }
 
 void Dialog::ForceClose() {
-    for (const WORD key : {WORD{VK_SHIFT}, WORD{VK_CONTROL}, WORD{VK_MENU}}) {
-        if (IsDown(key)) SendKey(key, KEYEVENTF_KEYUP);
+    for (const WORD key : {WORD{VK_LBUTTON}, WORD{VK_SHIFT}, WORD{VK_CONTROL}, WORD{VK_MENU}}) {
+        if ((GetAsyncKeyState(key) & 0x8000) == 0) continue;
+        key == VK_LBUTTON ? SendMouse(MOUSEEVENTF_LEFTUP) : SendKey(key, KEYEVENTF_KEYUP);
     }
-    if (IsDown(VK_LBUTTON)) SendMouse(MOUSEEVENTF_LEFTUP);
     const ULONGLONG start = GetTickCount64();
     for (; !m_modalReturned; Sleep(20)) {
         const HWND open = OpenBox() != nullptr ? OpenBox() : m_window;
@@ -364,7 +339,7 @@ void Dialog::Fail(const std::string& why) const {
 std::vector<HWND> Dialog::OpenDialogs() const {
     std::vector<HWND> dialogs;
     const auto add = [](HWND window, LPARAM found) -> BOOL {
-        if (IsWindowVisible(window) && ClassName(window) == L"#32770")
+        if (IsWindowVisible(window) && GetClassLongW(window, GCW_ATOM) == kDialogClass)
             reinterpret_cast<std::vector<HWND>*>(found)->push_back(window);
         return TRUE;
     };
@@ -379,28 +354,32 @@ HWND Dialog::OpenBox() const {
     return nullptr;
 }
 
-std::wstring ListSteps::Text(int row, int column) const {
-    for (std::wstring text(256, L'\0');; text.resize(text.size() * 4)) {
-        LVITEMW item{};
-        item.iSubItem = column;
-        item.pszText = text.data();
-        item.cchTextMax = static_cast<int>(text.size());
-        const auto length = static_cast<std::size_t>(
-            SendMessageW(m_list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item)));
-        if (length + 1 < text.size()) return text.substr(0, length);
-    }
+ListSteps Dialog::List(int id) {
+    return {*this, Control(id)};
 }
 
-std::vector<std::wstring> ListSteps::Row(int row) const {
-    std::vector<std::wstring> texts;
-    const int columns = Header_GetItemCount(ListView_GetHeader(m_list));
-    for (int column = 0; column < columns; ++column) texts.push_back(Text(row, column));
-    return texts;
+TreeSteps Dialog::Tree(int id) {
+    return {*this, Control(id)};
+}
+
+std::wstring ListSteps::Text(int row, int column) const {
+    std::wstring text(50000, L'\0');
+    LVITEMW item{};
+    item.iSubItem = column;
+    item.pszText = text.data();
+    item.cchTextMax = static_cast<int>(text.size());
+    const LRESULT length =
+        SendMessageW(m_list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+    return text.substr(0, static_cast<std::size_t>(length));
 }
 
 std::vector<std::vector<std::wstring>> ListSteps::Rows() const {
-    std::vector<std::vector<std::wstring>> rows;
-    for (int row = 0; row < RowCount(); ++row) rows.push_back(Row(row));
+    std::vector<std::vector<std::wstring>> rows(static_cast<std::size_t>(RowCount()));
+    const int columns = Header_GetItemCount(ListView_GetHeader(m_list));
+    for (auto& row : rows) {
+        for (int column = 0; column < columns; ++column)
+            row.push_back(Text(static_cast<int>(&row - rows.data()), column));
+    }
     return rows;
 }
 
@@ -410,7 +389,7 @@ int ListSteps::RowWithState(UINT state) const {
     return row;
 }
 
-RECT ListSteps::CellRect(int row, int column) const {
+POINT ListSteps::Centre(int row, int column) const {
     ListView_EnsureVisible(m_list, row, FALSE);
     m_dialog.Settle();
     RECT area{LVIR_BOUNDS, column, 0, 0};
@@ -419,12 +398,7 @@ RECT ListSteps::CellRect(int row, int column) const {
         m_dialog.Fail("no cell " + std::to_string(row) + "," + std::to_string(column) + " of the list");
     // The system gives the whole row for the first column.
     if (column == 0) area.right = area.left + ListView_GetColumnWidth(m_list, 0);
-    MapWindowPoints(m_list, nullptr, reinterpret_cast<POINT*>(&area), 2);
-    return area;
-}
-
-POINT ListSteps::Centre(int row, int column) const {
-    return Middle(nullptr, CellRect(row, column));
+    return Middle(m_list, area);
 }
 
 POINT ListSteps::BehindRows() const {
@@ -438,23 +412,13 @@ POINT ListSteps::BehindRows() const {
     return hit.pt;
 }
 
-void ListSteps::Click(int row, int column) {
-    m_dialog.Click(Centre(row, column));
-}
-
-void ListSteps::DoubleClick(int row, int column) {
-    m_dialog.DoubleClick(Centre(row, column));
-}
-
-HTREEITEM TreeSteps::Next(UINT relation, HTREEITEM item) const {
-    return reinterpret_cast<HTREEITEM>(SendMessageW(m_tree, TVM_GETNEXTITEM, relation, reinterpret_cast<LPARAM>(item)));
-}
-
-HTREEITEM TreeSteps::Item(const Path& path) const {
+HTREEITEM TreeSteps::Reach(const std::vector<std::wstring>& path) {
     HTREEITEM item = nullptr;
     for (const std::wstring& text : path) {
-        item = item != nullptr ? Next(TVGN_CHILD, item) : Next(TVGN_ROOT, nullptr);
-        while (item != nullptr && Text(item) != text) item = Next(TVGN_NEXT, item);
+        if (item != nullptr && (TreeView_GetItemState(m_tree, item, TVIS_EXPANDED) & TVIS_EXPANDED) == 0)
+            ClickButton(item);
+        item = item != nullptr ? TreeView_GetChild(m_tree, item) : TreeView_GetRoot(m_tree);
+        while (item != nullptr && Text(item) != text) item = TreeView_GetNextSibling(m_tree, item);
         if (item == nullptr) m_dialog.Fail("no tree item " + Narrow(text));
     }
     return item;
@@ -493,15 +457,6 @@ void TreeSteps::ClickButton(HTREEITEM item) {
     }
     ClientToScreen(m_tree, &hit.pt);
     m_dialog.Click(hit.pt);
-}
-
-HTREEITEM TreeSteps::Expand(const Path& path) {
-    HTREEITEM item = nullptr;
-    for (std::size_t length = 1; length <= path.size(); ++length) {
-        item = Item(Path(path.begin(), path.begin() + static_cast<Path::difference_type>(length)));
-        if ((TreeView_GetItemState(m_tree, item, TVIS_EXPANDED) & TVIS_EXPANDED) == 0) ClickButton(item);
-    }
-    return item;
 }
 
 DialogDriver::DialogDriver()

@@ -26,64 +26,21 @@
 #include <string_view>
 #include <vector>
 
-class Dialog;
+#include "support/WindowText.h"
 
 // Ends the script; DialogDriver reports it as a test failure.
 class StepFailed : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// A list view of the dialog.
-class ListSteps {
-public:
-    ListSteps(Dialog& dialog, HWND list) : m_dialog(dialog), m_list(list) {}
-    HWND Window() const { return m_list; }
-    int RowCount() const { return ListView_GetItemCount(m_list); }
-    std::wstring Text(int row, int column) const;
-    std::vector<std::wstring> Row(int row) const;
-    std::vector<std::vector<std::wstring>> Rows() const;
-    // The first row that has all the bits of state (LVIS_SELECTED, LVIS_FOCUSED, LVIS_DROPHILITED), or -1.
-    int RowWithState(UINT state) const;
-    int SelectedRow() const { return RowWithState(LVIS_SELECTED); }
-    // The cell on the screen; the row is scrolled into view first.
-    RECT CellRect(int row, int column) const;
-    POINT Centre(int row, int column) const;
-    // A place inside the list, behind the last row.
-    POINT BehindRows() const;
-    void Click(int row, int column);
-    void DoubleClick(int row, int column);
-
-private:
-    Dialog& m_dialog;
-    HWND m_list;
-};
-
-// A tree view of the dialog. Items are named by their texts from the root on, the first of several with one text.
-class TreeSteps {
-public:
-    using Path = std::vector<std::wstring>;
-    TreeSteps(Dialog& dialog, HWND tree) : m_dialog(dialog), m_tree(tree) {}
-    HTREEITEM Item(const Path& path) const;
-    std::wstring Text(HTREEITEM item) const;
-    std::wstring SelectedText() const { return Text(Next(TVGN_CARET, nullptr)); }
-    // The middle of the item's text; the item is scrolled into view first.
-    POINT Centre(HTREEITEM item) const;
-    // Clicks the buttons of the collapsed items on the way, the last one included, and gives the last item.
-    HTREEITEM Expand(const Path& path);
-
-private:
-    HTREEITEM Next(UINT relation, HTREEITEM item) const;
-    void ClickButton(HTREEITEM item);
-
-    Dialog& m_dialog;
-    HWND m_tree;
-};
+class ListSteps;
+class TreeSteps;
 
 class Dialog {
 public:
     HWND Window() const { return m_window; }
     HWND Control(int id);
-    std::wstring Text(int id);
+    std::wstring Text(int id) { return WindowText(Control(id)); }
     // The window that has the keyboard focus or the mouse capture in the dialog's thread, or null.
     HWND Focus() const { return ThreadInfo().hwndFocus; }
     HWND Capture() const { return ThreadInfo().hwndCapture; }
@@ -94,8 +51,8 @@ public:
     static POINT Centre(HWND window);
     // Start and end of the selection of an edit, in characters.
     static std::pair<int, int> EditSelection(HWND edit);
-    ListSteps List(int id) { return {*this, Control(id)}; }
-    TreeSteps Tree(int id) { return {*this, Control(id)}; }
+    ListSteps List(int id);
+    TreeSteps Tree(int id);
 
     void Click(int id) { Click(Control(id)); }
     void Click(HWND window) { Click(Centre(window)); }
@@ -106,7 +63,8 @@ public:
     void Release();
     // Towards the user for a positive number, a notch each.
     void Wheel(POINT screen, int notches);
-    void Drag(POINT from, POINT to, int steps = 8);
+    // Presses, moves and does not release yet.
+    void DragTo(POINT from, POINT to);
     // Clicks an entry of the opened popup of a drop-down list.
     void PickFromPopup(HWND combo, int index);
 
@@ -114,7 +72,6 @@ public:
     void Key(WORD virtualKey, std::initializer_list<WORD> held = {});
     void KeyDown(WORD virtualKey);
     void KeyUp(WORD virtualKey);
-    void Alt(wchar_t letter);
     // Any characters; those of Return, Tab, Escape and Backspace (\r \t \x1b \b) are pressed as keys.
     void Type(std::wstring_view text);
 
@@ -126,7 +83,9 @@ public:
     // Polls until the condition holds; fails with the description after ten seconds.
     void WaitFor(const std::string& what, const std::function<bool()>& condition);
     // Waits until the modal call has returned; the last step of a script.
-    void WaitUntilClosed();
+    void WaitUntilClosed() {
+        WaitFor("the end of the modal call", [this] { return m_modalReturned.load(); });
+    }
     // Runs a function on the dialog's thread; what it throws is thrown here.
     void OnGuiThread(const std::function<void()>& function) const;
     // Waits until no input, posted message or repaint waits there. Timers are not waited for.
@@ -155,6 +114,47 @@ private:
     HWND m_window = nullptr;
     HWND m_expectedBox = nullptr;
     std::vector<std::string> m_steps;
+};
+
+// A list view of the dialog.
+class ListSteps {
+public:
+    ListSteps(Dialog& dialog, HWND list) : m_dialog(dialog), m_list(list) {}
+    HWND Window() const { return m_list; }
+    int RowCount() const { return ListView_GetItemCount(m_list); }
+    std::wstring Text(int row, int column) const;
+    std::vector<std::vector<std::wstring>> Rows() const;
+    // The first row that has all the bits of state (LVIS_SELECTED, LVIS_FOCUSED, LVIS_DROPHILITED), or -1.
+    int RowWithState(UINT state) const;
+    int SelectedRow() const { return RowWithState(LVIS_SELECTED); }
+    // The middle of a cell; its row is scrolled into view first.
+    POINT Centre(int row, int column) const;
+    // A place inside the list, behind the last row.
+    POINT BehindRows() const;
+    void Click(int row, int column) { m_dialog.Click(Centre(row, column)); }
+    void DoubleClick(int row, int column) { m_dialog.DoubleClick(Centre(row, column)); }
+
+private:
+    Dialog& m_dialog;
+    HWND m_list;
+};
+
+// A tree view of the dialog. Items are named by their texts from the root on, the first of several with one text.
+class TreeSteps {
+public:
+    TreeSteps(Dialog& dialog, HWND tree) : m_dialog(dialog), m_tree(tree) {}
+    // Clicks the buttons of the collapsed items on the way to the item that is named last.
+    HTREEITEM Reach(const std::vector<std::wstring>& path);
+    std::wstring Text(HTREEITEM item) const;
+    std::wstring SelectedText() const { return Text(TreeView_GetSelection(m_tree)); }
+    // The middle of the item's text; the item is scrolled into view first.
+    POINT Centre(HTREEITEM item) const;
+
+private:
+    void ClickButton(HTREEITEM item);
+
+    Dialog& m_dialog;
+    HWND m_tree;
 };
 
 class DialogDriver {
