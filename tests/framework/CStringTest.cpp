@@ -4,8 +4,6 @@
 #include <array>
 #include <climits>
 #include <gtest/gtest.h>
-#include <set>
-#include <string>
 #include <vector>
 
 namespace {
@@ -23,38 +21,26 @@ using Ints = std::vector<int>;
 
 }  // namespace
 
-TEST(CString, GivesPiecesOfItselfAndTakesOffItsEnds) {
+TEST(CString, GivesPiecesOfItselfAndFindsThem) {
     const CString t = L"abcde";
-    EXPECT_EQ(All({t.Left(INT_MIN), t.Left(-1), t.Left(2), t.Left(6), t.Left(INT_MAX)}), L"||ab|abcde|abcde|");
-    EXPECT_EQ(All({t.Right(INT_MIN), t.Right(0), t.Right(2), t.Right(6), t.Right(INT_MAX)}), L"||de|abcde|abcde|");
-    EXPECT_EQ(All({t.Mid(1, 3), t.Mid(-2, 2), t.Mid(4, 5), t.Mid(5, 1), t.Mid(6, 1), t.Mid(1, -1)}), L"bcd|ab|e||||");
-    EXPECT_EQ(All({t.Mid(1, INT_MAX), t.Mid(INT_MAX, INT_MAX), t.Mid(INT_MIN, 1), t.Mid(5)}), L"bcde||a||");
+    EXPECT_EQ(All({t.Left(-1), t.Left(2), t.Left(INT_MAX), t.Right(INT_MIN), t.Right(2), t.Right(6)}),
+              L"|ab|abcde||de|abcde|");
+    EXPECT_EQ(All({t.Mid(1, 3), t.Mid(-2, 2), t.Mid(4, 5), t.Mid(6, 1), t.Mid(1, -1), t.Mid(1, INT_MAX), t.Mid(5)}),
+              L"bcd|ab|e|||bcde||");
     const auto c = [](const wchar_t* text) { return CString(text); };
-    EXPECT_EQ(All({c(L" \t\r\n a b \v\f").Trim(), c(L"  a ").TrimLeft(), c(L"  a ").TrimRight()}), L"a b|a |  a|");
-    EXPECT_EQ(All({c(L"   ").Trim(), c(L" a ").Trim(L'a'), c(L" a ").Trim(L""), c(L" a ").TrimRight(kNull)}),
-              L"| a | a | a |");
-    EXPECT_EQ(All({c(L"\\\\a\\").TrimRight(L'\\'), c(L"\\\\a\\").TrimLeft(L'\\'), c(L"\\\\").TrimRight(L'\\'),
+    EXPECT_EQ(All({c(L" \t\r\n a b \v\f").Trim(), c(L"  a ").TrimLeft(), c(L"  a ").TrimRight(), c(L"   ").Trim(),
+                   c(L" a ").Trim(L""), c(L"\\\\a\\").TrimRight(L'\\'), c(L"\\\\a").TrimLeft(L'\\'),
                    c(L"xyaxy").Trim(L"yx")}),
-              L"\\\\a|a\\||a|");
-    EXPECT_EQ(All({CString(L'x', 3), CString(L'x', -1), CString(L"abc", 2), CString(kNull, 3), CString("\xE4\x80"),
+              L"a b|a |  a|| a |\\\\a|a|a|");
+    EXPECT_EQ(All({CString(L'x', 3), CString(L'x', -1), CString(L"abc", 2), CString("\xE4\x80"), c(kNull),
                    c(L"a\x00E4Z").MakeUpper(), c(L"A\x00C4z").MakeLower(), L'<' + t + L"=" + t + kNull + L'>'}),
-              L"xxx||ab||\x00E4\x20AC|A\x00C4Z|a\x00E4z|<abcde=abcde>|");
-}
-
-TEST(CString, FindsAndTellsItsCharacters) {
-    CString t = L"HKCU\\A\\B";
-    EXPECT_EQ((Ints{t.Find(L"\\"), t.Find(L"\\", 5), t.Find(L"\\", 7), t.Find(L"b"), t.Find(L"", 8), t.Find(L"", 9),
-                    t.Find(L"H", -1), t.Find(L"H", INT_MAX), t.Find(kNull), t.Find(L"A\\BC"), CString().Find(L"")}),
-              (Ints{4, 6, -1, -1, 8, -1, -1, -1, -1, -1, 0}));
-    EXPECT_EQ((Ints{t.Find(L'\\'), t.Find(L'\\', 4), t.Find(L'B', 7), t.Find(L'B', 8), t.Find(L'H', -1),
-                    t.ReverseFind(L'\\'), t.ReverseFind(L'x'), CString().ReverseFind(L'a'), t[4], t.GetAt(8)}),
-              (Ints{4, 4, 7, -1, -1, 6, -1, -1, L'\\', 0}));
-    t.SetAt(7, L'b');
-    EXPECT_EQ(t, L"HKCU\\A\\b");
-    for (const int outside : {-1, 9}) {
-        EXPECT_THROW(static_cast<void>(t[outside]), CInvalidArgException*);
-        EXPECT_THROW(t.SetAt(std::min(outside, 8), L'x'), CInvalidArgException*);
-    }
+              L"xxx||ab|\x00E4\x20AC||A\x00C4Z|a\x00E4z|<abcde=abcde>|");
+    const CString path = L"HKCU\\A\\B";
+    EXPECT_EQ((Ints{path.Find(L"\\"), path.Find(L"\\", 5), path.Find(L"\\", 7), path.Find(L"b"), path.Find(L"", 8),
+                    path.Find(L"", 9), path.Find(L"H", -1), path.Find(kNull), path.Find(L"A\\BC"), path.Find(L'\\', 4),
+                    path.Find(L'B', 8), path.ReverseFind(L'\\'), path.ReverseFind(L'x'), path[4], path.GetAt(8)}),
+              (Ints{4, 6, -1, -1, 8, -1, -1, -1, -1, 4, -1, 6, -1, L'\\', 0}));
+    for (const int outside : {-1, 9}) EXPECT_THROW(static_cast<void>(path[outside]), CInvalidArgException*);
 }
 
 TEST(CString, HasOneOrderWhicheverSideIsTheObjectAndAnotherByTheTableForCapitals) {
@@ -68,42 +54,28 @@ TEST(CString, HasOneOrderWhicheverSideIsTheObjectAndAnotherByTheTableForCapitals
             EXPECT_EQ(six(left, CString(right)), expected) << &left - ordered << ", " << &right - ordered;
         }
     }
-    const std::set<CString> sorted(std::rbegin(ordered), std::rend(ordered));
-    EXPECT_TRUE(std::equal(sorted.begin(), sorted.end(), std::begin(ordered), std::end(ordered)));
-    EXPECT_EQ(sorted.count(L"ab") + sorted.count(L"AB"), 1u);
-
-    const auto noCase = [](const wchar_t* left, const wchar_t* right) {
-        const int order = CString(left).CompareNoCase(right);
-        return (order > 0) - (order < 0);
-    };
-    EXPECT_EQ((Ints{noCase(L"HKey", L"hKEY"), noCase(L"\x00C4\x0416\x03A9", L"\x00E4\x0436\x03C9"), noCase(L"a", L"B"),
-                    noCase(L"ab", L"A"), noCase(L"a", kNull)}),
-              (Ints{0, 0, -1, 1, 1}));
+    const auto noCase = [](const wchar_t* left, const wchar_t* right) { return CString(left).CompareNoCase(right); };
     // In no language: a sharp s is not ss, a dotted capital is no i. A capital sharp s is not the small one, and what
     // stands between capitals and small letters is above both.
-    EXPECT_EQ((Ints{noCase(L"\x00DF", L"ss"), noCase(L"i", L"\x0130"), noCase(L"\x1E9E", L"\x00DF"), noCase(L"_", L"a"),
-                    noCase(L"^", L"Z")}),
-              (Ints{1, -1, 1, 1, 1}));
+    EXPECT_EQ((Ints{noCase(L"HKey", L"hKEY"), noCase(L"\x00C4\x0416\x03A9", L"\x00E4\x0436\x03C9"), noCase(L"a", L"B"),
+                    noCase(L"ab", L"A"), noCase(L"a", kNull), noCase(L"\x00DF", L"ss"), noCase(L"i", L"\x0130"),
+                    noCase(L"\x1E9E", L"\x00DF"), noCase(L"_", L"a"), noCase(L"^", L"Z")}),
+              (Ints{0, 0, -1, 1, 1, 1, -1, 1, 1, 1}));
 }
 
-TEST(CString, FormatsAsTheWindowsRuntimeDoes) {
-    CString text = L"once";
+TEST(CString, FormatsChangesInPlaceAndLendsItsBuffer) {
+    CString text;
     text.Format(L"%s|%s|%S|%d|%5.2f|%c|%%|%04x|%I64d", text.GetString(), L"w", "n", -3, 2.5, L'c', 0xABU, 1LL << 40);
-    EXPECT_EQ(text, L"once|w|n|-3| 2.50|c|%|00ab|1099511627776");
+    EXPECT_EQ(text, L"|w|n|-3| 2.50|c|%|00ab|1099511627776");
     EXPECT_THROW(text.Format(kNull), CInvalidArgException*);
-    EXPECT_EQ(text.Right(4), L"7776");
     text.Format(L"<%s>", CString(L'k', 32000).GetString());
     EXPECT_EQ(text, L'<' + CString(L'k', 32000) + L'>');
-}
 
-TEST(CString, ChangesInPlaceAndLendsItsBuffer) {
-    CString text = L"a-b-c";
-    EXPECT_EQ((Ints{text.Replace(L"-", L"--"), text.Replace(L"---", L"x")}), (Ints{2, 0}));
+    text = L"a-b-c";
+    EXPECT_EQ((Ints{text.Replace(L"-", L"--"), text.Replace(L"---", L"x"), text.Replace(kNull, L"x")}),
+              (Ints{2, 0, 0}));
     EXPECT_EQ(All({text}), L"a--b--c|");
-    EXPECT_EQ((Ints{text.Replace(L"--", kNull), text.Replace(L"", L"x"), text.Replace(kNull, L"x")}), (Ints{2, 0, 0}));
-    EXPECT_EQ(All({text}), L"abc|");
-    text = L"aaaa";
-    EXPECT_EQ((Ints{text.Replace(L"aa", L"a"), text.Remove(L'a'), text.GetLength()}), (Ints{2, 2, 0}));
+    EXPECT_EQ((Ints{text.Replace(L"--", kNull), text.Remove(L'b'), text.GetLength()}), (Ints{2, 1, 2}));
     text = L"a text that is long enough to live on the heap";
     text = text.GetString() + 2;  // pieces of itself
     text += text.GetString() + 40;
@@ -123,10 +95,6 @@ TEST(CString, ChangesInPlaceAndLendsItsBuffer) {
     EXPECT_EQ(All({text}), L"yzzz|");
     std::fill_n(text.GetBufferSetLength(6) + 4, 2, L'5');
     text.ReleaseBuffer(5);
-    const CString copy = text;
-    text.GetBuffer()[0] = L'!';
-    EXPECT_EQ(All({copy, text}), L"yzzz5|!zzz5|");
+    EXPECT_EQ(All({text}), L"yzzz5|");
     EXPECT_THROW(text.ReleaseBuffer(6), CInvalidArgException*);
-    EXPECT_THROW(text.GetBuffer(-1), CInvalidArgException*);
-    EXPECT_THROW(text.GetBufferSetLength(-1), CInvalidArgException*);
 }

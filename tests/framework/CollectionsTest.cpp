@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 #include <random>
-#include <set>
 #include <thread>
 #include <vector>
 
@@ -23,26 +22,10 @@ TEST(List, KeepsItsOrderAndIndexesOverRandomChanges) {
         }
         for (POSITION place = list.GetHeadPosition(); const int i : expected) ASSERT_EQ(list.GetNext(place), i);
         EXPECT_EQ(list.Find(expected[20]), list.FindIndex(20));
-        EXPECT_EQ(list.GetCount(), 1000);
+        EXPECT_TRUE(list.FindIndex(-1) == nullptr && list.FindIndex(1000) == nullptr);
         list.RemoveAll();
-        EXPECT_EQ(list.GetHeadPosition(), nullptr);
+        EXPECT_THROW(list.GetTail(), CInvalidArgException*);
     }
-}
-
-TEST(List, HoldsTextsAndKnowsNoPlaceOutsideOfThem) {
-    CStringList list(10);
-    EXPECT_THROW(list.GetTail(), CInvalidArgException*);
-    list.AddTail(L"Branch");
-    list.AddTail(L"Key");
-    EXPECT_EQ(list.Find(CString(L"Key")), list.FindIndex(1)) << "by the text, not the address";
-    for (const INT_PTR index : {INT_PTR{-1}, INT_PTR{2}, INTPTR_MIN}) EXPECT_EQ(list.FindIndex(index), nullptr);
-    EXPECT_EQ(list.GetAt(list.AddTail(nullptr)) + list.GetAt(list.AddHead(nullptr)), L"");
-    POSITION place = list.GetHeadPosition();
-    list.GetNext(place) = L"changed";
-    EXPECT_EQ(list.GetAt(list.GetHeadPosition()), L"changed");
-    place = nullptr;
-    EXPECT_THROW(list.GetAt(place), CInvalidArgException*);
-    EXPECT_THROW(list.GetNext(place), CInvalidArgException*);
 }
 
 TEST(PtrCollections, FindRemoveAndRefuse) {
@@ -53,25 +36,23 @@ TEST(PtrCollections, FindRemoveAndRefuse) {
         array.Add(&thing);
         map.SetAt(&thing, nullptr);
     }
-    EXPECT_EQ(array.Add(nullptr), 3);
     array.RemoveAt(1);
     EXPECT_EQ(array.GetAt(1), &things[2]);
-    for (const INT_PTR outside : {INT_PTR{-1}, INT_PTR{3}}) {
-        EXPECT_THROW(array.GetAt(outside), CInvalidArgException*) << outside;
-        EXPECT_THROW(array.RemoveAt(outside), CInvalidArgException*) << outside;
-    }
-    map.SetAt(&things[1], &things[2]);
-    void* value = &map;
+    EXPECT_THROW(array.GetAt(2), CInvalidArgException*);
     EXPECT_TRUE(map.RemoveKey(&things[0]));
+    void* value = &map;
     EXPECT_FALSE(map.RemoveKey(&things[0]) || map.Lookup(&things[0], value));
     EXPECT_EQ(value, &map);
+    map.SetAt(&things[1], &things[2]);
     EXPECT_TRUE(map.Lookup(&things[1], value));
     EXPECT_EQ(value, &things[2]);
-    std::multiset<void*> keys;
     void* key = nullptr;
-    for (POSITION place = map.GetStartPosition(); place != nullptr; keys.insert(key))
+    POSITION place = map.GetStartPosition();
+    for (int* const thing : {&things[1], &things[2]}) {
         map.GetNextAssoc(place, key, value);
-    EXPECT_EQ(keys, (std::multiset<void*>{&things[1], &things[2]}));
+        EXPECT_EQ(key, thing);
+    }
+    EXPECT_EQ(place, nullptr);
 }
 
 TEST(SingleLock, KeepsOtherThreadsOutAndMayBeTakenAgainByItsOwn) {
@@ -79,8 +60,7 @@ TEST(SingleLock, KeepsOtherThreadsOutAndMayBeTakenAgainByItsOwn) {
     int count = 0;
     const auto work = [&] {
         for (int i = 0; i < 500; ++i) {
-            const CSingleLock lock(&section, TRUE);
-            const CSingleLock again(&section, TRUE);
+            const CSingleLock lock(&section, TRUE), again(&section, TRUE);
             const int before = count;
             std::this_thread::yield();  // the others' chance, all threads being on one processor
             count = before + 1;

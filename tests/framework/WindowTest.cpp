@@ -1,52 +1,72 @@
+// Windows and dialogs: how their objects are bound, where messages go, and where that goes which handlers throw.
 #include <afxcmn.h>
+#include <afxdialogex.h>
 #include <afxwin.h>
 
 #include <functional>
 #include <gtest/gtest.h>
+#include <map>
 #include <stdexcept>
 #include <thread>
 
-#include "framework/FrameworkTest.h"
 #include "support/ImportPatch.h"
 
 namespace {
 
-constexpr UINT kCode = 0x77;
-constexpr UINT kChildId = 40;
+constexpr UINT kProbeDialog = 300, kNoPlaceDialog = 301, kBadInitDialog = 302;  // templates
+constexpr UINT kChildId = 40, kCode = 0x77;
+// Moments of a dialog: in its initialisation, before a message's way, once its loop runs.
+constexpr UINT kInit = WM_APP, kTranslate = WM_APP + 1, kInLoop = WM_APP + 2;
 
-// A window that counts its life, does what the test says with WM_APP and WM_PAINT, and handles the commands and
-// notifications of a child.
-class CCounted : public CWnd {
+using Work = std::function<void()>;
+
+class CTestApp : public CWinApp {
 public:
-    int m_createResult = 0;
-    int m_created = 0;
+    std::vector<CString> m_boxes;
+
+    int DoMessageBox(LPCWSTR text, UINT, UINT) override { return m_boxes.emplace_back(text), IDOK; }
+} g_app;
+
+// Does what the test says when a message comes.
+template <class Base>
+class CProbe : public Base {
+public:
+    using Base::Base;
+
+    std::map<UINT, Work> m_on;
     int m_ended = 0;
-    int m_commands = 0;
-    std::function<void()> m_work;
 
 protected:
-    void PostNcDestroy() override { ++m_ended; }
+    void Do(UINT moment) {
+        const Work work = m_on[moment];  // which may replace itself
+        if (work) work();
+    }
     LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
-        const std::function<void()> work = m_work;  // which may replace itself
-        if ((message == WM_APP || message == WM_PAINT) && work) work();
-        return CWnd::WindowProc(message, wParam, lParam);
+        Do(message);
+        return Base::WindowProc(message, wParam, lParam);
     }
-    afx_msg int OnCreate(CREATESTRUCTW* create) {
-        ++m_created;
-        EXPECT_EQ(FromHandlePermanent(m_hWnd), this);
-        return CWnd::OnCreate(create) == -1 ? -1 : m_createResult;
+    void PostNcDestroy() override {
+        ++m_ended;
+        Base::PostNcDestroy();
     }
-    afx_msg void OnCommand() { ++m_commands; }
-    afx_msg void OnCode(NMHDR*, LRESULT* result) { *result = 22; }
-    DECLARE_MESSAGE_MAP()
 };
 
-BEGIN_MESSAGE_MAP(CCounted, CWnd)
-ON_WM_CREATE()
-ON_CONTROL(5, kChildId, &CCounted::OnCommand)
-ON_NOTIFY(kCode, kChildId, &CCounted::OnCode)
-ON_NOTIFY(LVN_INSERTITEM, kChildId, &CCounted::OnCode)
-END_MESSAGE_MAP()
+class CProbeDialog : public CProbe<CDialogEx> {
+public:
+    using CProbe::CProbe;
+
+protected:
+    BOOL OnInitDialog() override {
+        CDialogEx::OnInitDialog();
+        Do(kInit);
+        PostMessage(kInLoop);
+        return TRUE;
+    }
+    BOOL PreTranslateMessage(MSG* message) override {
+        if (message->message == kInLoop) Do(kTranslate);
+        return CDialogEx::PreTranslateMessage(message);
+    }
+};
 
 class CReflecting : public CStatic {
 protected:
@@ -58,37 +78,59 @@ BEGIN_MESSAGE_MAP(CReflecting, CStatic)
 ON_NOTIFY_REFLECT(kCode, &CReflecting::OnCode)
 END_MESSAGE_MAP()
 
-HWND CreateBareChild(HWND parent, LPCWSTR className) {
-    return ::CreateWindowExW(0, className, L"before", WS_CHILD, 0, 0, 50, 20, parent, nullptr, nullptr, nullptr);
+BOOL CreateHidden(CWnd& window) {
+    return window.CreateEx(0, nullptr, L"", WS_POPUP, CRect(10, 20, 110, 70), nullptr, 0);
 }
 
-// Every test leaves as many bound windows as it found.
+HWND CreateBareChild(HWND parent) {
+    const auto id = reinterpret_cast<HMENU>(UINT_PTR{kChildId});
+    return ::CreateWindowExW(0, L"EDIT", L"before", WS_CHILD, 0, 0, 50, 20, parent, id, nullptr, nullptr);
+}
+
 class Window : public testing::Test {
 protected:
-    ~Window() override { EXPECT_EQ(CWnd::PermanentCountForTesting(), m_before); }
+    // Every test leaves as many bound windows as it found.
+    struct Count {
+        const size_t before = CWnd::PermanentCountForTesting();
+        ~Count() { EXPECT_EQ(CWnd::PermanentCountForTesting(), before); }
+    } m_count;
+    CProbe<CWnd> m_window;
+};
 
-    const size_t m_before = CWnd::PermanentCountForTesting();
+class Dialog : public Window {
+protected:
+    Dialog() {
+        m_window.CreateEx(0, nullptr, L"", WS_OVERLAPPEDWINDOW | WS_VISIBLE, CRect(300, 200, 700, 500), nullptr, 0);
+    }
+    // However a dialog ended, nothing is left of it, and its owner is active and can be worked.
+    void ExpectOver() {
+        EXPECT_EQ(m_dialog.m_hWnd, nullptr);
+        EXPECT_TRUE(m_window.IsWindowEnabled());
+        EXPECT_EQ(::GetActiveWindow(), m_window);
+    }
+
+    CProbeDialog m_dialog{kProbeDialog, &m_window};
 };
 
 }  // namespace
 
 TEST_F(Window, IsBoundFromItsFirstMessageToItsLastAndARefusedOneNotAtAll) {
-    CCounted window;
+    int created = 0;
+    m_window.m_on[WM_CREATE] = [&] { created += CWnd::FromHandlePermanent(m_window) == &m_window ? 1 : 0; };
     for (const int round : {1, 2}) {  // an object may have one window after the other
-        ASSERT_TRUE(CreateHidden(window));
-        const HWND handle = window;
-        EXPECT_EQ(window.m_created, round);
-        EXPECT_EQ(CWnd::FromHandle(handle), &window);
+        ASSERT_TRUE(CreateHidden(m_window));
+        const HWND handle = m_window;
+        EXPECT_EQ(created, round);
         std::thread([&] { EXPECT_EQ(CWnd::FromHandlePermanent(handle), nullptr) << "on another thread"; }).join();
-        EXPECT_TRUE(round == 1 ? window.DestroyWindow() : ::DestroyWindow(handle));
-        EXPECT_TRUE(window.m_ended == round && window.m_hWnd == nullptr);
-        EXPECT_FALSE(::IsWindow(handle) || window.DestroyWindow());
+        EXPECT_TRUE(round == 1 ? m_window.DestroyWindow() : ::DestroyWindow(handle));
+        EXPECT_TRUE(m_window.m_ended == round && m_window.m_hWnd == nullptr);
+        EXPECT_FALSE(::IsWindow(handle) || m_window.DestroyWindow());
     }
-    window.m_createResult = -1;
-    EXPECT_FALSE(CreateHidden(window));
-    EXPECT_FALSE(window.CreateEx(0, L"No such class", L"", WS_POPUP, CRect(), nullptr, 0));
-    EXPECT_TRUE(window.m_ended == 4 && window.m_hWnd == nullptr);
-    const HWND next = CreateBareChild(::GetDesktopWindow(), L"EDIT");
+    m_window.m_on[WM_CREATE] = [] { AfxThrowUserException(); };
+    EXPECT_FALSE(CreateHidden(m_window));
+    EXPECT_FALSE(m_window.CreateEx(0, L"No such class", L"", WS_POPUP, CRect(), nullptr, 0));
+    EXPECT_TRUE(m_window.m_ended == 4 && m_window.m_hWnd == nullptr);
+    const HWND next = CreateBareChild(::GetDesktopWindow());
     EXPECT_EQ(CWnd::FromHandlePermanent(next), nullptr) << "what waited for that window does not catch the next one";
     ::DestroyWindow(next);
 }
@@ -98,42 +140,34 @@ TEST_F(Window, IsNotTheInputMethodWindowThatTheSystemMakesBeforeIt) {
     const ImportPatch<decltype(&CreateWindowExW)> patch(
         LoadedModule(L"framework.dll"), "CreateWindowExW",
         [](DWORD, LPCWSTR name, LPCWSTR, DWORD style, int, int, int, int, HWND, HMENU, HINSTANCE module, LPVOID) {
-            const auto create = [&](LPCWSTR className) {
-                return ::CreateWindowExW(0, className, L"", style, 0, 0, 9, 9, nullptr, nullptr, module, nullptr);
-            };
-            s_first = create(L"IME");
-            return create(name);
+            s_first = ::CreateWindowExW(0, L"IME", L"", style, 0, 0, 9, 9, nullptr, nullptr, module, nullptr);
+            return ::CreateWindowExW(0, name, L"", style, 0, 0, 9, 9, nullptr, nullptr, module, nullptr);
         });
-    CCounted window;
-    ASSERT_TRUE(CreateHidden(window));
-    EXPECT_TRUE(s_first != nullptr && CWnd::FromHandlePermanent(s_first) == nullptr && window.m_created == 1);
+    ASSERT_TRUE(CreateHidden(m_window));
+    EXPECT_TRUE(s_first != nullptr && m_window.m_hWnd != nullptr && m_window.m_hWnd != s_first);
     ::DestroyWindow(s_first);
 }
 
 TEST_F(Window, HasATemporaryObjectUntilItIsSubclassedAndEndsItWithTheHandler) {
-    CCounted window;
     CWnd second;
-    CCounted edit;
-    ASSERT_TRUE(CreateHidden(window));
-    const HWND bare = CreateBareChild(window, L"EDIT");
+    CProbe<CWnd> edit;
+    ASSERT_TRUE(CreateHidden(m_window));
+    const HWND bare = CreateBareChild(m_window);
     const size_t before = CWnd::TemporaryCountForTesting();
-    window.m_work = [&] {
+    m_window.m_on[WM_APP] = [&] {
         CWnd* const held = CWnd::FromHandle(bare);
-        ASSERT_NE(held, nullptr);
-        EXPECT_TRUE(held->m_hWnd == bare && held->GetParent() == &window);
-        EXPECT_TRUE(CWnd::FromHandlePermanent(bare) == nullptr && CWnd::FromHandle(nullptr) == nullptr);
-        window.m_work = [] { CWnd::FromHandle(::GetDesktopWindow()); };
-        window.SendMessage(WM_APP);
+        EXPECT_TRUE(held->m_hWnd == bare && held->GetParent() == &m_window && CWnd::FromHandle(nullptr) == nullptr);
+        m_window.m_on[WM_APP] = [] { CWnd::FromHandle(::GetDesktopWindow()); };
+        m_window.SendMessage(WM_APP);
         EXPECT_EQ(CWnd::FromHandle(bare), held) << "survives an inner handler";
         EXPECT_EQ(CWnd::TemporaryCountForTesting(), before + 1);
     };
-    window.SendMessage(WM_APP);
+    m_window.SendMessage(WM_APP);
     EXPECT_EQ(CWnd::TemporaryCountForTesting(), before);
     ASSERT_TRUE(edit.SubclassWindow(bare));
     EXPECT_EQ(CWnd::FromHandle(bare), &edit);
     EXPECT_FALSE(second.SubclassWindow(bare)) << "a window has one object";
-    EXPECT_FALSE(edit.SubclassWindow(window)) << "and an object one window";
-    EXPECT_FALSE(second.SubclassWindow(nullptr));
+    EXPECT_FALSE(edit.SubclassWindow(m_window)) << "and an object one window";
     CString text;
     edit.GetWindowText(text);
     EXPECT_EQ(text, L"before") << "what the map does not handle goes to the old procedure";
@@ -143,37 +177,24 @@ TEST_F(Window, HasATemporaryObjectUntilItIsSubclassedAndEndsItWithTheHandler) {
 
 TEST_F(Window, ReflectsNotificationsToAnObjectInItsOwnModuleState) {
     AFX_MODULE_STATE childState(nullptr);
-    CCounted parent;
     CReflecting child;
-    ASSERT_TRUE(CreateHidden(parent));
+    ASSERT_TRUE(CreateHidden(m_window));
     {
         AFX_MANAGE_STATE(&childState)
-        ASSERT_TRUE(child.CWnd::Create(L"STATIC", L"", WS_CHILD, CRect(0, 0, 9, 9), &parent, kChildId));
+        ASSERT_TRUE(child.CWnd::Create(L"STATIC", L"", WS_CHILD, CRect(0, 0, 9, 9), &m_window, kChildId));
     }
-    const HWND bare = CreateBareChild(parent, L"STATIC");
-    const auto notify = [&](int code, HWND sender, UINT id = kChildId) {
-        NMHDR header{sender, id, static_cast<UINT>(code)};
-        return parent.SendMessage(WM_NOTIFY, id, reinterpret_cast<LPARAM>(&header));
-    };
-    EXPECT_EQ(notify(kCode, child), 21);
-    EXPECT_EQ(notify(LVN_INSERTITEM, child), 22) << "the child has no handler";
-    EXPECT_EQ(notify(kCode, bare) + notify(kCode, nullptr), 44);
-    EXPECT_EQ(notify(kCode, bare, kChildId + 1), 0);
-    parent.SendMessage(WM_COMMAND, MAKEWPARAM(kChildId, 5), reinterpret_cast<LPARAM>(bare));
-    EXPECT_EQ(parent.m_commands, 1);
-    const CClientDC context(&parent);
-    const auto dc = reinterpret_cast<WPARAM>(context.m_hDC);
-    EXPECT_EQ(parent.SendMessage(WM_CTLCOLORSTATIC, dc, reinterpret_cast<LPARAM>(bare)),
-              ::DefWindowProcW(parent, WM_CTLCOLORSTATIC, dc, 0));
+    for (const HWND sender : {child.m_hWnd, CreateBareChild(m_window), HWND{}}) {
+        NMHDR header{sender, kChildId, kCode};
+        EXPECT_EQ(m_window.SendMessage(WM_NOTIFY, kChildId, reinterpret_cast<LPARAM>(&header)),
+                  sender == child ? 21 : 0);
+    }
 }
 
 TEST_F(Window, AnExchangeSetsOnlyTextsThatAreNewInControlsThatThereAre) {
-    CCounted window;
-    ASSERT_TRUE(CreateHidden(window));
-    const HWND edit = CreateBareChild(window, L"EDIT");
-    ::SetWindowLongPtrW(edit, GWLP_ID, kChildId);
+    ASSERT_TRUE(CreateHidden(m_window));
+    const HWND edit = CreateBareChild(m_window);
     ::SendMessageW(edit, EM_SETSEL, 3, 5);
-    CDataExchange exchange(&window, FALSE);
+    CDataExchange exchange(&m_window, FALSE);
     CString text = L"before";
     DDX_Text(&exchange, kChildId, text);
     EXPECT_EQ(::SendMessageW(edit, EM_GETSEL, 0, 0), MAKELRESULT(3, 5));
@@ -181,41 +202,106 @@ TEST_F(Window, AnExchangeSetsOnlyTextsThatAreNewInControlsThatThereAre) {
 }
 
 TEST_F(Window, WhatAHandlerThrowsOutsideOfADialogIsToldToTheUserAndEndsThere) {
-    CCounted window;
-    ASSERT_TRUE(CreateHidden(window));
-    const std::function<void()> works[] = {[] { AfxThrowUserException(); },  // whoever throws it has told already
-                                           [] { AfxThrowInvalidArgException(); },
-                                           [] { throw std::runtime_error("standard"); }, [] { throw 7; }};
-    theFrameworkTestApp.m_boxes.clear();
-    for (const auto& work : works) {
-        window.m_work = work;
-        EXPECT_EQ(window.SendMessage(WM_APP), 0);
+    ASSERT_TRUE(CreateHidden(m_window));
+    g_app.m_boxes.clear();
+    for (const Work& work : std::initializer_list<Work>{
+             [] { AfxThrowUserException(); },  // who throws it has told it
+             [] { AfxThrowInvalidArgException(); }, [] { throw std::runtime_error("standard"); }, [] { throw 7; }}) {
+        m_window.m_on[WM_APP] = m_window.m_on[WM_PAINT] = work;
+        EXPECT_EQ(m_window.SendMessage(WM_APP), 0);
     }
-    ASSERT_EQ(theFrameworkTestApp.m_boxes.size(), 3u);
-    EXPECT_EQ(theFrameworkTestApp.m_boxes[0] + theFrameworkTestApp.m_boxes[1], L"An argument is not valid.standard");
-    window.m_work = works[0];
-    window.ShowWindow(SW_SHOWNA);
-    window.InvalidateRect(nullptr);
-    window.UpdateWindow();
-    EXPECT_FALSE(::GetUpdateRect(window, nullptr, FALSE)) << "a paint that failed does not come again at once";
+    ASSERT_EQ(g_app.m_boxes.size(), 3u);
+    EXPECT_EQ(g_app.m_boxes[0] + g_app.m_boxes[1], L"An argument is not valid.standard");
+    m_window.ShowWindow(SW_SHOWNA);
+    m_window.InvalidateRect(nullptr);
+    m_window.UpdateWindow();
+    EXPECT_FALSE(::GetUpdateRect(m_window, nullptr, FALSE)) << "a paint that failed does not come again at once";
 }
 
-TEST_F(Window, AMessageBoxOfTheUsualKindsHasAnIcon) {
+TEST(MessageBoxes, OfTheUsualKindsHaveAnIcon) {
     static UINT s_type = 0;
-    const ImportPatch<decltype(&MessageBoxW)> patch(LoadedModule(L"framework.dll"), "MessageBoxW",
-                                                    [](HWND, LPCWSTR, LPCWSTR, UINT type) -> int {
-                                                        s_type = type;
-                                                        return IDNO;
-                                                    });
-    AFX_MODULE_STATE withoutApp(nullptr);
+    const ImportPatch<decltype(&MessageBoxW)> patch(
+        LoadedModule(L"framework.dll"), "MessageBoxW",
+        [](HWND, LPCWSTR, LPCWSTR, UINT type) -> int { return s_type = type, IDNO; });
     for (const long flags : {MB_OK, MB_OKCANCEL | MB_DEFBUTTON2, MB_YESNO, MB_YESNOCANCEL, MB_RETRYCANCEL,
                              MB_ABORTRETRYIGNORE, MB_YESNO | MB_ICONQUESTION, MB_OK | MB_ICONSTOP}) {
         const auto type = static_cast<UINT>(flags);
         const bool isUsual = type != MB_RETRYCANCEL && type != MB_ABORTRETRYIGNORE && (type & MB_ICONMASK) == 0;
-        EXPECT_EQ(theFrameworkTestApp.CWinApp::DoMessageBox(L"", type, 0), IDNO);
-        EXPECT_EQ(std::exchange(s_type, 0), isUsual ? type | MB_ICONEXCLAMATION : type);
-        AFX_MANAGE_STATE(&withoutApp)
-        EXPECT_EQ(AfxMessageBox(L"", type), IDNO);
+        EXPECT_EQ(g_app.CWinApp::DoMessageBox(L"", type, 0), IDNO);
         EXPECT_EQ(s_type, isUsual ? type | MB_ICONEXCLAMATION : type);
     }
+}
+
+TEST_F(Dialog, EachWayToEndHasItsResult) {
+    EXPECT_EQ(CDialogEx(9999).DoModal(), -1) << "no template";
+    EXPECT_EQ(CDialogEx(kBadInitDialog).DoModal(), -1) << "a broken initialisation resource";
+    const std::tuple<UINT, Work, INT_PTR> ends[] = {{kInit, [&] { m_dialog.EndDialog(12); }, 12},
+                                                    {kInLoop, [&] { ::DestroyWindow(m_dialog); }, -1},
+                                                    {kInLoop, [] { ::PostQuitMessage(33); }, -1}};
+    for (const auto& [moment, work, result] : ends) {
+        m_dialog.m_on = {{kInLoop, [] { ADD_FAILURE() << "the loop runs"; }}};
+        m_dialog.m_on[moment] = work;
+        EXPECT_EQ(m_dialog.DoModal(), result);
+        EXPECT_TRUE(m_window.IsWindowEnabled());
+    }
+    MSG message{};
+    EXPECT_TRUE(::PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE)) << "is left for the outer loop";
+    EXPECT_EQ(message.wParam, 33u);
+    ExpectOver();
+    for (const UINT moment : {kInit, kTranslate, kInLoop}) {
+        m_dialog.m_on = {{moment, [] { AfxThrowInvalidArgException(); }},
+                         {WM_DESTROY, [] { throw std::runtime_error("not the first"); }}};
+        EXPECT_THROW(m_dialog.DoModal(), CInvalidArgException*);
+        ExpectOver();
+    }
+}
+
+TEST_F(Dialog, TheOwnerIsDisabledMeanwhileAndEnabledBeforeTheDialogGoes) {
+    CWnd child;
+    child.Create(nullptr, L"", WS_VISIBLE, CRect(0, 0, 50, 50), &m_window, 1);
+    CProbeDialog outer(kProbeDialog, &child);  // a child cannot own a dialog; the window that it is in does
+    CProbeDialog inner(kProbeDialog, &outer);
+    int enabled = 0;
+    outer.m_on[kInLoop] = [&] {
+        EXPECT_EQ(::GetWindow(outer, GW_OWNER), m_window);
+        inner.DoModal();
+        EXPECT_TRUE(outer.IsWindowEnabled() && !m_window.IsWindowEnabled());
+        EXPECT_EQ(::GetActiveWindow(), outer);
+        outer.EndDialog(IDOK);
+    };
+    inner.m_on[kInLoop] = [&] {
+        EXPECT_FALSE(outer.IsWindowEnabled() || m_window.IsWindowEnabled());
+        const size_t before = CWnd::TemporaryCountForTesting();
+        const CClientDC context(&inner);
+        inner.SendMessage(WM_CTLCOLORBTN, reinterpret_cast<WPARAM>(context.m_hDC),
+                          reinterpret_cast<LPARAM>(::GetDlgItem(inner, IDOK)));
+        EXPECT_EQ(CWnd::TemporaryCountForTesting(), before) << "they end with the message, not when the loop is idle";
+        inner.EndDialog(IDOK);
+    };
+    inner.m_on[WM_DESTROY] = [&] { enabled += outer.IsWindowEnabled(); };
+    outer.m_on[WM_DESTROY] = [&] { enabled += m_window.IsWindowEnabled(); };
+    outer.DoModal();
+    EXPECT_EQ(enabled, 2) << "or another program's window would come to the front";
+    child.DestroyWindow();
+    ExpectOver();
+}
+
+TEST_F(Dialog, ATemplateWithoutAPlaceIsCenteredUnlessItWasMovedAndStaysOnTheScreen) {
+    CProbeDialog dialog(kNoPlaceDialog, &m_window);
+    CRect place;
+    dialog.m_on[kInLoop] = [&] {
+        dialog.GetWindowRect(place);
+        dialog.EndDialog(IDOK);
+    };
+    dialog.DoModal();
+    EXPECT_NEAR(place.left + place.right, 300 + 700, 2);
+    EXPECT_NEAR(place.top + place.bottom, 200 + 500, 2);
+    m_window.MoveWindow(-300, -200, 400, 300);
+    dialog.DoModal();
+    CRect work;
+    SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
+    EXPECT_EQ(place.TopLeft(), work.TopLeft());
+    dialog.m_on[kInit] = [&] { dialog.SetWindowPos(nullptr, 77, 55, 0, 0, SWP_NOSIZE | SWP_NOZORDER); };
+    dialog.DoModal();
+    EXPECT_EQ(place.TopLeft(), CPoint(77, 55));
 }

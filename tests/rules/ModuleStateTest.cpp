@@ -24,38 +24,27 @@ namespace {
 
 CWinApp g_app(L"Test host");
 
-std::vector<AFX_MODULE_STATE*> g_statesSet;
+AFX_MODULE_STATE* g_firstSet = nullptr;
 
-AFX_MODULE_STATE* NoteState(AFX_MODULE_STATE* state) {
-    g_statesSet.push_back(state);
-    return AfxSetModuleState(state);
-}
-
-void ExpectHostState() {
-    EXPECT_EQ(AfxGetApp(), &g_app);
-    EXPECT_EQ(AfxGetInstanceHandle(), GetModuleHandleW(nullptr));
-    EXPECT_EQ(AfxGetResourceHandle(), GetModuleHandleW(nullptr));
-    CString name;
-    EXPECT_TRUE(name.LoadString(IDS_APP_NAME));
-    EXPECT_STREQ(name, L"Host's name");
-}
-
-// Runs one exported member and checks which states it made current on the way.
+// Runs one exported member and checks which state it made current, and that the host's is back.
 void ExpectLibraryStateDuring(const char* member, const std::function<void()>& call) {
     SCOPED_TRACE(member);
     const HMODULE library = LoadedModule(L"RegistryRules.dll");
-    g_statesSet.clear();
+    g_firstSet = nullptr;
     {
         const ImportPatch<decltype(&AfxSetModuleState)> patch(library, "_Z17AfxSetModuleStateP16AFX_MODULE_STATE",
-                                                              NoteState);
+                                                              [](AFX_MODULE_STATE* state) {
+                                                                  if (g_firstSet == nullptr) g_firstSet = state;
+                                                                  return AfxSetModuleState(state);
+                                                              });
         call();
     }
-    ASSERT_GE(g_statesSet.size(), 2u);
-    const AFX_MODULE_STATE* const during = g_statesSet.front();
-    ASSERT_TRUE(during != nullptr && during->m_pCurrentWinApp != nullptr);
-    EXPECT_EQ(during->m_hCurrentResourceHandle, library);
-    EXPECT_STREQ(during->m_pCurrentWinApp->m_pszAppName, L"Registry Rules");
-    ExpectHostState();
+    ASSERT_TRUE(g_firstSet != nullptr && g_firstSet->m_pCurrentWinApp != nullptr);
+    EXPECT_EQ(g_firstSet->m_hCurrentResourceHandle, library);
+    EXPECT_STREQ(g_firstSet->m_pCurrentWinApp->m_pszAppName, L"Registry Rules");
+    CString name;
+    EXPECT_TRUE(AfxGetApp() == &g_app && name.LoadString(IDS_APP_NAME));
+    EXPECT_STREQ(name, L"Host's name");
 }
 
 struct OpenPage : CRegistryRulesPropPage {
@@ -76,13 +65,12 @@ std::wstring DefaultValue(const std::wstring& path) {
 }  // namespace
 
 TEST(ModuleState, EachExportedMemberWorksInTheLibrarysStateAndGivesTheHostItsOwnBack) {
-    ExpectHostState();
     std::unique_ptr<CRegistryRulesCtrl> editor;
-    CString key;
-    CString value;
+    CString key, value;
     int isBranch = 0;
     long position = 0;
     const auto during = ExpectLibraryStateDuring;
+    const auto raises = [](const auto& read) { EXPECT_TRUE(Throws<CInvalidArgException>(read)); };
     during("constructor", [&] { editor = std::make_unique<CRegistryRulesCtrl>(); });
     during("AddKeyRule", [&] { editor->AddKeyRule(L"HKCU\\a", 1, 0); });
     during("AddValueRule", [&] { editor->AddValueRule(L"HKCU\\a", L"", 1); });
@@ -91,12 +79,8 @@ TEST(ModuleState, EachExportedMemberWorksInTheLibrarysStateAndGivesTheHostItsOwn
     during("GetKeyRule", [&] { editor->GetKeyRule(0, key, &isBranch, &position); });
     during("GetValueRule", [&] { editor->GetValueRule(0, key, value, &position); });
     EXPECT_TRUE(value.IsEmpty()) << "the default value's text is the library's";
-    during("GetKeyRule that raises", [&] {
-        EXPECT_TRUE(Throws<CInvalidArgException>([&] { editor->GetKeyRule(-1, key, &isBranch, &position); }));
-    });
-    during("GetValueRule that raises", [&] {
-        EXPECT_TRUE(Throws<CInvalidArgException>([&] { editor->GetValueRule(-1, key, value, &position); }));
-    });
+    during("GetKeyRule", [&] { raises([&] { editor->GetKeyRule(-1, key, &isBranch, &position); }); });
+    during("GetValueRule", [&] { raises([&] { editor->GetValueRule(-1, key, value, &position); }); });
     DialogDriver driver;
     const auto useDialog = [](Dialog& d) {
         EXPECT_EQ(AfxGetApp(), &g_app) << "this thread has a state of its own";
@@ -117,17 +101,14 @@ TEST(ModuleState, EachExportedMemberWorksInTheLibrarysStateAndGivesTheHostItsOwn
 TEST(PropertyPage, IsInTheLibraryOutOfReachAndRegistersItselfOnlyWhenTheFactoryIsAsked) {
     const std::unique_ptr<CObject> page(RUNTIME_CLASS(CRegistryRulesPropPage)->CreateObject());
     EXPECT_TRUE(page != nullptr && page->IsKindOf(RUNTIME_CLASS(COlePropertyPage)));
-    CLSID clsid{};
-    EXPECT_EQ(OpenPage().GetClassID(&clsid), S_OK);
-    wchar_t text[40] = {};
-    StringFromGUID2(clsid, text, 40);
-    EXPECT_STREQ(text, kClassId);
+    CLSID clsid{}, expected{};
+    CLSIDFromString(kClassId, &expected);
+    EXPECT_TRUE(OpenPage().GetClassID(&clsid) == S_OK && clsid == expected);
     const HMODULE library = LoadedModule(L"RegistryRules.dll");
-    constexpr std::wstring_view kProgId = L"REGISTRYRULES.RegistryRulesPropPage.1";
     MODULEINFO info{};
     GetModuleInformation(GetCurrentProcess(), library, &info, sizeof info);
     const std::wstring_view image(static_cast<const wchar_t*>(info.lpBaseOfDll), info.SizeOfImage / sizeof(wchar_t));
-    EXPECT_NE(image.find(kProgId), image.npos);
+    EXPECT_NE(image.find(L"REGISTRYRULES.RegistryRulesPropPage.1"), image.npos);
 
     EXPECT_FALSE(OpenPage::factory.IsRegistered());
     EXPECT_EQ(DefaultValue(L""), L"");

@@ -6,7 +6,6 @@
 #include <string>
 #include <tuple>
 
-#include "dialog/Rule.h"
 #include "dialog/RuleSet.h"
 #include "support/Throws.h"
 
@@ -27,98 +26,71 @@ Read ValueRule(CRegistryRulesCtrl& editor, long index) {
     return read;
 }
 
-const Read kNoKeyRule{0, L"untouched", L"", 99, 99};
-const Read kNoValueRule{0, L"untouched", L"untouched", 0, 99};
-
-// Counts its own destructions, to see who deletes records and that the real class's destructor runs.
-class CCountedRule : public CKeyRule {
-public:
-    explicit CCountedRule(int& destroyed) : CKeyRule(L"HKCU\\a", 1, 0), m_destroyed(destroyed) {}
-    ~CCountedRule() override { ++m_destroyed; }
-
-private:
-    int& m_destroyed;
-};
-
 }  // namespace
 
-TEST(RegistryRulesCtrl, WhatWasAddedComesBackUnchangedBeforeTheDialogRuns) {
+TEST(RegistryRulesCtrl, AllObjectsGiveBackWhatWasAddedAndZeroForAnIndexWithoutARuleOrRaise) {
     CRegistryRulesCtrl editor;
+    long keys = 0;
+    long values = 0;
+    const auto expectNoneAt = [&](long key, long value) {
+        EXPECT_EQ(KeyRule(editor, key), (Read{0, L"untouched", L"", 99, 99})) << key << " of " << keys;
+        EXPECT_EQ(ValueRule(editor, value), (Read{0, L"untouched", L"untouched", 0, 99})) << value << " of " << values;
+    };
+    expectNoneAt(-1, -1);  // raises only where there are rules
+    expectNoneAt(0, 0);
     const std::wstring longText(32000, L'x');
-    const struct {
-        const wchar_t* name;
-        const wchar_t* readBack;
-    } values[] = {{nullptr, L""},
-                  {L"", L""},
-                  {L"(Default)", L""},
-                  {L"(DEFAULT)", L""},
-                  {L"Default", L"Default"},
-                  {L" (Default)", L" (Default)"},
-                  {longText.c_str(), longText.c_str()}};
-    for (const auto& [name, readBack] : values) {
+    const std::pair<const wchar_t*, const wchar_t*> names[] = {{nullptr, L""},
+                                                               {L"", L""},
+                                                               {L"(Default)", L""},
+                                                               {L"(DEFAULT)", L""},
+                                                               {L"Default", L"Default"},
+                                                               {L" (Default)", L" (Default)"},
+                                                               {longText.c_str(), longText.c_str()}};
+    for (const auto& [name, readBack] : names) {
         EXPECT_EQ(editor.AddValueRule(L"no hive\\\\", name, -32768), 1);
-        EXPECT_EQ(ValueRule(editor, editor.GetValueRuleCount() - 1), (Read{1, L"no hive\\\\", readBack, 0, -32768}));
+        EXPECT_EQ(ValueRule(editor, values), (Read{1, L"no hive\\\\", readBack, 0, -32768}));
+        EXPECT_EQ(editor.GetValueRuleCount(), ++values);
     }
     for (const wchar_t* key : {L"HKCU\\Software", longText.c_str(), static_cast<const wchar_t*>(nullptr)}) {
         for (const short position : {short{32767}, short{-1}}) {
             EXPECT_EQ(editor.AddKeyRule(key, position - 7, position), 1);
-            EXPECT_EQ(KeyRule(editor, editor.GetKeyRuleCount() - 1), (Read{1, key, L"", position - 7, position}));
+            EXPECT_EQ(KeyRule(editor, keys), (Read{1, key, L"", position - 7, position}));
+            EXPECT_EQ(editor.GetKeyRuleCount(), ++keys);
         }
     }
-    EXPECT_EQ(editor.GetKeyRuleCount(), 6);
-    EXPECT_EQ(editor.GetValueRuleCount(), 7);
-}
-
-TEST(RegistryRulesCtrl, AnIndexWithoutARuleGivesZeroOrRaises) {
-    CRegistryRulesCtrl editor;
-    EXPECT_EQ(KeyRule(editor, -1), kNoKeyRule) << "raises only where there are rules";
-    EXPECT_EQ(ValueRule(editor, -1), kNoValueRule);
-    for (const long end : {0, 1}) {
-        for (const long index : {end, end + 1, end + 2, std::numeric_limits<long>::max()}) {
-            EXPECT_EQ(KeyRule(editor, index), kNoKeyRule) << index << " of " << end;
-            EXPECT_EQ(ValueRule(editor, index), kNoValueRule) << index << " of " << end;
-        }
-        editor.AddKeyRule(L"HKCU\\a", 1, 0);
-        editor.AddValueRule(L"HKCU\\a", L"b", 0);
-    }
+    for (const long behind : {0, 1, 2}) expectNoneAt(keys + behind, values + behind);
+    expectNoneAt(std::numeric_limits<long>::max(), std::numeric_limits<long>::max());
     for (const long index : {-1L, std::numeric_limits<long>::min()}) {
         EXPECT_TRUE(Throws<CInvalidArgException>([&] { KeyRule(editor, index); })) << index;
         EXPECT_TRUE(Throws<CInvalidArgException>([&] { ValueRule(editor, index); })) << index;
     }
-}
-
-TEST(RegistryRulesCtrl, AllObjectsShareTheirRulesAndAssignmentTheDialogToo) {
-    CRegistryRulesCtrl source;
     {
         CRegistryRulesCtrl other;
-        source.AddKeyRule(L"HKCU\\a", 1, 0);
-        source.AddValueRule(L"HKCU\\a", L"b", 0);
-        EXPECT_EQ(other.GetKeyRuleCount() + other.GetValueRuleCount(), 2);
+        EXPECT_TRUE(other.GetKeyRuleCount() == keys && other.GetValueRuleCount() == values);
     }
-    EXPECT_EQ(source.GetKeyRuleCount() + source.GetValueRuleCount(), 0) << "the first that goes takes all along";
-    // Never destroyed: it shares the dialog of `source`, which deletes it.
+    EXPECT_EQ(editor.GetKeyRuleCount() + editor.GetValueRuleCount(), 0) << "the first that goes takes all along";
+    // Never destroyed: it shares the dialog of `editor`, which deletes it.
     auto* const target = new CRegistryRulesCtrl;
-    EXPECT_EQ(&(*target = source), target);
-    EXPECT_EQ(*reinterpret_cast<void* const*>(target), *reinterpret_cast<void* const*>(&source));
-    static_assert(sizeof(CRegistryRulesCtrl) == sizeof(void*));
+    EXPECT_EQ(&(*target = editor), target);
+    EXPECT_EQ(*reinterpret_cast<void* const*>(target), *reinterpret_cast<void* const*>(&editor));
 }
 
 TEST(RuleSet, TheTwoIndicesBehindTheEndRaiseAndClearDeletesEachRecordOnce) {
-    int destroyed = 0;
-    RuleSet<CKeyRule> set;
-    for (const int round : {1, 2}) {
-        set.Clear();
-        for (int count = 0; count < 3; ++count) {
-            for (const int index : {-1, std::numeric_limits<int>::min(), count, count + 1})
-                EXPECT_TRUE(Throws<CInvalidArgException>([&] { set.At(index); })) << index << " of " << count;
-            for (const int index : {count + 2, std::numeric_limits<int>::max()})
-                EXPECT_EQ(set.At(index), nullptr) << index << " of " << count;
-            CKeyRule* const rule = new CCountedRule(destroyed);
-            EXPECT_EQ(set.Add(rule), 1);
-            EXPECT_EQ(set.At(count), rule);
-        }
-        EXPECT_EQ(set.Add(nullptr), 0);
-        set.Clear();
-        EXPECT_EQ(destroyed, 3 * round);
+    static int s_destroyed = 0;
+    struct Record {
+        ~Record() { ++s_destroyed; }
+    };
+    RuleSet<Record> set;
+    for (int count = 0; count < 3; ++count) {
+        for (const int index : {-1, count, count + 1})
+            EXPECT_TRUE(Throws<CInvalidArgException>([&] { set.At(index); })) << index << " of " << count;
+        EXPECT_EQ(set.At(count + 2), nullptr) << count;
+        auto* const record = new Record;
+        EXPECT_EQ(set.Add(record), 1);
+        EXPECT_EQ(set.At(count), record);
     }
+    EXPECT_EQ(set.Add(nullptr), 0);
+    set.Clear();
+    set.Clear();
+    EXPECT_EQ(s_destroyed, 3);
 }

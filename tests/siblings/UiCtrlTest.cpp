@@ -13,7 +13,7 @@ class CFontDialog : public CBvDialogBase {
 public:
     CFontDialog() : CBvDialogBase(300) {}
 
-    HFONT m_labelFont = nullptr;
+    HGDIOBJ m_labelFont = nullptr;
     using CBvDialogBase::m_font;
 
 protected:
@@ -27,18 +27,14 @@ protected:
 
 // Whether the picture leaves its corner as it is and covers its middle.
 bool ShowsSomethingInTheMiddle(const CImageList& list, int index) {
-    constexpr COLORREF kGround = RGB(0, 0, 255);
-    const CRect area(0, 0, ::GetSystemMetrics(SM_CXSMICON), ::GetSystemMetrics(SM_CYSMICON));
-    CClientDC screen(nullptr);
+    const int width = ::GetSystemMetrics(SM_CXSMICON), height = ::GetSystemMetrics(SM_CYSMICON);
     CDC memory;
-    CBitmap bitmap;
-    memory.CreateCompatibleDC(&screen);
-    bitmap.CreateCompatibleBitmap(&screen, area.right, area.bottom);
+    CBitmap bitmap;  // black
+    memory.CreateCompatibleDC(nullptr);
+    bitmap.Attach(::CreateBitmap(width, height, 1, 32, nullptr));
     CBitmap* const before = memory.SelectObject(&bitmap);
-    memory.FillSolidRect(area, kGround);
     ::ImageList_Draw(list.m_hImageList, index, memory.m_hDC, 0, 0, ILD_NORMAL);
-    const bool shows = ::GetPixel(memory.m_hDC, 0, 0) == kGround &&
-                       ::GetPixel(memory.m_hDC, area.right / 2, area.bottom / 2) != kGround;
+    const bool shows = ::GetPixel(memory.m_hDC, 0, 0) == 0 && ::GetPixel(memory.m_hDC, width / 2, height / 2) != 0;
     memory.SelectObject(before);
     return shows;
 }
@@ -47,12 +43,10 @@ bool ShowsSomethingInTheMiddle(const CImageList& list, int index) {
 
 TEST(BvDialogBase, GivesItsFontToTheControlsIfItHasOne) {
     CFontDialog dialog;
-    LOGFONTW description{};
-    description.lfHeight = -30;
-    EXPECT_EQ(dialog.DoModal(), IDOK);
-    EXPECT_NE(dialog.m_labelFont, nullptr);  // the template's
-    dialog.m_font.CreateFontIndirect(&description);
-    EXPECT_EQ(dialog.DoModal(), IDOK);
+    dialog.DoModal();
+    EXPECT_NE(dialog.m_labelFont, nullptr) << "the template's";
+    dialog.m_font.Attach(::CreateFontW(-30, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, nullptr));
+    dialog.DoModal();
     EXPECT_EQ(dialog.m_labelFont, dialog.m_font.m_hObject);
 }
 
