@@ -11,6 +11,8 @@
 
 namespace {
 
+using namespace std::string_literals;
+
 constexpr UINT kNew = CFile::modeCreate | CFile::modeWrite;
 constexpr UINT kKept = kNew | CFile::modeNoTruncate;
 const std::string kM(kMark);
@@ -128,21 +130,32 @@ TEST_F(TextFile, WritesUtf8AndAppendsFilesWithAMark) {
     EXPECT_EQ(CauseOf([&] { CCoreSocketFile(m_none.c_str(), CFile::modeRead); }), CFileException::fileNotFound);
 }
 
+// How blocks are cut is the fuzzer's; here are the answers.
 TEST_F(TextFile, ReadsShortBrokenAndMarkedFilesAndLineEndsAcrossBlocks) {
-    const std::pair<std::string, Lines> rows[] = {
-        {"", {}},
-        {"x", {"x"}},
-        {"\n", {"\n"}},
-        {"\r\n", {""}},
-        {"\xEF\xBB", {"\xEF\xBF\xBD"}},
-        {"\x80", {"\xEF\xBF\xBD"}},
-        {kM, {}},
-        {kM + "\xC3\xA4\r\n\xF0\x9F\x98\x80", {"\xC3\xA4", "\xF0\x9F\x98\x80"}},
-        {"a\xFFz\r\nb", {"a\xEF\xBF\xBDz", "b"}},
-        {std::string("a\0b\nc", 5), {std::string("a\0b", 3), "c"}}};
-    for (const auto& [bytes, lines] : rows) {
+    const struct {
+        std::string bytes;
+        Lines lines, withEnds;
+    } rows[] = {
+        {"", {}, {}},
+        {"x", {"x"}, {"x"}},
+        {"a\r\nb", {"a", "b"}, {"a\r\n", "b"}},
+        {"a\n\rb\rc\nd", {"a", "b", "c", "d"}, {"a\n\r", "b\r", "c\n", "d"}},
+        {"\r\n\r\n", {"", ""}, {"\r\n", "\r\n"}},
+        {"a\n\nb", {"a", "", "b"}, {"a\n", "\n", "b"}},
+        {"a\r\n\nb", {"a", "", "b"}, {"a\r\n", "\n", "b"}},
+        {"a\r\r\n\n\r\rb", {"a", "", "", "", "b"}, {"a\r", "\r\n", "\n\r", "\r", "b"}},
+        // A single end at the very end was never looked at.
+        {"\r", {"\r"}, {"\r"}},
+        {"a\n\n", {"a", "\n"}, {"a\n", "\n"}},
+        {"\xEF\xBB", {"\xEF\xBF\xBD"}, {"\xEF\xBF\xBD"}},
+        {kM, {}, {}},
+        {kM + "\xC3\xA4\r\n\xF0\x9F\x98\x80", {"\xC3\xA4", "\xF0\x9F\x98\x80"}, {"\xC3\xA4\r\n", "\xF0\x9F\x98\x80"}},
+        {"a\xFFz\r\nb", {"a\xEF\xBF\xBDz", "b"}, {"a\xEF\xBF\xBDz\r\n", "b"}},
+        {"a\0b\nc"s, {"a\0b"s, "c"}, {"a\0b\n"s, "c"}}};
+    for (const auto& [bytes, lines, withEnds] : rows) {
         PutBytes(m_path, bytes);
-        EXPECT_EQ(Read(m_path), lines) << bytes;
+        EXPECT_EQ(Read(m_path), lines) << testing::PrintToString(bytes);
+        EXPECT_EQ(Read(m_path, true), withEnds) << testing::PrintToString(bytes);
     }
     // The third block ends in the end of a line, before it or behind it.
     for (const std::string end : {"\r\n", "\n\r", "\n", "\r"}) {
