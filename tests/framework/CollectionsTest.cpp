@@ -1,4 +1,3 @@
-#include <afxcoll.h>
 #include <afxmt.h>
 #include <afxtempl.h>
 
@@ -26,33 +25,6 @@ TEST(List, KeepsItsOrderAndIndexesOverRandomChanges) {
         list.RemoveAll();
         EXPECT_THROW(list.GetTail(), CInvalidArgException*);
     }
-}
-
-TEST(PtrCollections, FindRemoveAndRefuse) {
-    int things[3] = {};
-    CTypedPtrArray<CPtrArray, int*> array;
-    CMapPtrToPtr map;
-    for (int& thing : things) {
-        array.Add(&thing);
-        map.SetAt(&thing, nullptr);
-    }
-    array.RemoveAt(1);
-    EXPECT_EQ(array.GetAt(1), &things[2]);
-    EXPECT_THROW(array.GetAt(2), CInvalidArgException*);
-    EXPECT_TRUE(map.RemoveKey(&things[0]));
-    void* value = &map;
-    EXPECT_FALSE(map.RemoveKey(&things[0]) || map.Lookup(&things[0], value));
-    EXPECT_EQ(value, &map);
-    map.SetAt(&things[1], &things[2]);
-    EXPECT_TRUE(map.Lookup(&things[1], value));
-    EXPECT_EQ(value, &things[2]);
-    void* key = nullptr;
-    POSITION place = map.GetStartPosition();
-    for (int* const thing : {&things[1], &things[2]}) {
-        map.GetNextAssoc(place, key, value);
-        EXPECT_EQ(key, thing);
-    }
-    EXPECT_EQ(place, nullptr);
 }
 
 TEST(SingleLock, KeepsOtherThreadsOutAndMayBeTakenAgainByItsOwn) {

@@ -3,28 +3,24 @@
 #include <commctrl.h>
 #include <shellapi.h>
 
+#include <algorithm>
 #include <map>
 #include <mutex>
 #include <set>
-#include <stdexcept>
 #include <type_traits>
 
 namespace {
 
 // What the replaced calls of the one living counter have recorded, by kind.
-struct Record {
-    std::mutex lock;
-    std::map<std::string, std::set<const void*>> alive;
-    std::map<std::string, int> created;
-};
-
-Record* s_record = nullptr;
+std::recursive_mutex s_lock;
+std::map<std::string, std::set<const void*>> s_alive;
+std::map<std::string, int> s_created;
 
 void Note(bool isCreated, const char* kind, const void* handle) {
-    const std::lock_guard guard(s_record->lock);
-    s_record->alive[kind].erase(handle);
-    if (isCreated) s_record->alive[kind].insert(handle);
-    s_record->created[kind] += isCreated ? 1 : 0;
+    const std::lock_guard guard(s_lock);
+    s_alive[kind].erase(handle);
+    if (isCreated) s_alive[kind].insert(handle);
+    s_created[kind] += isCreated ? 1 : 0;
 }
 
 struct Call {
@@ -36,32 +32,27 @@ struct Call {
 // The tag is a lambda, so that each line of the table below has a function, and with it static data, of its own.
 template <class Handle, class Tag, class Result, class... Arguments>
 Call Watch(bool creates, const char* kindName, const char* callName, Result(WINAPI* real)(Arguments...), Tag) {
-    static const char* kind;
-    static bool isCreating;
-    static Result(WINAPI * original)(Arguments...);
-    kind = kindName, isCreating = creates, original = real;
+    static bool s_creates;
+    static const char* s_kind;
+    static Result(WINAPI * s_real)(Arguments...);
+    s_creates = creates, s_kind = kindName, s_real = real;
     Result(WINAPI * replacement)(Arguments...) = [](Arguments... arguments) -> Result {
-        const Result result = original(arguments...);
+        const Result result = s_real(arguments...);
         const DWORD error = GetLastError();
-        if (std::is_same_v<Result, LSTATUS> ? result != Result{} : result == Result{}) return result;
+        if ((result == Result{}) != std::is_same_v<Result, LSTATUS>) return result;  // it failed
         const void* handle = nullptr;
         const auto look = [&handle](auto argument) {
             if constexpr (std::is_same_v<decltype(argument), Handle>) handle = argument;
             if constexpr (std::is_same_v<decltype(argument), Handle*>) handle = *argument;
+            if constexpr (std::is_same_v<decltype(argument), SHFILEINFOW*>) handle = argument->hIcon;
         };
         (look(arguments), ...);
         if constexpr (std::is_pointer_v<Result>) handle = result;
-        Note(isCreating, kind, handle);
+        Note(s_creates, s_kind, handle);
         SetLastError(error);
         return result;
     };
     return {callName, reinterpret_cast<void*>(replacement)};
-}
-
-DWORD_PTR WINAPI WatchedGetFileInfo(LPCWSTR path, DWORD attributes, SHFILEINFOW* info, UINT bytes, UINT flags) {
-    const DWORD_PTR result = SHGetFileInfoW(path, attributes, info, bytes, flags);
-    if (result != 0 && (flags & SHGFI_ICON) != 0) Note(true, "icon", info->hIcon);
-    return result;
 }
 
 #define CREATES(handle, kind, call) Watch<handle>(true, kind, #call, &call, [] {})
@@ -87,7 +78,7 @@ std::vector<Call> Calls() {
         CREATES(HIMAGELIST, "image list", ImageList_Duplicate),
         ENDS(HIMAGELIST, "image list", ImageList_Destroy),
         ENDS(HICON, "icon", DestroyIcon),
-        {"SHGetFileInfoW", reinterpret_cast<void*>(WatchedGetFileInfo)},
+        CREATES(HICON, "icon", SHGetFileInfoW),
         CREATES(HHOOK, "hook", SetWindowsHookExW),
         ENDS(HHOOK, "hook", UnhookWindowsHookEx),
         CREATES(HKEY, "registry handle", RegOpenKeyExW),
@@ -97,14 +88,11 @@ std::vector<Call> Calls() {
     };
 }
 
-#undef CREATES
-#undef ENDS
-
 }  // namespace
 
 ResourceCounter::ResourceCounter(const std::vector<HMODULE>& modules) {
-    if (s_record != nullptr) throw std::logic_error("one ResourceCounter at a time");
-    s_record = new Record;
+    s_alive.clear();
+    s_created.clear();
     for (const Call& call : Calls()) {
         for (const HMODULE module : modules) {
             if (FindImportSlot(module, call.name) != nullptr)
@@ -113,28 +101,23 @@ ResourceCounter::ResourceCounter(const std::vector<HMODULE>& modules) {
     }
 }
 
-ResourceCounter::~ResourceCounter() {
-    m_patches.clear();
-    delete s_record;
-    s_record = nullptr;
-}
-
 int ResourceCounter::Created(const std::string& kind) const {
-    const std::lock_guard guard(s_record->lock);
-    return s_record->created[kind];
+    const std::lock_guard guard(s_lock);
+    return s_created[kind];
 }
 
 int ResourceCounter::Alive(const std::string& kind) const {
-    const std::lock_guard guard(s_record->lock);
-    int count = 0;
-    for (const void* handle : s_record->alive[kind])
-        count += kind != "window" || IsWindow(static_cast<HWND>(const_cast<void*>(handle))) ? 1 : 0;
-    return count;
+    const std::lock_guard guard(s_lock);
+    const auto& handles = s_alive[kind];
+    return static_cast<int>(std::count_if(handles.begin(), handles.end(), [&](const void* handle) {
+        return kind != "window" || IsWindow(static_cast<HWND>(const_cast<void*>(handle)));
+    }));
 }
 
 std::string ResourceCounter::Report() const {
+    const std::lock_guard guard(s_lock);
     std::string report;
-    for (const auto& [kind, created] : s_record->created)
+    for (const auto& [kind, handles] : s_alive)
         if (const int alive = Alive(kind)) report += kind + ": " + std::to_string(alive) + " alive\n";
     return report;
 }

@@ -18,9 +18,6 @@
 class ResourceCounter {
 public:
     explicit ResourceCounter(const std::vector<HMODULE>& modules);
-    ~ResourceCounter();
-    ResourceCounter(const ResourceCounter&) = delete;
-    ResourceCounter& operator=(const ResourceCounter&) = delete;
 
     int Created(const std::string& kind) const;
     int Alive(const std::string& kind) const;

@@ -32,7 +32,7 @@ private:
         const DWORD attributes = GetFileAttributesW(path.c_str());
         SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
         if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) return static_cast<void>(DeleteFileW(path.c_str()));
-        WIN32_FIND_DATAW found;
+        WIN32_FIND_DATAW found{};
         const bool isEntered = (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0;
         const HANDLE search = isEntered ? FindFirstFileW((path + L"\\*").c_str(), &found) : INVALID_HANDLE_VALUE;
         for (BOOL more = search != INVALID_HANDLE_VALUE; more; more = FindNextFileW(search, &found)) {
