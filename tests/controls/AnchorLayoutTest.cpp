@@ -22,16 +22,15 @@ protected:
         SetWindowPos(m_frame, nullptr, 0, 0, width, height, SWP_NOMOVE);
         m_layout.Resize();
     }
-    void ExpectChild(int id, const AnchoredSpan& x, const AnchoredSpan& y) {
+    void ExpectChild(int id, const RECT& expected) {
         RECT rect{};
         GetWindowRect(GetDlgItem(m_frame, id), &rect);
         MapWindowPoints(nullptr, m_frame, reinterpret_cast<POINT*>(&rect), 2);
-        EXPECT_EQ((AnchoredSpan{rect.left, rect.right}), x) << id;
-        EXPECT_EQ((AnchoredSpan{rect.top, rect.bottom}), y) << id;
+        EXPECT_TRUE(EqualRect(&rect, &expected)) << id;
     }
 
-    HWND m_frame = CreateWindowExW(0, L"STATIC", L"frame", WS_OVERLAPPEDWINDOW, 10, 10, 400, 300, nullptr, nullptr,
-                                   nullptr, nullptr);
+    HWND m_frame =
+        CreateWindowExW(0, L"STATIC", L"", WS_OVERLAPPEDWINDOW, 10, 10, 400, 300, nullptr, nullptr, nullptr, nullptr);
     CAnchorLayout m_layout;
 };
 
@@ -52,15 +51,15 @@ TEST_F(AnchorLayout, TakesControlsByIdByClassAndLaterAndDoesNotDrift) {
     m_layout.SetAnchorsByClass(L"button", 7, 7);  // by case: no class
     for (const bool again : {false, true}) {
         Resize(800, 450);  // twice as wide, and half as high again
-        ExpectChild(100, {20, 475}, {40, 109});
-        ExpectChild(101, {40, 150}, {60, 109});
-        if (!again) ExpectChild(102, {40, 95}, {190, 223});
-        ExpectChild(199, {40, 475}, {40, 109});
+        ExpectChild(100, {20, 40, 475, 109});
+        ExpectChild(101, {40, 60, 150, 109});
+        if (!again) ExpectChild(102, {40, 190, 95, 223});
+        ExpectChild(199, {40, 40, 475, 109});
         for (const auto& [width, height] : {std::pair{333, 217}, {517, 451}, {400, 300}}) Resize(width, height);
-        for (const int id : {100, 101, 199}) ExpectChild(id, {20, 75}, {40, 73});
+        for (const int id : {100, 101, 199}) ExpectChild(id, {20, 40, 75, 73});
         DestroyWindow(GetDlgItem(m_frame, 102));  // one that is gone is passed over
     }
     m_layout.Attach(nullptr);
     Resize(800, 450);
-    ExpectChild(100, {20, 75}, {40, 73});
+    ExpectChild(100, {20, 40, 75, 73});
 }

@@ -4,7 +4,6 @@
 
 #include "controls/AnchorRules.h"
 #include "controls/CellGeometry.h"
-#include "controls/ColumnSet.h"
 #include "controls/TreeOrder.h"
 
 TEST(FollowSize, EachSetOfFlagsInALargerAndASmallerWindow) {
@@ -61,15 +60,6 @@ TEST(CellGeometry, HitsTheColumnLeftOfADividerAndScrollsAsFarAsACellNeeds) {
     }
     for (const auto& [items, rows] : {std::pair{0, 10}, {3, 13}, {9, 19}, {10, 11}, {20, 11}})
         EXPECT_EQ(DropDownRows(items), rows) << items;
-}
-
-TEST(ColumnSet, HoldsAColumnOnce) {
-    ColumnSet columns;
-    for (const int column : {0, 0, 2}) columns.Set(column, true);
-    EXPECT_TRUE(columns.Contains(0) && columns.Contains(2) && !columns.Contains(1));
-    columns.Set(0, false);
-    columns.Set(1, false);
-    EXPECT_TRUE(!columns.Contains(0) && columns.Contains(2) && !columns.Contains(1));
 }
 
 TEST(CompareSiblings, PutsKeysAboveValuesAndCapitalsAboveSmallLetters) {

@@ -1,7 +1,7 @@
 #include "controls/RegistryTree.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
-#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -27,32 +27,31 @@ public:
     static std::wstring Take() { return std::exchange(s_log, {}); }
 
 private:
+    static LSTATUS WINAPI Open(HKEY root, LPCWSTR path, DWORD options, REGSAM access, PHKEY key) {
+        EXPECT_TRUE(options == 0 && access == 0x20019);
+        const std::wstring name = path;
+        s_log += L" " + (name.starts_with(s_key) ? L"~" + name.substr(s_key.size()) : name);
+        if (name == s_denied) return ERROR_ACCESS_DENIED;
+        return SystemFunction(&RegOpenKeyExW, L"advapi32.dll", "RegOpenKeyExW")(root, path, options, access, key);
+    }
+    static LSTATUS WINAPI Close(HKEY key) {
+        s_log += L" x";
+        return SystemFunction(&RegCloseKey, L"advapi32.dll", "RegCloseKey")(key);
+    }
+    static LSTATUS WINAPI Enum(HKEY key, DWORD index, LPWSTR name, LPDWORD chars, LPDWORD a, LPWSTR b, LPDWORD c,
+                               PFILETIME d) {
+        EXPECT_EQ(*chars, 1024u);
+        EXPECT_EQ(GetCursor(), LoadCursorW(nullptr, IDC_WAIT));
+        s_log += L" ?";
+        if (index == s_failingSubkey) return ERROR_MORE_DATA;  // as at a name that is too long
+        return SystemFunction(&RegEnumKeyExW, L"advapi32.dll", "RegEnumKeyExW")(key, index, name, chars, a, b, c, d);
+    }
+
     static inline std::wstring s_log, s_key, s_denied;
     static inline DWORD s_failingSubkey;
-    ImportPatch<decltype(&RegOpenKeyExW)> m_open{
-        GetModuleHandleW(nullptr), "RegOpenKeyExW",
-        [](HKEY root, LPCWSTR path, DWORD options, REGSAM access, PHKEY key) -> LSTATUS {
-            EXPECT_TRUE(options == 0 && access == 0x20019);
-            const std::wstring name = path;
-            s_log += L" " + (name.starts_with(s_key) ? L"~" + name.substr(s_key.size()) : name);
-            if (name == s_denied) return ERROR_ACCESS_DENIED;
-            return SystemFunction(&RegOpenKeyExW, L"advapi32.dll", "RegOpenKeyExW")(root, path, options, access, key);
-        }};
-    ImportPatch<decltype(&RegCloseKey)> m_close{GetModuleHandleW(nullptr), "RegCloseKey", [](HKEY key) {
-                                                    s_log += L" x";
-                                                    return SystemFunction(&RegCloseKey, L"advapi32.dll",
-                                                                          "RegCloseKey")(key);
-                                                }};
-    ImportPatch<decltype(&RegEnumKeyExW)> m_enum{
-        GetModuleHandleW(nullptr), "RegEnumKeyExW",
-        [](HKEY key, DWORD index, LPWSTR name, LPDWORD chars, LPDWORD a, LPWSTR b, LPDWORD c, PFILETIME d) -> LSTATUS {
-            EXPECT_EQ(*chars, 1024u);
-            EXPECT_EQ(GetCursor(), LoadCursorW(nullptr, IDC_WAIT));
-            s_log += L" ?";
-            if (index == s_failingSubkey) return ERROR_MORE_DATA;  // as at a name that is too long
-            return SystemFunction(&RegEnumKeyExW, L"advapi32.dll", "RegEnumKeyExW")(key, index, name, chars, a, b, c,
-                                                                                    d);
-        }};
+    ImportPatch<decltype(&RegOpenKeyExW)> m_open{GetModuleHandleW(nullptr), "RegOpenKeyExW", Open};
+    ImportPatch<decltype(&RegCloseKey)> m_close{GetModuleHandleW(nullptr), "RegCloseKey", Close};
+    ImportPatch<decltype(&RegEnumKeyExW)> m_enum{GetModuleHandleW(nullptr), "RegEnumKeyExW", Enum};
 };
 
 // Blocks of the size of an item's record that this program took from the heap and did not give back.
@@ -82,25 +81,17 @@ protected:
         return texts;
     }
     HTREEITEM Child(HTREEITEM parent, const std::wstring& text) {
-        for (const HTREEITEM item : Items(parent)) {
-            if (m_tree.GetItemText(item) == text.c_str()) return item;
-        }
-        return nullptr;
+        const Texts texts = Children(parent);
+        const auto at = std::ranges::find(texts, text);
+        return at != texts.end() ? Items(parent)[static_cast<size_t>(at - texts.begin())] : nullptr;
     }
-    // The item of a key below the current user's, with all above it expanded.
-    HTREEITEM Reach(const Texts& names) {
+    // The item of the test's own key, with all above it expanded.
+    HTREEITEM Reach() {
         HTREEITEM item = Child(nullptr, L"HKEY_CURRENT_USER");
-        for (const std::wstring& name : names) {
+        for (const std::wstring& name : {std::wstring(L"Software"), m_key.Name()}) {
             m_tree.Expand(item, TVE_EXPAND);
             item = Child(item, name);
         }
-        return item;
-    }
-    // Opens a tree and expands the test's own key in it.
-    HTREEITEM OpenKey(bool showValues = true) {
-        OpenTree(showValues);
-        const HTREEITEM item = Reach({L"Software", m_key.Name()});
-        m_tree.Expand(item, TVE_EXPAND);
         return item;
     }
     std::wstring Path(HTREEITEM item) {
@@ -118,53 +109,45 @@ protected:
 
 }  // namespace
 
-TEST_F(RegistryTree, ShowsHivesThenKeysAboveValuesCapitalsFirst) {
-    const std::vector<std::pair<std::wstring, HKEY>> hives{{L"HKEY_CLASSES_ROOT", HKEY_CLASSES_ROOT},
-                                                           {L"HKEY_CURRENT_CONFIG", HKEY_CURRENT_CONFIG},
-                                                           {L"HKEY_CURRENT_USER", HKEY_CURRENT_USER},
-                                                           {L"HKEY_LOCAL_MACHINE", HKEY_LOCAL_MACHINE},
-                                                           {L"HKEY_USERS", HKEY_USERS}};
+TEST_F(RegistryTree, ShowsHivesThenKeysAboveValuesCapitalsFirstWithPicturesByType) {
     for (const wchar_t* name : {L"apple", L"Zebra", L"zebra2", L"Apple3"}) m_key.AddKey(name);
     for (const wchar_t* name : {L"value", L"Value2", L""}) m_key.SetText(L"", name, L"");
-    const HTREEITEM item = OpenKey();
-    std::vector<std::pair<std::wstring, HKEY>> shown;
+    for (DWORD type = REG_NONE; type <= REG_QWORD; ++type) m_key.SetData(L"", std::to_wstring(type), type, L"", 2);
+    m_key.SetData(L"", L"unknown", 0x12345, L"", 2);
+    OpenTree();
+    const HTREEITEM item = Reach();
+    m_tree.Expand(item, TVE_EXPAND);
+    std::vector<std::pair<std::wstring, HKEY>> hives;
     for (const HTREEITEM hive : Items(nullptr)) {
         HKEY root = nullptr;
         CString path = L"left over";
         m_tree.GetItemPath(hive, root, path);
-        shown.emplace_back(m_tree.GetItemText(hive), root);
+        hives.emplace_back(m_tree.GetItemText(hive), root);
         EXPECT_TRUE(path.IsEmpty() && m_tree.IsKeyItem(hive) && m_tree.IsHiveItem(hive));
     }
-    EXPECT_EQ(shown, hives);
-    EXPECT_EQ(Children(item), (Texts{L"Apple3", L"Zebra", L"apple", L"zebra2", L"", L"Value2", L"value"}));
+    EXPECT_EQ(hives, (decltype(hives){{L"HKEY_CLASSES_ROOT", HKEY_CLASSES_ROOT},
+                                      {L"HKEY_CURRENT_CONFIG", HKEY_CURRENT_CONFIG},
+                                      {L"HKEY_CURRENT_USER", HKEY_CURRENT_USER},
+                                      {L"HKEY_LOCAL_MACHINE", HKEY_LOCAL_MACHINE},
+                                      {L"HKEY_USERS", HKEY_USERS}}));
+    // The pictures were appended in this order: binary, text, key.
+    Texts shown = {L"", L"", L""};
+    for (const HTREEITEM child : Items(item)) {
+        int image = -1;
+        int selected = -2;
+        m_tree.GetItemImage(child, image, selected);
+        EXPECT_EQ(image, selected);
+        shown.at(static_cast<size_t>(image)) += L" " + std::wstring(m_tree.GetItemText(child));
+    }
+    EXPECT_EQ(shown, (Texts{L" 0 10 11 3 4 5 6 8 9 unknown", L"  1 2 7 Value2 value", L" Apple3 Zebra apple zebra2"}));
+    EXPECT_EQ(ImageList_GetImageCount(TreeView_GetImageList(m_tree.m_hWnd, TVSIL_NORMAL)), 3);
+    EXPECT_EQ(m_tree.GetItemText(Items(item)[4]), L"") << "the first value stands below the last key";
     EXPECT_TRUE(m_tree.IsKeyItem(Child(item, L"apple")) && !m_tree.IsHiveItem(Child(item, L"apple")));
     EXPECT_FALSE(m_tree.IsKeyItem(Child(item, L"")) || m_tree.IsKeyItem(nullptr) || m_tree.IsHiveItem(nullptr));
     EXPECT_EQ(Path(Child(item, L"Zebra")), m_key.Path() + L"\\Zebra");
     EXPECT_EQ(Path(Child(item, L"value")), m_key.Path() + L"\\value");
     EXPECT_EQ(Path(Child(item, L"")), m_key.Path());
     EXPECT_EQ(Path(nullptr), L"");
-}
-
-TEST_F(RegistryTree, PicturesFollowTheTypeOfTheValue) {
-    for (DWORD type = REG_NONE; type <= REG_QWORD; ++type) m_key.SetData(L"", std::to_wstring(type), type, L"", 2);
-    m_key.SetData(L"", L"unknown", 0x12345, L"", 2);
-    m_key.AddKey(L"key");
-    const HTREEITEM item = OpenKey();
-    std::map<int, Texts> byImage;
-    const auto note = [&](HTREEITEM noted) {
-        int image = -1;
-        int selected = -2;
-        m_tree.GetItemImage(noted, image, selected);
-        EXPECT_EQ(image, selected);
-        byImage[image].emplace_back(m_tree.GetItemText(noted));
-    };
-    note(Child(nullptr, L"HKEY_USERS"));
-    for (const HTREEITEM value : Items(item)) note(value);
-    // The pictures were appended in this order: binary, text, key.
-    EXPECT_EQ(byImage, (std::map<int, Texts>{{0, {L"0", L"10", L"11", L"3", L"4", L"5", L"6", L"8", L"9", L"unknown"}},
-                                             {1, {L"1", L"2", L"7"}},
-                                             {2, {L"HKEY_USERS", L"key"}}}));
-    EXPECT_EQ(ImageList_GetImageCount(TreeView_GetImageList(m_tree.m_hWnd, TVSIL_NORMAL)), 3);
 }
 
 TEST_F(RegistryTree, ReadsNothingBeforeItIsNeededAndEachKeyOnce) {
@@ -176,7 +159,7 @@ TEST_F(RegistryTree, ReadsNothingBeforeItIsNeededAndEachKeyOnce) {
     for (const bool showValues : {false, true}) {
         OpenTree(showValues);
         EXPECT_EQ(watch.Take(), L"");
-        const HTREEITEM item = Reach({L"Software", m_key.Name()});
+        const HTREEITEM item = Reach();
         watch.Take();
         m_tree.Expand(item, TVE_EXPAND);
         EXPECT_EQ(watch.Take(), L" ~ ? ~\\empty x ? ~\\key x ? ~\\named x ?") << "the key itself stays open";
@@ -200,7 +183,7 @@ TEST_F(RegistryTree, LeavesOutWhatCannotBeReadAndWhatComesAfterAFailure) {
     for (const wchar_t* name : {L"a\\below", L"b", L"c", L"d"}) m_key.AddKey(name);
     m_key.SetText(L"", L"value", L"");
     OpenTree();
-    const HTREEITEM item = Reach({L"Software", m_key.Name()});
+    const HTREEITEM item = Reach();
     {
         const RegistryWatch watch(m_key.Path(), m_key.Path() + L"\\b", 3);
         m_tree.Expand(item, TVE_EXPAND);
@@ -239,7 +222,7 @@ TEST_F(RegistryTree, TakesNamesOfAllKindsAndFreesTheRecordsOfAllItemsWithItsWind
     g_delete = deletePatch.Original();
     OpenTree();
     g_recordBlocks = 0;
-    const HTREEITEM parent = Reach({L"Software", m_key.Name()});
+    const HTREEITEM parent = Reach();
     m_tree.Expand(parent, TVE_EXPAND);
     ASSERT_EQ(Items(parent).size(), names.size() + 2);
     for (const std::wstring& name : names) {

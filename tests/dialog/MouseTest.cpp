@@ -86,7 +86,8 @@ TEST_F(Mouse, DropsKeysAndValuesBeforeARowOrBehindTheLast) {
               L"rows=Branch|HKCU\\T\\Vendor|; Branch|HKCU\\a|; Branch|HKCU\\T\\Vendor\\App|; Branch|HKCU\\b|; "
               L"selected=0"},
              {[](Dialog& d) {
-                 EXPECT_EQ(d.Tree(IDC_REGISTRY_TREE).SelectedText(), L"Vendor");
+                 EXPECT_EQ(TreeView_GetSelection(d.Control(IDC_REGISTRY_TREE)),
+                           Reach(d, {L"HKEY_CURRENT_USER", L"T", L"Vendor"}));
                  EXPECT_EQ(d.List(IDC_RULE_LIST).RowWithState(LVIS_FOCUSED), 0);
                  d.Click(IDOK);
              }}}),
@@ -121,8 +122,7 @@ TEST_F(Mouse, ShowsWhereADropWouldGoAndDropsNowhereElse) {
         }
         // A hive is refused, and the refusal looks at the selection.
         d.OnGuiThread([&] { ListView_SetItemState(d.Control(IDC_RULE_LIST), 0, LVIS_SELECTED, LVIS_SELECTED); });
-        TreeSteps tree = d.Tree(IDC_REGISTRY_TREE);
-        d.DragTo(tree.Centre(tree.Reach({L"HKEY_USERS"})), List(d).Centre(0, 1));
+        HoldOver({L"HKEY_USERS"}, 0)(d);
         Go(d, {{LetGo, L"box=" BARE_HIVE L" delete=live, tab selected=0", IDOK}, {Click(IDCANCEL)}});
     });
 }

@@ -4,6 +4,12 @@
 
 #include "dialog/RegistryRulesDlg.h"
 
+RECT Frame(HWND window) {
+    RECT frame{};
+    GetWindowRect(window, &frame);
+    return frame;
+}
+
 namespace {
 
 // Pixels of a window as it stands on the screen.
@@ -40,6 +46,39 @@ std::wstring WhatTheMouseHolds(Dialog& d) {
     return holds.substr(holds.empty() ? 0 : 2);
 }
 
+std::wstring ItemText(HWND tree, HTREEITEM item) {
+    std::wstring text(512, L'\0');
+    TVITEMW request{};
+    request.mask = TVIF_TEXT;
+    request.hItem = item;
+    request.pszText = text.data();
+    request.cchTextMax = static_cast<int>(text.size());
+    // The tree may have put a text of its own in the buffer's place.
+    return SendMessageW(tree, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&request)) != 0 ? request.pszText : L"";
+}
+
+// The middle of the item's text; the item is scrolled into view first.
+POINT ItemCentre(Dialog& d, HWND tree, HTREEITEM item) {
+    SendMessageW(tree, TVM_ENSUREVISIBLE, 0, reinterpret_cast<LPARAM>(item));
+    d.Settle();
+    RECT area{};
+    TreeView_GetItemRect(tree, item, &area, TRUE);
+    area.right = std::min(area.right, Frame(tree).right - Frame(tree).left);
+    return Dialog::Centre(tree, area);
+}
+
+void ClickButton(Dialog& d, HWND tree, HTREEITEM item) {
+    TVHITTESTINFO hit{};
+    hit.pt = ItemCentre(d, tree, item);
+    ScreenToClient(tree, &hit.pt);
+    for (hit.hItem = nullptr; hit.hItem != item || (hit.flags & TVHT_ONITEMBUTTON) == 0; --hit.pt.x) {
+        if (hit.pt.x < 0) d.Fail("the tree item has no button to click");
+        SendMessageW(tree, TVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit));
+    }
+    ClientToScreen(tree, &hit.pt);
+    d.Click(hit.pt);
+}
+
 std::wstring KeyBox(Dialog& d) {
     static const std::wstring watermark = L"Click here to create a new rule";
     std::wstring key = d.Text(IDC_NEW_KEY);
@@ -59,12 +98,6 @@ HostWindow::HostWindow()
                                nullptr, GetModuleHandleW(nullptr), nullptr)) {
     SetForegroundWindow(m_window);
     SetActiveWindow(m_window);
-}
-
-RECT Frame(HWND window) {
-    RECT frame{};
-    GetWindowRect(window, &frame);
-    return frame;
 }
 
 POINT Gap(Dialog& d) {
@@ -124,11 +157,23 @@ Act RulesDialog::Drop(const Texts& item, int row) {
     };
 }
 
+HTREEITEM RulesDialog::Reach(Dialog& d, const Texts& path) {
+    const HWND tree = d.Control(IDC_REGISTRY_TREE);
+    HTREEITEM item = nullptr;
+    for (const std::wstring& text : path) {
+        if (item != nullptr && (TreeView_GetItemState(tree, item, TVIS_EXPANDED) & TVIS_EXPANDED) == 0)
+            ClickButton(d, tree, item);
+        item = item != nullptr ? TreeView_GetChild(tree, item) : TreeView_GetRoot(tree);
+        while (item != nullptr && ItemText(tree, item) != text) item = TreeView_GetNextSibling(tree, item);
+        if (item == nullptr) d.Fail("no such tree item");
+    }
+    return item;
+}
+
 POINT RulesDialog::Hold(Dialog& d, const Texts& item) {
-    TreeSteps tree = d.Tree(IDC_REGISTRY_TREE);
     Texts path{L"HKEY_CURRENT_USER", L"T"};
     path.insert(path.end(), item.begin(), item.end());
-    POINT hold = tree.Centre(tree.Reach(path));
+    POINT hold = ItemCentre(d, d.Control(IDC_REGISTRY_TREE), Reach(d, item.front().starts_with(L"HKEY") ? item : path));
     // A default value has no text to take hold of, only an icon left of where it would be.
     if (item.back().empty()) hold.x -= 10;
     return hold;

@@ -55,7 +55,9 @@ protected:
     // last; or drops it there.
     static Act HoldOver(const Texts& item, int row);
     static Act Drop(const Texts& item, int row);
-    // Where to take hold of an item; opens what is above it.
+    // The item that is named last; clicks the buttons of what is collapsed on the way.
+    static HTREEITEM Reach(Dialog& d, const Texts& path);
+    // Where to take hold of an item, also of a hive; opens what is above it.
     static POINT Hold(Dialog& d, const Texts& item);
     static ListSteps List(Dialog& d) { return d.List(IDC_RULE_LIST); }
     static std::wstring RowsOf(Dialog& d);

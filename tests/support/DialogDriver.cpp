@@ -1,7 +1,7 @@
 #include "support/DialogDriver.h"
 
 #include <algorithm>
-#include <exception>
+#include <future>
 #include <gtest/gtest.h>
 #include <thread>
 
@@ -17,21 +17,11 @@ constexpr UINT kRun = WM_APP;
 constexpr int kBoxText = 0xFFFF;
 constexpr ATOM kDialogClass = 32770;
 
-struct Task {
-    std::function<void()> function;
-    std::exception_ptr thrown;
-    bool hasEnded = false;
-};
+using Task = std::packaged_task<void()>;
 
 LRESULT CALLBACK HelperProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message != kRun) return DefWindowProcW(window, message, wParam, lParam);
-    Task& task = *reinterpret_cast<Task*>(lParam);
-    try {
-        task.function();
-    } catch (...) {
-        task.thrown = std::current_exception();
-    }
-    task.hasEnded = true;
+    (*reinterpret_cast<Task*>(lParam))();
     return 0;
 }
 
@@ -87,11 +77,6 @@ std::wstring BoxText(HWND box) {
     return WindowText(GetDlgItem(box, kBoxText));
 }
 
-POINT Middle(HWND window, RECT area) {
-    MapWindowPoints(window, nullptr, reinterpret_cast<POINT*>(&area), 2);
-    return {(area.left + area.right) / 2, (area.top + area.bottom) / 2};
-}
-
 }  // namespace
 
 HWND Dialog::Control(int id) {
@@ -115,10 +100,9 @@ HWND Dialog::FindBelow(HWND window, const wchar_t* className) {
     return child;
 }
 
-POINT Dialog::Centre(HWND window) {
-    RECT area{};
-    GetWindowRect(window, &area);
-    return Middle(nullptr, area);
+POINT Dialog::Centre(HWND window, RECT area) {
+    MapWindowPoints(window, nullptr, reinterpret_cast<POINT*>(&area), 2);
+    return {(area.left + area.right) / 2, (area.top + area.bottom) / 2};
 }
 
 std::pair<int, int> Dialog::EditSelection(HWND edit) {
@@ -178,7 +162,7 @@ void Dialog::PickFromPopup(HWND combo, int index) {
     });
     RECT area{};
     SendMessageW(info.hwndList, LB_GETITEMRECT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&area));
-    Click(Middle(info.hwndList, area));
+    Click(Centre(info.hwndList, area));
 }
 
 void Dialog::Key(WORD virtualKey, std::initializer_list<WORD> held) {
@@ -210,10 +194,8 @@ void Dialog::Type(std::wstring_view text) {
 }
 
 std::wstring Dialog::ExpectBox() {
-    m_steps.push_back("expect a message box");
     if (m_expectedBox == nullptr || OpenBox() != m_expectedBox) {
-        PollUntil("a message box", Boxes::Allowed,
-                  [this] { return OpenBox() != nullptr && GetForegroundWindow() == OpenBox(); });
+        PollUntil("a message box", [this] { return OpenBox() != nullptr && GetForegroundWindow() == OpenBox(); });
         m_expectedBox = OpenBox();
         Settle();
         m_boxTexts.push_back(BoxText(m_expectedBox));
@@ -225,13 +207,12 @@ std::wstring Dialog::AnswerBox(int button) {
     const std::wstring text = ExpectBox();
     m_steps.push_back("answer with " + std::to_string(button) + ": " + Narrow(text));
     const HWND box = m_expectedBox;
-    const HWND pressed = GetDlgItem(box, button);
-    if (pressed == nullptr) Fail("the box has no button " + std::to_string(button));
-    PostMessageW(box, WM_COMMAND, MAKEWPARAM(button, BN_CLICKED), reinterpret_cast<LPARAM>(pressed));
-    PollUntil("the end of the message box", Boxes::Allowed, [&] { return !IsWindowVisible(box); });
+    if (GetDlgItem(box, button) == nullptr) Fail("the box has no button " + std::to_string(button));
+    PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(button), 0);
+    PollUntil("the end of the message box", [&] { return !IsWindowVisible(box); });
     m_expectedBox = nullptr;
     // The window behind it comes to the front a moment later, unless the answer closed it or led to the next box.
-    PollUntil("the dialog in front again", Boxes::Allowed, [&] {
+    PollUntil("the dialog in front again", [&] {
         const HWND next = OpenBox();
         return m_modalReturned || (next != nullptr && next != box) || GetForegroundWindow() == m_window ||
                !IsWindowVisible(m_window);
@@ -242,11 +223,15 @@ std::wstring Dialog::AnswerBox(int button) {
 
 void Dialog::WaitFor(const std::string& what, const std::function<bool()>& condition) {
     m_steps.push_back("wait for " + what);
-    PollUntil(what, Boxes::Unexpected, condition);
+    PollUntil(what, [&] {
+        const bool holds = condition();
+        if (!holds) FailOnUnexpectedBox();
+        return holds;
+    });
 }
 
 void Dialog::WaitUntilOpen() {
-    PollUntil("an open dialog", Boxes::Allowed, [this] {
+    PollUntil("an open dialog", [this] {
         const std::vector<HWND> dialogs = OpenDialogs();
         if (!dialogs.empty()) m_window = dialogs.back();
         return m_window != nullptr && GetForegroundWindow() == m_window;
@@ -281,7 +266,7 @@ void Dialog::Step(const std::string& what, const std::function<void()>& action) 
     m_steps.push_back(what);
     if (m_modalReturned) Fail("the dialog is closed");
     FailOnUnexpectedBox();
-    PollUntil("the dialog in front", Boxes::Allowed,
+    PollUntil("the dialog in front",
               [this] { return GetWindowThreadProcessId(GetForegroundWindow(), nullptr) == m_thread; });
     action();
     Settle();
@@ -296,15 +281,15 @@ void Dialog::FailOnUnexpectedBox() {
 
 void Dialog::OnGuiThread(const std::function<void()>& function) const {
     // Not taken back when the thread does not answer: it may do so later.
-    auto* const task = new Task{function, nullptr};
+    auto* const task = new Task(function);
+    std::future<void> done = task->get_future();
     DWORD_PTR result = 0;
     if (!SendMessageTimeoutW(m_helper, kRun, 0, reinterpret_cast<LPARAM>(task), SMTO_NORMAL, kPatienceMs, &result))
         Fail("the dialog's thread does not answer");
-    const Task done = *task;
     delete task;
-    // The system hides an access violation in a window procedure: the call comes back as if nothing had been.
-    if (!done.hasEnded) throw std::runtime_error("a crash on the dialog's thread");
-    if (done.thrown) std::rethrow_exception(done.thrown);
+    // The system hides an access violation in a window procedure: the call comes back as if nothing had been, and the
+    // promise is broken.
+    done.get();
 }
 
 void Dialog::Settle() const {
@@ -316,13 +301,12 @@ void Dialog::Settle() const {
     }
 }
 
-void Dialog::PollUntil(const std::string& what, Boxes boxes, const std::function<bool()>& condition) {
+void Dialog::PollUntil(const std::string& what, const std::function<bool()>& condition) {
     const ULONGLONG start = GetTickCount64();
     for (;; Sleep(1)) {
         // Read first: what the end of the modal call made true must still be seen.
         const bool over = m_modalReturned;
         if (condition()) return;
-        if (boxes == Boxes::Unexpected) FailOnUnexpectedBox();
         if (over) Fail("the dialog closed while waiting for " + what);
         if (GetTickCount64() - start > kPatienceMs) Fail("waited in vain for " + what);
     }
@@ -355,10 +339,6 @@ HWND Dialog::OpenBox() const {
 }
 
 ListSteps Dialog::List(int id) {
-    return {*this, Control(id)};
-}
-
-TreeSteps Dialog::Tree(int id) {
     return {*this, Control(id)};
 }
 
@@ -398,7 +378,7 @@ POINT ListSteps::Centre(int row, int column) const {
         m_dialog.Fail("no cell " + std::to_string(row) + "," + std::to_string(column) + " of the list");
     // The system gives the whole row for the first column.
     if (column == 0) area.right = area.left + ListView_GetColumnWidth(m_list, 0);
-    return Middle(m_list, area);
+    return Dialog::Centre(m_list, area);
 }
 
 POINT ListSteps::BehindRows() const {
@@ -410,53 +390,6 @@ POINT ListSteps::BehindRows() const {
         m_dialog.Fail("no room behind the rows of the list");
     ClientToScreen(m_list, &hit.pt);
     return hit.pt;
-}
-
-HTREEITEM TreeSteps::Reach(const std::vector<std::wstring>& path) {
-    HTREEITEM item = nullptr;
-    for (const std::wstring& text : path) {
-        if (item != nullptr && (TreeView_GetItemState(m_tree, item, TVIS_EXPANDED) & TVIS_EXPANDED) == 0)
-            ClickButton(item);
-        item = item != nullptr ? TreeView_GetChild(m_tree, item) : TreeView_GetRoot(m_tree);
-        while (item != nullptr && Text(item) != text) item = TreeView_GetNextSibling(m_tree, item);
-        if (item == nullptr) m_dialog.Fail("no tree item " + Narrow(text));
-    }
-    return item;
-}
-
-std::wstring TreeSteps::Text(HTREEITEM item) const {
-    std::wstring text(512, L'\0');
-    TVITEMW request{};
-    request.mask = TVIF_TEXT;
-    request.hItem = item;
-    request.pszText = text.data();
-    request.cchTextMax = static_cast<int>(text.size());
-    // The tree may have put a text of its own in the buffer's place.
-    return SendMessageW(m_tree, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&request)) != 0 ? request.pszText : L"";
-}
-
-POINT TreeSteps::Centre(HTREEITEM item) const {
-    SendMessageW(m_tree, TVM_ENSUREVISIBLE, 0, reinterpret_cast<LPARAM>(item));
-    m_dialog.Settle();
-    RECT area{};
-    *reinterpret_cast<HTREEITEM*>(&area) = item;
-    SendMessageW(m_tree, TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(&area));
-    RECT client{};
-    GetClientRect(m_tree, &client);
-    area.right = std::min(area.right, client.right);
-    return Middle(m_tree, area);
-}
-
-void TreeSteps::ClickButton(HTREEITEM item) {
-    TVHITTESTINFO hit{};
-    hit.pt = Centre(item);
-    ScreenToClient(m_tree, &hit.pt);
-    for (hit.hItem = nullptr; hit.hItem != item || (hit.flags & TVHT_ONITEMBUTTON) == 0; --hit.pt.x) {
-        if (hit.pt.x < 0) m_dialog.Fail("the tree item has no button to click: " + Narrow(Text(item)));
-        SendMessageW(m_tree, TVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit));
-    }
-    ClientToScreen(m_tree, &hit.pt);
-    m_dialog.Click(hit.pt);
 }
 
 DialogDriver::DialogDriver()

@@ -34,7 +34,6 @@ class StepFailed : public std::runtime_error {
 };
 
 class ListSteps;
-class TreeSteps;
 
 class Dialog {
 public:
@@ -48,11 +47,16 @@ public:
     int FocusId() const { return Focus() != nullptr ? GetDlgCtrlID(Focus()) : 0; }
     // The first visible child of that class, or null.
     static HWND FindBelow(HWND window, const wchar_t* className);
-    static POINT Centre(HWND window);
+    // The middle of a window, or of a part of it in its own coordinates, on the screen.
+    static POINT Centre(HWND window) {
+        RECT area{};
+        GetClientRect(window, &area);
+        return Centre(window, area);
+    }
+    static POINT Centre(HWND window, RECT area);
     // Start and end of the selection of an edit, in characters.
     static std::pair<int, int> EditSelection(HWND edit);
     ListSteps List(int id);
-    TreeSteps Tree(int id);
 
     void Click(int id) { Click(Control(id)); }
     void Click(HWND window) { Click(Centre(window)); }
@@ -94,7 +98,6 @@ public:
 
 private:
     friend class DialogDriver;
-    enum class Boxes { Allowed, Unexpected };
 
     Dialog(HWND helper, std::vector<std::wstring>& boxTexts) : m_helper(helper), m_boxTexts(boxTexts) {}
     void WaitUntilOpen();
@@ -102,7 +105,7 @@ private:
     void ForceClose();
     void Step(const std::string& what, const std::function<void()>& action);
     void FailOnUnexpectedBox();
-    void PollUntil(const std::string& what, Boxes boxes, const std::function<bool()>& condition);
+    void PollUntil(const std::string& what, const std::function<bool()>& condition);
     GUITHREADINFO ThreadInfo() const;
     std::vector<HWND> OpenDialogs() const;
     HWND OpenBox() const;  // the message box in front of the dialog, or null
@@ -137,24 +140,6 @@ public:
 private:
     Dialog& m_dialog;
     HWND m_list;
-};
-
-// A tree view of the dialog. Items are named by their texts from the root on, the first of several with one text.
-class TreeSteps {
-public:
-    TreeSteps(Dialog& dialog, HWND tree) : m_dialog(dialog), m_tree(tree) {}
-    // Clicks the buttons of the collapsed items on the way to the item that is named last.
-    HTREEITEM Reach(const std::vector<std::wstring>& path);
-    std::wstring Text(HTREEITEM item) const;
-    std::wstring SelectedText() const { return Text(TreeView_GetSelection(m_tree)); }
-    // The middle of the item's text; the item is scrolled into view first.
-    POINT Centre(HTREEITEM item) const;
-
-private:
-    void ClickButton(HTREEITEM item);
-
-    Dialog& m_dialog;
-    HWND m_tree;
 };
 
 class DialogDriver {
