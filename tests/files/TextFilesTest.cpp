@@ -161,7 +161,7 @@ TEST_F(TextFile, ReadsShortBrokenAndMarkedFilesAndLineEndsAcrossBlocks) {
     for (const std::string end : {"\r\n", "\n\r", "\n", "\r"}) {
         for (size_t length = 3 * 4096 - 2; length <= 3 * 4096 + 1; ++length) {
             const std::string first(length, 'a');
-            PutBytes(m_path, first + end + "b" + end + "c");
+            PutBytes(m_path, std::string(first).append(end).append("b").append(end).append("c"));
             EXPECT_EQ(Read(m_path), (Lines{first, "b", "c"})) << length << testing::PrintToString(end);
             EXPECT_EQ(Read(m_path, true), (Lines{first + end, "b" + end, "c"})) << length;
         }
@@ -189,9 +189,9 @@ TEST_F(TextFile, WritesLinesWithOneEndEach) {
     CStringList lines;
     lines.AddTail(L"\x00E4");
     lines.AddTail(L"b\r\n");
-    const std::string two = "\xC3\xA4\r\nb\r\n";
+    const std::string two = "\xC3\xA4\r\nb\r\n", once = kM + two, twice = once + two;
     for (const auto& [path, truncate, after] :
-         {std::tuple(m_path, true, kM + two), {m_path, false, kM + two + two}, {m_none, false, kM + two}}) {
+         {std::tuple(m_path, true, once), {m_path, false, twice}, {m_none, false, once}}) {
         EXPECT_TRUE(WriteTextLines(path.c_str(), lines, truncate));
         EXPECT_EQ(BytesOf(path), after);
     }

@@ -125,7 +125,8 @@ TEST(WriteRate, WritersShareWindowsOfOneSecond) {
         });
     const ScopedTestDir dir;
     CVlpFile files[2];
-    for (size_t i : {0, 1}) files[i].Open(dir.Path(std::to_wstring(i)).c_str(), CFile::modeCreate | CFile::modeWrite);
+    for (const size_t i : {0U, 1U})
+        files[i].Open(dir.Path(std::to_wstring(i)).c_str(), CFile::modeCreate | CFile::modeWrite);
     std::string data, expected[2];
     for (int i = 0; i < 5000; ++i) data += static_cast<char>('a' + i % 23);
     const struct {
@@ -159,5 +160,5 @@ TEST(WriteRate, WritersShareWindowsOfOneSecond) {
     SetWriteRate(0);
     DWORD remaining = 10, grant = 7;
     EXPECT_TRUE(AcquireWriteQuota(remaining, grant) && grant == 10 && remaining == 0) << "the limit has just gone";
-    for (size_t i : {0, 1}) EXPECT_EQ((files[i].Close(), BytesOf(dir.Path(std::to_wstring(i)))), expected[i]);
+    for (const size_t i : {0U, 1U}) EXPECT_EQ((files[i].Close(), BytesOf(dir.Path(std::to_wstring(i)))), expected[i]);
 }
