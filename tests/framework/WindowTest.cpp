@@ -190,14 +190,14 @@ TEST(MessageBoxes, OfTheUsualKindsHaveAnIcon) {
     const ImportPatch<decltype(&MessageBoxW)> patch(
         LoadedModule(L"framework.dll"), "MessageBoxW",
         [](HWND, LPCWSTR, LPCWSTR, UINT type) -> int { return s_type = type, IDNO; });
-    for (const UINT type : {MB_OK, MB_OKCANCEL | MB_DEFBUTTON2, MB_YESNO, MB_YESNOCANCEL}) {
-        EXPECT_EQ(g_app.CWinApp::DoMessageBox(L"", type, 0), IDNO);
-        EXPECT_EQ(s_type, type | MB_ICONEXCLAMATION);
-    }
-    for (const UINT type : {MB_RETRYCANCEL, MB_ABORTRETRYIGNORE, MB_YESNO | MB_ICONQUESTION, MB_OK | MB_ICONSTOP}) {
-        g_app.CWinApp::DoMessageBox(L"", type, 0);
-        EXPECT_EQ(s_type, type);
-    }
+    const auto shown = [](long type) {
+        EXPECT_EQ(g_app.CWinApp::DoMessageBox(L"", static_cast<UINT>(type), 0), IDNO);
+        return static_cast<long>(s_type);
+    };
+    for (const long type : {MB_OK, MB_OKCANCEL | MB_DEFBUTTON2, MB_YESNO, MB_YESNOCANCEL})
+        EXPECT_EQ(shown(type), type | MB_ICONEXCLAMATION);
+    for (const long type : {MB_RETRYCANCEL, MB_ABORTRETRYIGNORE, MB_YESNO | MB_ICONQUESTION, MB_OK | MB_ICONSTOP})
+        EXPECT_EQ(shown(type), type);
 }
 
 TEST_F(Dialog, EachWayToEndHasItsResult) {

@@ -9,20 +9,17 @@
 
 namespace {
 
-class CFontDialog : public CBvDialogBase {
-public:
-    CFontDialog() : CBvDialogBase(300) {}
-
-    HGDIOBJ m_labelFont = nullptr;
-    using CBvDialogBase::m_font;
-
-protected:
+struct FontDialog : CBvDialogBase {
+    FontDialog() : CBvDialogBase(300) {}
     BOOL OnInitDialog() override {
         CBvDialogBase::OnInitDialog();
         m_labelFont = *GetDlgItem(301)->GetFont();
         EndDialog(IDOK);
         return TRUE;
     }
+
+    HGDIOBJ m_labelFont = nullptr;
+    using CBvDialogBase::m_font;
 };
 
 // Whether the picture leaves its corner as it is and covers its middle.
@@ -42,7 +39,7 @@ bool ShowsSomethingInTheMiddle(const CImageList& list, int index) {
 }  // namespace
 
 TEST(BvDialogBase, GivesItsFontToTheControlsIfItHasOne) {
-    CFontDialog dialog;
+    FontDialog dialog;
     dialog.DoModal();
     EXPECT_NE(dialog.m_labelFont, nullptr) << "the template's";
     dialog.m_font.Attach(::CreateFontW(-30, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, nullptr));
