@@ -24,14 +24,13 @@ public:
     static LinkSocket Listen() {
         LinkSocket listener(NewSocket());
         const sockaddr_in address = Address(0);
-        bind(listener.m_socket, reinterpret_cast<const sockaddr*>(&address), sizeof(address));
-        listen(listener.m_socket, 8);
-        return listener;
+        if (bind(listener.m_socket, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) return {};
+        return listen(listener.m_socket, 8) == 0 ? std::move(listener) : LinkSocket();
     }
     static LinkSocket Connect(std::uint16_t port) {
         LinkSocket connection(NewSocket());
         const sockaddr_in address = Address(port);
-        connect(connection.m_socket, reinterpret_cast<const sockaddr*>(&address), sizeof(address));
+        if (connect(connection.m_socket, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) return {};
         return connection;
     }
 

@@ -174,7 +174,7 @@ TEST_F(UsbSession, AsksThePeerAndEachRequestFailsInItsOwnWay) {
             EXPECT_TRUE(log.Contains(LogLevel::Error, error)) << error;
         }
         EXPECT_TRUE(log.Contains(LogLevel::Warning, L"Write Incomplete! 1 of 2 bytes written!"));
-        for (const DWORD error : {ERROR_GEN_FAILURE, ERROR_SUCCESS}) {
+        for (const DWORD error : {DWORD{ERROR_GEN_FAILURE}, DWORD{ERROR_SUCCESS}}) {
             usb.writeError = error;
             for (const auto& c : cases) EXPECT_EQ(c.request(), c.failure) << c.exchange[0];
         }
