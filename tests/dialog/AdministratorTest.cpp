@@ -42,6 +42,7 @@ TEST_F(Administrator, FindsTheRowsOfTheHostAndGivesBackWhatTheyBecome) {
                                              L"Branch|HKCU\\Software\\C|; Value|HKCU\\Environment|TEMP; "
                                              L"Key|HKLM\\Software\\B|; Key|HKCU\\Software\\C|; "
                                              L"Branch|HKCU\\SOFTWARE\\a|; Value|HKU\\.default\\e|(DEFAULT);"},
+                                            {L"gap", look[L"gap"]},
                                             {L"selected", L""},
                                             {L"focus", L"tree"},
                                             {L"strip", L"Branch|(...)|"},

@@ -382,7 +382,7 @@ TEST_F(Mouse, MovesTheGapWithinItsBoundsAndTheHeadsFollow) {
 
 // The resolution is that of the process from its beginning on.
 TEST(SplitterPicture, EqualsAFreshPaintAfterEveryMove) {
-    for (const DWORD dpi : {96, 120, 144, 192}) {
+    for (const DWORD dpi : {96u, 120u, 144u, 192u}) {
         RegSetKeyValueW(HKEY_CURRENT_USER, L"Control Panel\\Desktop", L"LogPixels", REG_DWORD, &dpi, sizeof dpi);
         EXPECT_IN_FRESH_PROCESS([dpi] {
             SetProcessDPIAware();

@@ -231,6 +231,7 @@ Look RulesDialog::LookAt(Dialog& d) {
     const int selected = List(d).SelectedRow();
     const auto* const dialog = static_cast<CRegistryRulesDlg*>(CWnd::FromHandlePermanent(d.Window()));
     return {
+        {L"gap", std::to_wstring(Gap(d).x)},
         {L"rows", RowsOf(d)},
         {L"selected", selected != -1 ? std::to_wstring(selected) : L""},
         {L"focus",

@@ -74,8 +74,8 @@ protected:
     }
     // "rows" (TYPE|KEY|VALUE; and so on), "selected", "focus", "strip" (KIND|KEY|VALUE, with "..." for the watermark
     // and what is grey in parentheses), "delete" (the button), "cell" (an open editor's text, or kind), "mouse" (what
-    // it holds), "dirty", and "picture" (whether it is what a fresh paint gives, but for the inside of tree and list,
-    // which is the system's).
+    // it holds), "dirty", "gap" (where it is), and "picture" (whether it is what a fresh paint gives, but for the
+    // inside of tree and list, which is the system's).
     Look LookAt(Dialog& d) override;
     // What the host reads back: "Branch|KEY|POSITION", "Key|..." (a flag other than 0 and 1 shows as itself) and then
     // "Value|KEY|NAME|POSITION".
