@@ -375,11 +375,15 @@ TEST_F(Cells, ClicksSelectThenEditAndTheirEditsEndWithEachOther) {
         }
         Go(d, {{Click(2, kKey), L"cell=[HKLM\\New] focus=cell selected=2 told=8100"},
                {Press(VK_ESCAPE), L"cell= focus=list told=8108 end 2,1 'HKLM\\New' 8104 8106 8110"},
-               // A double click edits at once, also where the focus was on another row than the one that is selected.
+               // A double click edits at once, also where the focus is on another row than the one that is selected; so
+               // does a click.
                {[&](Dialog&) { list.DoubleClick(1, kKey); }, L"cell=[HKCU\\b] focus=cell selected=1 told=8100 8100"},
                {Press(VK_ESCAPE), L"cell= focus=list told=8108 end 1,1 'HKCU\\b' 8104 8106 8110"},
                {OnGui([&] { m_list.SetItemState(0, LVIS_SELECTED, LVIS_SELECTED); }), L"selected=0"},
                {[&](Dialog&) { list.DoubleClick(0, kKey); }, L"cell=[HKCU\\a] focus=cell told=8100 8100"},
+               {Press(VK_ESCAPE), L"cell= focus=list told=8108 end 0,1 'HKCU\\a' 8104 8106 8110"},
+               {OnGui([&] { m_list.SetItemState(1, LVIS_FOCUSED, LVIS_FOCUSED); }), L""},
+               {Click(0, kKey), L"cell=[HKCU\\a] focus=cell told=8100"},
                {Press(VK_ESCAPE), L"cell= focus=list told=8108 end 0,1 'HKCU\\a' 8104 8106 8110"},
                // Beside the rows: nothing, and the selection stays.
                {[&](Dialog& on) { on.DoubleClick(list.BehindRows()); }, L"told=8100"}});
