@@ -68,7 +68,7 @@ HBRUSH CColorEdit::CtlColor(CDC* pDC, UINT) {
 UINT CColorEdit::OnGetDlgCode() {
     // Without the key that is asked about: Wine 8.0's edit takes it as a sign that it stands in a dialog and then hands
     // Return on to the dialog's default button, which no single-line edit of Windows does; see
-    // Strip.WithoutAKeyReturnMakesNoRule.
+    // Strip.ReturnMakesTheTopRowOfWhatIsTyped.
     return static_cast<UINT>(DefWindowProc(WM_GETDLGCODE, 0, 0)) | DLGC_WANTALLKEYS;
 }
 

@@ -108,7 +108,7 @@ void CInPlaceCombo::OnDropdown() {
 }
 
 // Wine 8.0 keeps the item that was hot in a list that the user cancelled, where Windows goes back to the one that was
-// selected before it dropped down; see CellCombo.KeysAndClicksEndItWithWhatTheyLeave. The notification also comes
+// selected before it dropped down; see Cells.KeysAndClicksEndADropDownWithWhatTheyLeave. The notification also comes
 // when a combo that is not dropped loses the focus.
 void CInPlaceCombo::OnSelendcancel() {
     if (m_isDropped) SetCurSel(m_droppedSelection);

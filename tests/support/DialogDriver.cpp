@@ -29,7 +29,7 @@ void Send(std::vector<INPUT> inputs) {
     const UINT count = static_cast<UINT>(inputs.size());
     if (SendInput(count, inputs.data(), sizeof(INPUT)) != count) throw std::runtime_error("SendInput was refused");
     // Wine 8 remembers per thread for 50 ms that a key is up, also in the dialog's thread; asking here for each key
-    // ends that (ComboListCtrlTest.ClickWithShiftOrCtrlNeitherEditsNorTells).
+    // ends that (Cells.ClicksSelectThenEditAndTheirEditsEndWithEachOther).
     for (int key = 1; key < 255; ++key) GetAsyncKeyState(key);
 }
 
