@@ -174,9 +174,10 @@ TEST_F(Carry, DamagedAndUnusualFilesDoWhatTheSystemsImporterDoes) {
         L"\"a\"=hex(2):61,00",
         L"\"a\"=hex(7):61,00,62",
     };
+    const std::wstring key = L"[" + kBranch + L"]\r\n";
     for (const std::wstring& body : bodies) {
         Clear();
-        Write(L"[" + kBranch + L"]\r\n" + body);
+        Write(key + body);
         RunToEnd(L"reg", L"import", m_file.c_str());
         const std::wstring imported = Branch();
         Clear();

@@ -51,27 +51,23 @@ TEST(RuleSelection, OverlapsAreSelectedOnceAndTold) {
 TEST(HiveMap, KeysLieInTheMountsOfUserAndInstallation) {
     const HiveMap user{L"S-1", std::nullopt};
     const HiveMap offline{L"", OfflineMounts{L"SW", L"SY", 2}};
-    const struct {
-        const HiveMap& map;
-        const wchar_t* key;
-        const wchar_t* place;  // null: none
-    } cases[] = {
+    const std::tuple<const HiveMap&, const wchar_t*, const wchar_t*> cases[] = {
         {user, L"HKCU\\a", L"HKEY_USERS\\S-1\\a"},
         {user, L"HKCU", L"HKEY_USERS\\S-1"},
         {user, L"HKLM\\SOFTWARE\\a", L"HKEY_LOCAL_MACHINE\\SOFTWARE\\a"},
-        {offline, L"HKCU\\a", nullptr},
-        {offline, L"HKU\\S-1\\a", nullptr},
+        {offline, L"HKCU\\a", L"none"},
+        {offline, L"HKU\\S-1\\a", L"none"},
         {offline, L"HKLM\\software", L"HKEY_LOCAL_MACHINE\\SW"},
         {offline, L"HKLM\\Software\\WOW6432Node", L"HKEY_LOCAL_MACHINE\\SW\\WOW6432Node"},
-        {offline, L"HKLM\\SOFTWAREX\\a", nullptr},
+        {offline, L"HKLM\\SOFTWAREX\\a", L"none"},
         {offline, L"HKLM\\SYSTEM", L"HKEY_LOCAL_MACHINE\\SY"},
         {offline, L"HKLM\\System\\currentcontrolset\\x", L"HKEY_LOCAL_MACHINE\\SY\\ControlSet002\\x"},
         {offline, L"HKLM\\System\\Setup", L"HKEY_LOCAL_MACHINE\\SY\\Setup"},
         {offline, L"HKCR\\.txt", L"HKEY_LOCAL_MACHINE\\SW\\Classes\\.txt"},
     };
-    for (const auto& each : cases) {
-        const auto place = MapKey(*ParseKeyName(each.key), each.map);
-        EXPECT_EQ(place ? FormatKeyName(*place) : L"none", each.place ? each.place : L"none");
+    for (const auto& [map, key, place] : cases) {
+        const auto mapped = MapKey(*ParseKeyName(key), map);
+        EXPECT_EQ(mapped ? FormatKeyName(*mapped) : L"none", place);
     }
     for (const wchar_t* hive : {L"HKCU", L"HKCR\\", L"HKLM\\SOFTWARE\\", L"HKU\\.DEFAULT"}) {
         EXPECT_TRUE(IsWholeHive(*ParseKeyName(hive)));

@@ -103,23 +103,6 @@ std::wstring ValueBelow(LPCWSTR path, REGSAM access = KEY_READ, DWORD nativeView
     return status == ERROR_SUCCESS ? value.GetString() : std::to_wstring(status);
 }
 
-// Wine's copy leaves the attributes of an existing target as they are; the system's gives it those of the source.
-BOOL WINAPI CopyWithAttributes(LPCWSTR source, LPCWSTR target, BOOL failIfExists) {
-    return SystemFunction(&CopyFileW, L"kernel32.dll", "CopyFileW")(source, target, failIfExists) &&
-           SetFileAttributesW(target, GetFileAttributesW(source));
-}
-
-// "18+" for the enabling of a privilege and "17-" for the disabling of another, by their numbers in the system.
-std::string s_privileges;
-
-BOOL WINAPI NotePrivilege(HANDLE token, BOOL disableAll, PTOKEN_PRIVILEGES wanted, DWORD bytes,
-                          PTOKEN_PRIVILEGES previous, PDWORD previousBytes) {
-    const auto adjust = SystemFunction(&AdjustTokenPrivileges, L"advapi32.dll", "AdjustTokenPrivileges");
-    const LUID_AND_ATTRIBUTES& privilege = wanted->Privileges[0];
-    s_privileges += std::to_string(privilege.Luid.LowPart) + (privilege.Attributes == SE_PRIVILEGE_ENABLED ? "+" : "-");
-    return adjust(token, disableAll, wanted, bytes, previous, previousBytes);
-}
-
 // Wine answers for any file of this name with its own kernel, so the installed one's version is asked of the test
 // program.
 LPCWSTR FileBehind(LPCWSTR path) {
@@ -194,7 +177,13 @@ TEST(BootImage, WithAnInstallationOf64BitsBothViewsAreReadAndAllIsTakenDown) {
         const BootedMachine machine;
         std::ofstream(fs::path(InConfig(L"SOFTWARE.log1"))) << "1";
         std::ofstream(fs::path(InConfig(L"SOFTWARE.log2"))) << "2";
-        const ImportPatch<decltype(&AdjustTokenPrivileges)> privileges(kSelf, "AdjustTokenPrivileges", NotePrivilege);
+        // "18+" for the enabling of a privilege and "17-" for the disabling of another, by their numbers in the system.
+        std::string privileges;
+        const SeenCall<AdjustTokenPrivileges> adjusting(
+            kSelf, "AdjustTokenPrivileges", [&](HANDLE, BOOL, PTOKEN_PRIVILEGES wanted, auto...) {
+                const auto& [luid, attributes] = wanted->Privileges[0];
+                privileges += std::to_string(luid.LowPart) + (attributes == SE_PRIVILEGE_ENABLED ? "+" : "-");
+            });
         EXPECT_TRUE(DisableFsRedirection());  // does not ask the bitness, which nobody knows before the mount
         {
             const LogCapture log;
@@ -239,9 +228,9 @@ TEST(BootImage, WithAnInstallationOf64BitsBothViewsAreReadAndAllIsTakenDown) {
         EXPECT_EQ(RegQueryValueExW(list, L"Default", nullptr, nullptr, nullptr, nullptr), 0);
         RegCloseKey(list);
         EXPECT_EQ(BootedMachine::TempFiles(), (std::set<std::wstring>{L"Z7.tmp", L"Z7.tmp.log1", L"Z7.tmp.log2"}));
-        EXPECT_EQ(s_privileges, "18+17+") << "restoring, then saving";
+        EXPECT_EQ(privileges, "18+17+") << "restoring, then saving";
         WinPeHelper::UnloadLocalMachineProfile();
-        EXPECT_EQ(s_privileges, "18+17+18+17+18-17-");
+        EXPECT_EQ(privileges, "18+17+18+17+18-17-");
         EXPECT_FALSE(IsOfflineSoftwareMounted());
         for (const auto& [root, mount] : {std::pair(HKEY_LOCAL_MACHINE, L"OS_SYSTEM"), {HKEY_USERS, L"OS_DEFAULT"}})
             EXPECT_EQ(CRegKey().Open(root, mount, KEY_READ), 2);
@@ -277,7 +266,10 @@ TEST(BootImage, EachDamageHasItsStatusAndItsLogLines) {
     for (const auto& c : cases) {
         EXPECT_IN_FRESH_PROCESS([&] {
             const BootedMachine machine;
-            const ImportPatch<decltype(&CopyFileW)> copying(kSelf, "CopyFileW", CopyWithAttributes);
+            // Wine's copy leaves the attributes of an existing target; the system's gives it those of the source.
+            const SeenCall<CopyFileW> copying(
+                kSelf, "CopyFileW", [](auto...) {},
+                [](LPCWSTR source, LPCWSTR target, BOOL) { SetFileAttributesW(target, GetFileAttributesW(source)); });
             c.breakIt();
             const LogCapture log;
             EXPECT_EQ(WinPeHelper::LoadLocalMachineProfile(), c.status);

@@ -21,15 +21,12 @@ void ExpectAll(Function function, std::initializer_list<std::pair<Text, Text>> c
 }  // namespace
 
 TEST(ProfileText, SuffixesFollowTheVersionAndFromWindows8TheSetting) {
-    const struct {
-        std::uint32_t major, minor, setting;
-        Text expected;
-    } cases[] = {
+    const std::tuple<std::uint32_t, std::uint32_t, std::uint32_t, Text> cases[] = {
         {5, 1, 1, L".V2"}, {6, 1, 1, L".V2"}, {6, 2, 0, L".V2"}, {6, 2, 1, L".V3"},
         {6, 3, 0, L".V2"}, {6, 3, 7, L".V4"}, {7, 0, 1, L".V4"}, {10, 0, 0, L".V6"},
     };
-    for (const auto& c : cases)
-        EXPECT_EQ(ProfilePathExtension({c.major, c.minor}, c.setting), c.expected) << c.major << "." << c.minor;
+    for (const auto& [major, minor, setting, expected] : cases)
+        EXPECT_EQ(ProfilePathExtension({major, minor}, setting), expected) << major << "." << minor;
     ExpectAll(WithoutProfilePathExtension, {{L"\\\\srv\\p\\ann.V2", L"\\\\srv\\p\\ann"},
                                             {L"a.V5", L"a"},
                                             {L"ann.V2.V3", L"ann.V2"},

@@ -52,12 +52,7 @@ protected:
 // The list holds 1 = CORP\Ann with precedence 5 and 2 = CORP\Bob; 3 is CORP\Ann again. Told are the message, and the
 // list with "<" before a subordinate, which is the host's to delete. All combinations of hives are the decision's test.
 TEST_F(UserList, ADuplicateStaysGoesOrBecomesSubordinate) {
-    const struct {
-        Hive existing, added;
-        LPCWSTR path;
-        int precedence;
-        const char* told;
-    } cases[] = {
+    const std::tuple<Hive, Hive, LPCWSTR, int, const char*> cases[] = {
         {Hive::Loaded, Hive::ToBeLoaded, L"C:\\b", 9,
          "Skipping duplicate profile that requires hive to be loaded: corp\\ANN | 1 2"},
         {Hive::ToBeLoaded, Hive::None, L"C:\\a", 1,
@@ -69,12 +64,12 @@ TEST_F(UserList, ADuplicateStaysGoesOrBecomesSubordinate) {
         {Hive::ToBeLoaded, Hive::Loaded, L"C:\\b", 5,
          "Making new profile subordinate to existing duplicate 'corp\\ANN' | 1<3 2"},
     };
-    for (const auto& c : cases) {
+    for (const auto& [existing, added, path, precedence, expected] : cases) {
         s_deleted.clear();
         const LogCapture log;
-        m_context.AddUserToUserList(new TestUser(1, L"CORP", L"Ann", L"C:\\a", c.existing, 5));
+        m_context.AddUserToUserList(new TestUser(1, L"CORP", L"Ann", L"C:\\a", existing, 5));
         m_context.AddUserToUserList(new TestUser(2, L"CORP", L"Bob", L"C:\\a"));
-        m_context.AddUserToUserList(new TestUser(3, L"corp", L"ANN", c.path, c.added, c.precedence));
+        m_context.AddUserToUserList(new TestUser(3, L"corp", L"ANN", path, added, precedence));
         EXPECT_EQ(log.GetLines()[1].message, L"Adding user:Ann domain:CORP profile path C:\\a");
         std::string told = Narrow(log.Messages(LogLevel::Informational).at(0)) + " |";
         const CBvUserProfileBase* subordinate = nullptr;
@@ -84,7 +79,7 @@ TEST_F(UserList, ADuplicateStaysGoesOrBecomesSubordinate) {
             subordinate = At(i)->m_subordinate;
             told += "<" + std::to_string(static_cast<const TestUser*>(subordinate)->mark);
         }
-        EXPECT_EQ(told, c.told);
+        EXPECT_EQ(told, expected);
         EXPECT_EQ(s_deleted.size(), subordinate ? 0u : 1u);
         m_context.ClearUserList();
         delete subordinate;

@@ -43,44 +43,32 @@ Folders Read(bool verbose = false) {
     return {kSid.c_str(), L"DOMAIN\\ann", verbose};
 }
 
-// A value of the profile list that becomes longer, but not twice as long, once its size has been asked.
-LSTATUS WINAPI QueryThenGrow(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data, LPDWORD size) {
-    const auto query = SystemFunction(&RegQueryValueExW, L"advapi32.dll", "RegQueryValueExW");
-    const LSTATUS status = query(key, name, reserved, type, data, size);
-    RegSetKeyValueW(HKEY_LOCAL_MACHINE, kProfileList.c_str(), L"RrValue", REG_SZ, L"C:\\longer", 20);
-    return status;
-}
-
-// Values that are set, in order, as "name=text".
-using Writes = std::vector<std::wstring>;
-Writes s_writes;
-
-LSTATUS WINAPI NoteSet(HKEY key, LPCWSTR name, DWORD zero, DWORD type, const BYTE* data, DWORD bytes) {
-    const auto text = reinterpret_cast<const wchar_t*>(data);
-    EXPECT_EQ(std::pair(type, size_t{bytes}), std::pair(DWORD{REG_SZ}, (wcslen(text) + 1) * sizeof(*text)));
-    s_writes.push_back(name + L"="s + text);
-    return RegSetValueExW(key, name, zero, type, data, bytes);
-}
-
+// The values that are set, in order, as "name=text|".
 template <class Work>
-Writes WrittenBy(Work work) {
-    const ImportPatch<decltype(&RegSetValueExW)> patch(LoadedModule(L"framework.dll"), "RegSetValueExW", NoteSet);
+std::wstring WrittenBy(Work work) {
+    std::wstring writes;
+    const SeenCall<RegSetValueExW> setting(LoadedModule(L"framework.dll"), "RegSetValueExW",
+                                           [&](HKEY, LPCWSTR name, DWORD, DWORD type, const BYTE* data, DWORD bytes) {
+                                               const auto text = reinterpret_cast<const wchar_t*>(data);
+                                               EXPECT_EQ(std::pair(type, size_t{bytes}),
+                                                         std::pair(DWORD{REG_SZ}, (wcslen(text) + 1) * sizeof(*text)));
+                                               writes += name + L"="s + text + L"|";
+                                           });
     work();
-    return std::exchange(s_writes, {});
+    return writes;
 }
 
 // The values are set in both keys of the user's Explorer, which were not there before.
 template <class Work>
-void ExpectWrittenTwice(const std::wstring& sid, Work work, const Writes& expected) {
+void ExpectWrittenTwice(const std::wstring& sid, Work work, const std::vector<std::wstring>& values) {
     const ScopedRegistryKey hive(HKEY_USERS, sid);
-    Writes written = WrittenBy(work);
-    ASSERT_EQ(written.size(), 2 * expected.size());
-    EXPECT_EQ(Writes(written.begin(), written.begin() + written.size() / 2), expected);
-    EXPECT_EQ(Writes(written.begin() + written.size() / 2, written.end()), expected);
+    std::wstring expected;
+    for (const std::wstring& value : values) expected += value + L"|";
+    EXPECT_EQ(WrittenBy(work), expected + expected);
     for (const wchar_t* name : {L"User Shell Folders", L"Shell Folders"}) {
         DWORD count = 0, longest = 0;
         CRegistryHelper(HKEY_USERS, (sid + kExplorer + name).c_str(), KEY_READ).GetValueInfo(count, longest, longest);
-        EXPECT_EQ(count, expected.size());
+        EXPECT_EQ(count, values.size());
     }
 }
 
@@ -146,7 +134,7 @@ TEST(UserProfiles, AListedUserIsLocalUntilThereIsACentralCopyAndNoPolicyAgainstI
     const Folders noPrograms = Read();
     const ScopedRegistryKey other(HKEY_USERS, kSid + L"\\Other");
     EXPECT_EQ(WrittenBy([&] { noPrograms.WriteShellFolderValuesToRegistry(other.Path().c_str()); }),
-              Writes{L"Desktop=c:\\P\\ANN\\Desktop"});
+              L"Desktop=c:\\P\\ANN\\Desktop|");
     EXPECT_TRUE(log.Contains(LogLevel::Verbose, L"Value Programs is empty"));
     const CString impossible = CString(L'x', 300);
     EXPECT_NE(StatusThrownBy([&] { noPrograms.WriteShellFolderValuesToRegistry(impossible); }), 0u);
@@ -207,12 +195,7 @@ TEST(UserProfiles, AUserWithoutAHiveHasTheDefaultUsersFoldersWhichAreWrittenAsKn
 
 TEST(UserProfiles, AValueOfTheListThatIsNoTextGivesAStatus) {
     ScopedRegistryKey list(HKEY_LOCAL_MACHINE, kProfileList);
-    const struct {
-        std::string bytes;
-        CString expected;
-        DWORD type;
-        LONG status;
-    } cases[] = {
+    const std::tuple<std::string, CString, DWORD, LONG> cases[] = {
         {"%\0O\0S\0%\0\0\0"s, L"%OS%", REG_SZ, 0},
         {"%\0O\0S\0%\0\0\0"s, L"Windows_NT", REG_EXPAND_SZ, 0},
         {"", L"", REG_SZ, 0},
@@ -224,15 +207,18 @@ TEST(UserProfiles, AValueOfTheListThatIsNoTextGivesAStatus) {
     };
     CString value;
     const LogCapture log;
-    for (const auto& c : cases) {
-        list.SetData(L"", L"RrValue", c.type, c.bytes.data(), c.bytes.size());
+    for (const auto& [bytes, expected, type, status] : cases) {
+        list.SetData(L"", L"RrValue", type, bytes.data(), bytes.size());
         value = L"before";
-        EXPECT_EQ(Profiles::GetRegistryValue(L"RrValue", value), c.status) << c.bytes;
-        EXPECT_EQ(value, c.expected);
+        EXPECT_EQ(Profiles::GetRegistryValue(L"RrValue", value), status) << bytes;
+        EXPECT_EQ(value, expected);
     }
     list.SetText(L"RrValue", L"C:\\old");
     {
-        const ImportPatch<decltype(&QueryThenGrow)> patch(GetModuleHandleW(nullptr), "RegQueryValueExW", QueryThenGrow);
+        // It becomes longer, but not twice as long, once its size has been asked.
+        const SeenCall<RegQueryValueExW> query(
+            GetModuleHandleW(nullptr), "RegQueryValueExW", [](auto...) {},
+            [&](auto...) { RegSetKeyValueW(list.Key(), L"", L"RrValue", REG_SZ, L"C:\\longer", 20); });
         EXPECT_EQ(Profiles::GetRegistryValue(L"RrValue", value), 0);
         EXPECT_EQ(value, L"C:\\longer");
     }
@@ -262,6 +248,9 @@ TEST(UserProfiles, OnWindows8TheServiceHasASettingForTheSuffix) {
 
 TEST(OnARunningSystem, FoldersAreItsOwnAndVariablesAreExpandedOnce) {
     const CString big(L'x', 30000);
+    const std::pair<const wchar_t*, const wchar_t*> variables[] = {
+        {L"PvSelf", L"%PvSelf%\\a"}, {L"PvLong", big}, {L"PvValue", L"ours"}};
+    for (const auto& [name, value] : variables) _wputenv_s(name, value);
     const std::pair<CString, CString> texts[] = {
         {Folders::GetSystemDirectoryPath(), L"C:\\windows\\System32"},
         {Folders::GetSysnativePath(), L""},
@@ -272,20 +261,14 @@ TEST(OnARunningSystem, FoldersAreItsOwnAndVariablesAreExpandedOnce) {
         {Folders::GetAllUsersPath(), L"C:\\users\\Public"},
         {Folders::GetProgramFilesPath(), L"C:\\Program Files"},
         {Folders::GetProgramFiles64Path(), L""},
+        {ExpandPath(L"%PvSelf%\\b"), L"%PvSelf%\\a\\b"},  // a cycle ends at once
+        {ExpandPath(L"%PVSELF%\\%PvNotSet%\\%"), L"%PvSelf%\\a\\%PvNotSet%\\%"},
+        {ExpandPath(L"%PvLong%."), big + L"."},
+        {ExpandPath(L"%PvLong%%PvLong%"), L"%PvLong%%PvLong%"},  // too long for the system, which would cut it
+        {ExpandPath(L"%OS%" + CString(L'x', 40000)), L"%OS%" + CString(L'x', 40000)},
+        {ExpandPath(L"%SYSTEMroot%"), L"C:\\windows"},  // off a boot image, any spelling
     };
     for (const auto& [found, expected] : texts) EXPECT_EQ(found, expected);
-    const std::pair<const wchar_t*, const wchar_t*> variables[] = {
-        {L"PvSelf", L"%PvSelf%\\a"}, {L"PvLong", big}, {L"PvValue", L"ours"}};
-    for (const auto& [name, value] : variables) _wputenv_s(name, value);
-    const std::pair<CString, CString> expanded[] = {
-        {L"%PvSelf%\\b", L"%PvSelf%\\a\\b"},  // a cycle ends at once
-        {L"%PVSELF%\\%PvNotSet%\\%", L"%PvSelf%\\a\\%PvNotSet%\\%"},
-        {L"%PvLong%.", big + L"."},
-        {L"%PvLong%%PvLong%", L"%PvLong%%PvLong%"},  // too long for the system, which would cut it
-        {L"%OS%" + CString(L'x', 40000), L"%OS%" + CString(L'x', 40000)},
-        {L"%SYSTEMroot%", L"C:\\windows"},  // off a boot image, any spelling
-    };
-    for (const auto& [text, expected] : expanded) EXPECT_EQ(ExpandPath(text), expected);
     PipeServer companion;
     companion.Answer(Utf16(L"theirs"));
     CString value;

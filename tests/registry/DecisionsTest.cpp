@@ -47,11 +47,8 @@ struct FakeMachine final : OfflineFacts {
 
 TEST(SplitHivePath, FindsTheFiveLongNamesInAnyCaseAndNeedsABackslashBehindSomething) {
     using Subkey = std::optional<Text>;
-    const struct {
-        Text path;
-        Subkey subkey;
-        std::optional<RegistryHive> hive;  // an unknown first part is no failure
-    } cases[] = {
+    // An unknown first part is no failure.
+    const std::tuple<Text, Subkey, std::optional<RegistryHive>> cases[] = {
         {L"HKEY_CLASSES_ROOT\\.txt", L".txt", RegistryHive::ClassesRoot},
         {L"HKEY_CURRENT_USER\\a\\b", L"a\\b", RegistryHive::CurrentUser},
         {L"hkey_local_machine\\SOFTWARE", L"SOFTWARE", RegistryHive::LocalMachine},
@@ -65,11 +62,10 @@ TEST(SplitHivePath, FindsTheFiveLongNamesInAnyCaseAndNeedsABackslashBehindSometh
         {L"HKEY_USERS", {}, {}},
         {L"HKEY_USERS/x", {}, {}},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(testing::PrintToString(std::wstring(c.path)));
-        const auto parts = SplitHivePath(c.path);
-        EXPECT_EQ(parts ? Subkey(parts->subkey) : Subkey(), c.subkey);
-        EXPECT_EQ(parts ? parts->hive : std::nullopt, c.hive);
+    for (const auto& [path, subkey, hive] : cases) {
+        const auto parts = SplitHivePath(path);
+        EXPECT_TRUE(parts ? parts->subkey == subkey && parts->hive == hive : !subkey)
+            << testing::PrintToString(std::wstring(path));
     }
 }
 

@@ -28,14 +28,8 @@ protected:
     ScopedRegistryKey m_key;
 };
 
-// What was asked of the system: the masks that keys are made with, and all of a transacted call.
+// What was asked of the system.
 std::wstring s_asked;
-
-LSTATUS WINAPI NoteCreate(HKEY key, LPCWSTR path, DWORD reserved, LPWSTR keyClass, DWORD options, REGSAM access,
-                          const LPSECURITY_ATTRIBUTES security, PHKEY result, LPDWORD disposition) {
-    s_asked += CString(std::to_wstring(access).c_str()) + L" ";
-    return RegCreateKeyExW(key, path, reserved, keyClass, options, access, security, result, disposition);
-}
 
 LSTATUS WINAPI OpenTransacted(HKEY, LPCWSTR path, DWORD, REGSAM access, PHKEY, HANDLE transaction, PVOID) {
     s_asked += std::wstring(L"open ") + path + L" " + std::to_wstring(access) + (transaction ? L" in it;" : L";");
@@ -57,16 +51,14 @@ FARPROC WINAPI FindTransacted(HMODULE, LPCSTR name) {
 }  // namespace
 
 TEST_F(RegistryHelper, OnlyAWritingMaskCreatesAndAFailedReopenKeepsTheOldKey) {
-    const struct {
-        REGSAM access;
-        LPCWSTR below;
-        DWORD status;
-    } cases[] = {{KEY_READ, L"\\a", 2},
-                 {KEY_QUERY_VALUE | DELETE, L"\\a", 2},
-                 {KEY_CREATE_SUB_KEY, L"\\a", 0},
-                 {KEY_SET_VALUE, L"\\a\\b", 0},
-                 {KEY_READ, L"\\a\\b", 0}};
-    for (const auto& c : cases) EXPECT_EQ(StatusThrownBy([&] { Helper(kUser, Path(c.below), c.access); }), c.status);
+    const auto open = [&](LPCWSTR below, REGSAM access) {
+        return StatusThrownBy([&] { Helper(kUser, Path(below), access); });
+    };
+    EXPECT_EQ(open(L"\\a", KEY_READ), 2u);
+    EXPECT_EQ(open(L"\\a", KEY_QUERY_VALUE | DELETE), 2u);
+    EXPECT_EQ(open(L"\\a", KEY_CREATE_SUB_KEY), 0u);
+    EXPECT_EQ(open(L"\\a\\b", KEY_SET_VALUE), 0u);
+    EXPECT_EQ(open(L"\\a\\b", KEY_READ), 0u);
     m_key.SetText(L"a", L"v", L"here");
     Helper key;
     EXPECT_EQ(key.OpenRedirected(kUser, Path(L"\\a"), KEY_READ | KEY_WOW64_64KEY), 0);
@@ -83,8 +75,8 @@ TEST_F(RegistryHelper, OnlyAWritingMaskCreatesAndAFailedReopenKeepsTheOldKey) {
 TEST_F(RegistryHelper, AKeyMadeInOneViewIsReadBackThere) {
     const ScopedRegistryKey native(kMachine, L"Software\\RrViews");
     const ScopedRegistryKey emulated(kMachine, L"Software\\Wow6432Node\\RrViews");
-    for (const auto& [view, path] :
-         {std::pair(KEY_WOW64_64KEY, L"Software\\RrViews\\64"), std::pair(KEY_WOW64_32KEY, L"Software\\RrViews\\32")}) {
+    for (const auto& [view, path] : {std::pair(REGSAM{KEY_WOW64_64KEY}, L"Software\\RrViews\\64"),
+                                     std::pair(REGSAM{KEY_WOW64_32KEY}, L"Software\\RrViews\\32")}) {
         Helper(kMachine, path, KEY_WRITE | view).SetStringValue(L"v", path);
         EXPECT_EQ(Helper(kMachine, path, KEY_READ | view).GetStringValue(L"v"), path);
         EXPECT_NE(Helper().OpenRedirected(kMachine, path, KEY_READ | (view ^ 0x300)), 0) << "in the other view";
@@ -92,10 +84,14 @@ TEST_F(RegistryHelper, AKeyMadeInOneViewIsReadBackThere) {
     EXPECT_EQ(Helper(native.Key(), L"64", KEY_READ).GetStringValue(L"v"), L"Software\\RrViews\\64");
     EXPECT_EQ(Helper(emulated.Key(), L"32", KEY_READ).GetStringValue(L"v"), L"Software\\RrViews\\32");
     // A 32-bit process gets the 64-bit view only by the mask.
-    const ImportPatch<decltype(&NoteCreate)> patch(LoadedModule(L"framework.dll"), "RegCreateKeyExW", NoteCreate);
+    std::wstring made;  // mask and class
+    const SeenCall<RegCreateKeyExW> creation(LoadedModule(L"framework.dll"), "RegCreateKeyExW",
+                                             [&](HKEY, LPCWSTR, DWORD, LPWSTR keyClass, DWORD, REGSAM access, auto...) {
+                                                 made += std::to_wstring(access) + (keyClass ? keyClass : L"") + L" ";
+                                             });
     for (const bool view64 : {true, false, false})
-        Helper::EnsureKeyAndChild(kUser, Path(view64 ? L"\\x\\64" : L"\\x\\32"), L"c", nullptr, 0, view64);
-    EXPECT_EQ(std::exchange(s_asked, {}), L"131334 4 131078 4 4 ") << "what is there is opened";
+        Helper::EnsureKeyAndChild(kUser, Path(view64 ? L"\\x\\64" : L"\\x\\32"), L"c", L"C", 0, view64);
+    EXPECT_EQ(made, L"131334 4C 131078 4C 4C ") << "what is there is opened";
     EXPECT_TRUE(Helper::KeyExists(kUser, Path(L"\\x\\64\\c")) && Helper::KeyExists(kUser, Path(L"\\x\\32\\c")));
 }
 
@@ -143,13 +139,13 @@ TEST_F(RegistryHelper, FailuresLeaveNothingOpenAndADeletionItsParent) {
     Helper key(kUser, Path(), KEY_ALL_ACCESS);
     CRegKey brief;
     brief.Create(key, L"brief", nullptr, REG_OPTION_VOLATILE);
-    Helper::CreateChildKey(key, L"a", L"theClass", 0);
+    Helper::CreateChildKey(key, L"a", nullptr, 0);
     const std::pair<DWORD, std::function<void()>> calls[] = {
         {2, [&] { Helper(kUser, missing, KEY_READ); }},
         {ERROR_INVALID_PARAMETER, [&] { Helper(kUser, bad, KEY_ALL_ACCESS); }},
         {2, [&] { key.OpenOrCreate(kUser, missing, KEY_READ, 0); }},
         {0x70C, [&] { key.GetDwordValue(L"text"); }},
-        {0x10DD, [&] { const Helper copy(key); }},
+        {0x10DD, [&] { Helper{key}; }},
         {0x10DD, [&] { key = Helper(); }},
         {ERROR_INVALID_HANDLE, [] { Helper::CreateChildKey(nullptr, L"c", nullptr, 0); }},
         {ERROR_CHILD_MUST_BE_VOLATILE, [&] { Helper::CreateChildKey(brief, L"c", nullptr, 0); }},
@@ -162,13 +158,6 @@ TEST_F(RegistryHelper, FailuresLeaveNothingOpenAndADeletionItsParent) {
     EXPECT_FALSE(Helper::KeyExists(kUser, missing) || Helper::KeyExists(nullptr, L"SOFTWARE"));
     EXPECT_GE(counter.Created("registry handle"), 5);
     EXPECT_EQ(counter.Alive("registry handle"), 2) << "the two keys here";
-    Helper a(kUser, Path(L"\\a"), KEY_READ);
-    WCHAR keyClass[20] = {};
-    DWORD length = 20;
-    RegQueryInfoKeyW(a, keyClass, &length, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                     nullptr);
-    EXPECT_STREQ(keyClass, L"theClass");
-    a.Close();
     for (const auto& [child, status] : {std::pair(L"a", 0u), std::pair(L"a", 2u), std::pair(L"full", 5u)})
         EXPECT_EQ(StatusThrownBy([&, name = child] { Helper::DeleteChildKey(kUser, Path(), name); }), status);
     EXPECT_FALSE(Helper::KeyExists(kUser, Path(L"\\a")));

@@ -20,12 +20,6 @@ namespace {
 
 const HMODULE kSelf = GetModuleHandleW(nullptr);
 
-// What the system tells a 32-bit process, and the redirection of its files, one value for each disabling call.
-BOOL s_isWow64 = TRUE;
-BOOL s_succeeds = FALSE;
-ULONG_PTR s_nextOldValue = 100;
-PVOID s_reverted = nullptr;
-
 }  // namespace
 
 TEST(RunningSystem, SeenByA64BitProcess) {
@@ -55,8 +49,11 @@ TEST(RunningSystem, SeenByA64BitProcess) {
     });
 }
 
+// The redirection of files has one value for each disabling call.
 TEST(RunningSystem, SeenByA32BitProcess) {
     EXPECT_IN_FRESH_PROCESS([] {
+        static BOOL s_isWow64 = TRUE, s_succeeds = FALSE;
+        static ULONG_PTR s_oldValue = 99, s_reverted = 0;
         const ImportPatch<decltype(&IsWow64Process)> wow64(
             kSelf, "IsWow64Process", [](HANDLE, PBOOL is) { return *is = s_isWow64, s_succeeds; });
         const ImportPatch<decltype(&GetSystemWow64DirectoryW)> directory(
@@ -64,9 +61,10 @@ TEST(RunningSystem, SeenByA32BitProcess) {
             [](LPWSTR text, UINT) { return static_cast<UINT>(std::wcslen(std::wcscpy(text, L"C:\\SysWOW64"))); });
         const ImportPatch<decltype(&Wow64DisableWow64FsRedirection)> disable(
             kSelf, "Wow64DisableWow64FsRedirection",
-            [](PVOID* old) { return *old = reinterpret_cast<PVOID>(s_nextOldValue++), s_succeeds; });
+            [](PVOID* old) { return *old = reinterpret_cast<PVOID>(++s_oldValue), s_succeeds; });
         const ImportPatch<decltype(&Wow64RevertWow64FsRedirection)> revert(
-            kSelf, "Wow64RevertWow64FsRedirection", [](PVOID old) { return s_reverted = old, s_succeeds; });
+            kSelf, "Wow64RevertWow64FsRedirection",
+            [](PVOID old) { return s_reverted = reinterpret_cast<ULONG_PTR>(old), s_succeeds; });
         EXPECT_FALSE(IsOffline64BitOs());
         s_succeeds = TRUE;
         EXPECT_TRUE(IsOffline64BitOs()) << "a question that failed is asked again";
@@ -76,10 +74,10 @@ TEST(RunningSystem, SeenByA32BitProcess) {
         std::thread([] {
             DisableFsRedirection();
             RevertFsRedirection();
-            EXPECT_EQ(s_reverted, reinterpret_cast<PVOID>(101));
+            EXPECT_EQ(s_reverted, 101u);
         }).join();
         EXPECT_TRUE(RevertFsRedirection());
-        EXPECT_EQ(s_reverted, reinterpret_cast<PVOID>(100)) << "each thread pairs its own calls";
+        EXPECT_EQ(s_reverted, 100u) << "each thread pairs its own calls";
         s_succeeds = FALSE;
         EXPECT_FALSE(DisableFsRedirection());
         EXPECT_FALSE(RevertFsRedirection());
@@ -87,27 +85,21 @@ TEST(RunningSystem, SeenByA32BitProcess) {
 }
 
 TEST(RunningSystem, OfEachRelease) {
-    const struct {
-        DWORD major, minor, build;
-        BYTE type;
-        LPCWSTR servicePack;
-        const char* facts;
-    } releases[] = {
-        {5, 2, 3790, 3, L"Service Pack 2", "5.2.3790 Service Pack 2 pre server"},
-        {6, 0, 6002, 1, L"", "6.0.6002  vista workstation"},
-        {6, 0, 6002, 2, L"", "6.0.6002  vista server 2008"},
-        {6, 1, 7601, 3, L"Service Pack 1", "6.1.7601 Service Pack 1 vista 7 server 2008"},
-        {6, 2, 9200, 3, L"", "6.2.9200  vista 7 8 server 2008 2012"},
-        {6, 3, 9600, 1, L"", "6.3.9600  vista 7 8 8.1 workstation"},
-        {10, 0, 21999, 1, L"", "10.0.21999  vista 7 8 8.1 10 workstation"},
-        {10, 0, 22000, 2, L"", "10.0.22000  vista 7 8 8.1 10 11 server 2008 2012"},
+    const std::pair<std::tuple<DWORD, DWORD, DWORD, BYTE, LPCWSTR>, const char*> releases[] = {
+        {{5, 2, 3790, 3, L"Service Pack 2"}, "5.2.3790 Service Pack 2 pre server"},
+        {{6, 0, 6002, 1, L""}, "6.0.6002  vista workstation"},
+        {{6, 0, 6002, 2, L""}, "6.0.6002  vista server 2008"},
+        {{6, 1, 7601, 3, L"Service Pack 1"}, "6.1.7601 Service Pack 1 vista 7 server 2008"},
+        {{6, 2, 9200, 3, L""}, "6.2.9200  vista 7 8 server 2008 2012"},
+        {{6, 3, 9600, 1, L""}, "6.3.9600  vista 7 8 8.1 workstation"},
+        {{10, 0, 21999, 1, L""}, "10.0.21999  vista 7 8 8.1 10 workstation"},
+        {{10, 0, 22000, 2, L""}, "10.0.22000  vista 7 8 8.1 10 11 server 2008 2012"},
     };
     for (const auto& release : releases) {
-        SCOPED_TRACE(release.facts);
         EXPECT_IN_FRESH_PROCESS([&] {
-            const FakeVersion version(release.major, release.minor, release.build, release.type, release.servicePack);
-            EXPECT_EQ(VersionFacts(), release.facts);
-            EXPECT_EQ(CWindowsVersion::GetServicePackText(), release.servicePack);
+            const auto version = std::make_from_tuple<FakeVersion>(release.first);
+            EXPECT_EQ(VersionFacts(), release.second);
+            EXPECT_EQ(CWindowsVersion::GetServicePackText(), std::get<LPCWSTR>(release.first));
             EXPECT_EQ(FakeVersion::s_asked, 1) << "found once";
         });
     }
@@ -129,19 +121,13 @@ TEST(FileVersion, IsTheFilesOwnAndComparedByParts) {
 }
 
 TEST(ProcessPrivilege, ATokenThatCannotBeAdjustedStaysOpen) {
-    static HANDLE s_token = nullptr;
-    const ImportPatch<decltype(&OpenProcessToken)> patch(
-        kSelf, "OpenProcessToken", [](HANDLE process, DWORD access, PHANDLE token) {
-            const auto open = SystemFunction(&OpenProcessToken, L"advapi32.dll", "OpenProcessToken");
-            const BOOL opened = open(process, access, token);
-            s_token = *token;
-            return opened;
-        });
+    HANDLE token = nullptr;
+    const SeenCall<OpenProcessToken> opening(
+        kSelf, "OpenProcessToken", [](auto...) {}, [&](HANDLE, DWORD, PHANDLE opened) { token = *opened; });
     DWORD flags = 0;
     SetProcessPrivilege(L"SeBackupPrivilege", true);
-    EXPECT_FALSE(GetHandleInformation(s_token, &flags));
+    EXPECT_FALSE(GetHandleInformation(token, &flags));
     SetProcessPrivilege(L"SeNoSuchPrivilege", true);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_NO_SUCH_PRIVILEGE});
-    EXPECT_TRUE(GetHandleInformation(s_token, &flags));
-    CloseHandle(s_token);
+    EXPECT_TRUE(CloseHandle(token));
 }

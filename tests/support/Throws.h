@@ -3,9 +3,12 @@
 
 #include <afx.h>
 
+#include <functional>
+
 // Whether `work` throws an exception of the class; `see` looks at it.
-template <class Exception, class Work, class See>
-bool Throws(Work work, See see) {
+template <class Exception, class Work>
+bool Throws(
+    Work work, const std::function<void(const Exception&)>& see = [](const Exception&) {}) {
     try {
         work();
     } catch (Exception* problem) {
@@ -14,9 +17,4 @@ bool Throws(Work work, See see) {
         return true;
     }
     return false;
-}
-
-template <class Exception, class Work>
-bool Throws(Work work) {
-    return Throws<Exception>(work, [](const Exception&) {});
 }
