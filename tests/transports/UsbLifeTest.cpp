@@ -1,16 +1,29 @@
 // How a session ends, and what must not hang meanwhile.
 #include "transports/UsbSessionFixture.h"
 
-// The system takes its time with the second thread: it has not begun when the greeting has failed, nor long after.
+// The system takes its time with the second thread: it has not begun when the greeting has failed, nor when it is
+// looked for.
 TEST_F(UsbSession, EndsAThreadOnlyWhenItHasBegun) {
     EXPECT_IN_FRESH_PROCESS([&] {
+        static std::atomic<int> s_looks = 0;
         static int s_started = 0;
         static int s_ended = 0;
         const ImportPatch<decltype(&ResumeThread)> late(
             LoadedModule(L"framework.dll"), "ResumeThread", [](HANDLE thread) -> DWORD {
                 if (++s_started == 1) return ResumeThread(thread);
-                std::thread([thread] { Sleep(1000), ResumeThread(thread); }).detach();
+                std::thread([thread] {
+                    while (s_looks < 300) Sleep(1);  // more than it takes to find a thread at rest
+                    ResumeThread(thread);
+                }).detach();
                 return 1;
+            });
+        const ImportPatch<decltype(&MsgWaitForMultipleObjectsEx)> look(
+            kProgram, "MsgWaitForMultipleObjectsEx",
+            [](DWORD count, const HANDLE* handles, DWORD milliseconds, DWORD mask, DWORD flags) {
+                if (++s_looks <= 300) return DWORD{WAIT_TIMEOUT};
+                const auto* const name = "MsgWaitForMultipleObjectsEx";
+                return SystemFunction(&MsgWaitForMultipleObjectsEx, L"user32.dll", name)(count, handles, milliseconds,
+                                                                                         mask, flags);
             });
         const ImportPatch<decltype(&TerminateThread)> end(kProgram, "TerminateThread", [](HANDLE thread, DWORD code) {
             EXPECT_EQ(SuspendThread(thread), 0U) << "not yet begun";
