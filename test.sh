@@ -71,6 +71,7 @@ if build windows; then
 fi
 step "static checks"
 if scripts/check-includes; then passed=$((passed + 1)); else fail "the floors of the house (see docs/architecture.md)"; fi
+if scripts/count-lines 0.34 >build/lines.log; then passed=$((passed + 1)); else fail "the share of the tests: $(tail -1 build/lines.log)"; fi
 for check in format cppcheck tidy; do
     if scripts/lint "$check"; then passed=$((passed + 1)); else fail "the static check '$check'"; fi
 done

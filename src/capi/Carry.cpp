@@ -124,27 +124,42 @@ rr_note NoteOf(const RuleFinding& finding, const TakenRules& rules) {
     return note;
 }
 
-// Tells the notes, fills the report, and gives the status of work that was done.
-rr_status Tell(const CarryReport& report, const std::vector<RuleFinding>& findings, const TakenRules* rules,
-               const Callbacks& callbacks, rr_report* to) {
-    bool isWanted = true;
-    for (const RuleFinding& finding : findings) isWanted = isWanted && callbacks.Note(NoteOf(finding, *rules));
-    for (const CarryNote& note : report.notes) isWanted = isWanted && callbacks.Note(NoteOf(note));
-    if (isWanted && report.noteCount > report.notes.size()) {
-        rr_note more = NoteOf(CarryNote{});
-        more.kind = RR_NOTE_MORE;
-        callbacks.Note(more);
+// Tells notes as long as they are wanted, and counts all.
+class Notes {
+public:
+    explicit Notes(const Callbacks& callbacks) : m_callbacks(callbacks) {}
+
+    void Tell(const rr_note& note) {
+        ++m_count;
+        m_isWanted = m_isWanted && m_callbacks.Note(note);
     }
-    const std::uint64_t notes = report.noteCount + findings.size();
-    PutStruct(to, {.size = 0,
-                   .keys = report.keys,
-                   .values = report.values,
-                   .bytes = report.bytes,
-                   .removed_keys = report.removedKeys,
-                   .removed_values = report.removedValues,
-                   .notes = notes});
-    return notes == 0 ? RR_OK : RR_TOLD;
-}
+    void Tell(const RuleSelection& selection, const TakenRules& rules) {
+        for (const RuleFinding& finding : selection.Findings()) Tell(NoteOf(finding, rules));
+    }
+    // Fills the caller's report, and gives the status of work that was done.
+    rr_status Finish(const CarryReport& report, rr_report* to) {
+        for (const CarryNote& note : report.notes) Tell(NoteOf(note));
+        if (report.noteCount > report.notes.size()) {
+            rr_note more = NoteOf(CarryNote{});
+            more.kind = RR_NOTE_MORE;
+            Tell(more);
+            m_count += report.noteCount - report.notes.size() - 1;
+        }
+        PutStruct(to, {.size = 0,
+                       .keys = report.keys,
+                       .values = report.values,
+                       .bytes = report.bytes,
+                       .removed_keys = report.removedKeys,
+                       .removed_values = report.removedValues,
+                       .notes = m_count});
+        return m_count == 0 ? RR_OK : RR_TOLD;
+    }
+
+private:
+    const Callbacks& m_callbacks;
+    std::uint64_t m_count = 0;
+    bool m_isWanted = true;
+};
 
 class Listing final : public RegistryVisitor {
 public:
@@ -197,7 +212,9 @@ rr_status rr_list(rr_rules rules, const rr_target* target, const rr_callbacks* c
         const RegistryTarget from = TakeTarget(target);
         Listing listing(told);
         for (const SelectedPart& part : selection.Parts()) WalkPart(from, part, listing);
-        return Tell(listing.Report(), selection.Findings(), &taken, told, report);
+        Notes notes(told);
+        notes.Tell(selection, taken);
+        return notes.Finish(listing.Report(), report);
     });
 }
 
@@ -207,25 +224,17 @@ rr_status rr_check(rr_rules rules, const rr_target* target, const rr_callbacks* 
         const Callbacks told(callbacks);
         const TakenRules taken(rules);
         const RegistryTarget from = TakeTarget(target);
-        std::uint64_t notes = 0;
-        bool isWanted = true;
-        const auto tell = [&](const rr_note& note) {
-            ++notes;
-            isWanted = isWanted && told.Note(note);
-        };
+        Notes notes(told);
         const RuleSelection selection(taken.Rules(), FoldKeyCase);
-        for (const RuleFinding& finding : selection.Findings()) tell(NoteOf(finding, taken));
+        notes.Tell(selection, taken);
         for (std::size_t i = 0; i < taken.Rules().size(); ++i) {
             const auto missing = FindMissing(from, taken.Rules()[i]);
             if (!missing) continue;
             rr_note note = NoteOf(*missing);
             taken.Name(note, i);
-            tell(note);
+            notes.Tell(note);
         }
-        rr_report counted{};
-        counted.notes = notes;
-        PutStruct(report, counted);
-        return notes == 0 ? RR_OK : RR_TOLD;
+        return notes.Finish({}, report);
     });
 }
 
@@ -240,7 +249,9 @@ rr_status rr_capture(rr_rules rules, const rr_target* target, const wchar_t* fil
         const RuleSelection selection(taken.Rules(), FoldKeyCase);
         const CarryReport done =
             Capture(TakeTarget(target), selection, path, {(flags & RR_REPLACE) != 0, told.Progress()});
-        return Tell(done, selection.Findings(), &taken, told, report);
+        Notes notes(told);
+        notes.Tell(selection, taken);
+        return notes.Finish(done, report);
     });
 }
 
@@ -259,6 +270,6 @@ rr_status rr_apply(const rr_target* target, const wchar_t* file, size_t file_len
                                         .dryRun = (flags & RR_DRY_RUN) != 0,
                                         .removeHives = (flags & RR_REMOVE_HIVES) != 0,
                                         .progress = told.Progress()});
-        return Tell(done, {}, nullptr, told, report);
+        return Notes(told).Finish(done, report);
     });
 }
