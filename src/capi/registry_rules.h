@@ -31,6 +31,7 @@
 extern "C" {
 #endif
 
+/* NOLINTBEGIN(modernize-use-using): for C */
 #define RR_API_VERSION 1
 #define RR_TERMINATED ((size_t)-1)
 
@@ -208,6 +209,8 @@ rr_status rr_windows_version(rr_version* version);
 rr_status rr_expand_path(const wchar_t* path, size_t path_length, wchar_t* buffer, size_t capacity, size_t* length);
 /* The folder on this machine of a user's profile; the process's user when `sid` is empty. */
 rr_status rr_profile_path(const wchar_t* sid, size_t sid_length, wchar_t* buffer, size_t capacity, size_t* length);
+
+/* NOLINTEND(modernize-use-using) */
 
 #ifdef __cplusplus
 }

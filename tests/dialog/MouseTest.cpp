@@ -24,6 +24,11 @@ protected:
     }
     static void MoveGap(Dialog& d) { d.Move({Gap(d).x - 40, Gap(d).y}); }
     static void LetGo(Dialog& d) { d.Release(); }
+    // As after a release that nobody here was told of.
+    static void MoveWithoutButton(Dialog& d) {
+        const POINT gap = Gap(d);
+        SendMessageW(d.Window(), WM_MOUSEMOVE, 0, MAKELPARAM(gap.x, gap.y));
+    }
     static void LoseCapture(Dialog& d) {
         d.OnGuiThread([] { ReleaseCapture(); });
     }
@@ -240,6 +245,9 @@ TEST_F(Mouse, AReleaseThatTheDialogDidNotSeeEndsWhatItHeld) {
                {LetGo,
                 L"delete=live, tab dirty=yes mouse= rows=Branch|HKCU\\T\\Vendor|; Branch|HKCU\\a|; Branch|HKCU\\b|; "
                 L"selected=0"},
+               {HoldOver(1), L"mouse=captured, row 1, image"},
+               {MoveWithoutButton, L"mouse="},
+               {LetGo, L""},
                // The gap stays where the capture was lost.
                {HoldGap, L"mouse=captured, clipped"},
                {LoseCapture, L"mouse="},
