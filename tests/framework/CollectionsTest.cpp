@@ -1,3 +1,4 @@
+#include <afxcoll.h>
 #include <afxmt.h>
 #include <afxtempl.h>
 
@@ -25,6 +26,16 @@ TEST(List, KeepsItsOrderAndIndexesOverRandomChanges) {
         list.RemoveAll();
         EXPECT_THROW(list.GetTail(), CInvalidArgException*);
     }
+}
+
+// As a peer's handles, which the system gives out again.
+TEST(MapPtrToPtr, AKeyThatIsSetAgainHasItsLastValueAndGoesOnce) {
+    int things[2] = {};
+    CMapPtrToPtr map;
+    for (int& value : things) map.SetAt(&things[0], &value);
+    void* value = nullptr;
+    EXPECT_TRUE(map.Lookup(&things[0], value) && value == &things[1]);
+    EXPECT_TRUE(map.RemoveKey(&things[0]) && !map.RemoveKey(&things[0]) && map.GetStartPosition() == nullptr);
 }
 
 TEST(SingleLock, KeepsOtherThreadsOutAndMayBeTakenAgainByItsOwn) {
