@@ -283,6 +283,7 @@ TEST_F(Carry, LinksAreCarriedAndRemovedAsTheLinksTheyAre) {
     ASSERT_TRUE(leadsToTarget());
 
     const std::wstring before = Captured(m_target, CarryKind::Branch, branch);
+    EXPECT_EQ(Captured(m_target, CarryKind::Key, branch), L"[" + branch + L"]\r\n\r\n") << "nothing of what lies below";
     EXPECT_TRUE(before.starts_with(L"[" + branch + L"]\r\n\r\n[" + branch +
                                    L"\\link]\r\n\"SymbolicLinkValue\"=hex(6):5c,00,52"));
     EXPECT_NE(before.find(L"\r\n\r\n[" + branch + L"\\target]"), before.npos);
