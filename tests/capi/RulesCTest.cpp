@@ -62,6 +62,7 @@ TEST_F(RulesC, WhatIsNoHandleOrNoPointerIsRefused) {
 
 TEST_F(RulesC, TextsGoInAndOutWholeOrNotAtAll) {
     const std::wstring longest(32767, L'k');
+    const std::wstring tooLong = longest + L"k";
     const struct {
         const wchar_t* text;
         size_t length;
@@ -74,7 +75,7 @@ TEST_F(RulesC, TextsGoInAndOutWholeOrNotAtAll) {
         {nullptr, 1, RR_E_NULL},
         {nullptr, RR_TERMINATED, RR_E_NULL},
         {L"a\0b", 3, RR_E_TEXT},
-        {(longest + L"k").c_str(), RR_TERMINATED, RR_E_TEXT},
+        {tooLong.c_str(), RR_TERMINATED, RR_E_TEXT},
         {L"a", size_t{1} << 31, RR_E_TEXT},
         {L"a", RR_TERMINATED - 1, RR_E_TEXT},
     };

@@ -67,7 +67,7 @@ void SendKey(WORD key, DWORD flags) {
 void SendText(std::wstring_view text) {
     std::vector<INPUT> inputs;
     for (const wchar_t character : text) {
-        for (const DWORD flags : {KEYEVENTF_UNICODE, KEYEVENTF_UNICODE | KEYEVENTF_KEYUP})
+        for (const DWORD flags : {DWORD{KEYEVENTF_UNICODE}, DWORD{KEYEVENTF_UNICODE | KEYEVENTF_KEYUP}})
             inputs.push_back(KeyEvent(0, static_cast<WORD>(character), flags));
     }
     Send(inputs);

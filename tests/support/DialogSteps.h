@@ -30,13 +30,13 @@ protected:
     static Act Click(int control) {
         return [=](Dialog& d) { d.Click(control); };
     }
-    static Act Type(std::wstring text) {
+    static Act Type(const std::wstring& text) {
         return [=](Dialog& d) { d.Type(text); };
     }
     static Act Press(WORD key, WORD held = 0) {
         return [=](Dialog& d) { held != 0 ? d.Key(key, {held}) : d.Key(key); };
     }
-    static Act OnGui(std::function<void()> function) {
+    static Act OnGui(const std::function<void()>& function) {
         return [=](Dialog& d) { d.OnGuiThread(function); };
     }
 
@@ -60,7 +60,9 @@ protected:
         const Look before = std::exchange(look, Seen(d));
         std::wstring changes;
         for (const auto& [thing, text] : look) {
-            if ((thing == L"told" ? L"" : before.at(thing)) != text) changes += L" " + thing + L"=" + text;
+            if ((thing == L"told" ? L"" : before.at(thing)) != text) {
+                changes.append(L" ").append(thing).append(L"=").append(text);
+            }
         }
         return changes;
     }

@@ -15,7 +15,7 @@ extern "C" LONG NTAPI RtlAdjustPrivilege(ULONG privilege, BOOLEAN enable, BOOLEA
 // SeBackupPrivilege and SeRestorePrivilege, which saving and mounting hives need, for the process.
 inline void EnableHivePrivileges() {
     BOOLEAN before = FALSE;
-    for (const ULONG backupAndRestore : {17, 18}) RtlAdjustPrivilege(backupAndRestore, TRUE, FALSE, &before);
+    for (const ULONG backupAndRestore : {17UL, 18UL}) RtlAdjustPrivilege(backupAndRestore, TRUE, FALSE, &before);
 }
 
 // A hive with given content. Paths of keys and values are relative to its root.
@@ -49,13 +49,13 @@ public:
 
     // "D:\Windows\System32" or the same on E, created when missing.
     static std::wstring SystemFolder(wchar_t drive) {
-        const std::wstring folder = std::wstring(1, drive) + L":\\Windows\\System32";
+        std::wstring folder = std::wstring(1, drive) + L":\\Windows\\System32";
         std::filesystem::create_directories(folder);
         return folder;
     }
     // Saves the hive as the installed system's, `name` being SOFTWARE, SYSTEM and the like, and returns the file.
     static std::wstring Install(wchar_t drive, const wchar_t* name, const HiveBuilder& hive) {
-        const std::wstring file = SystemFolder(drive) + L"\\config\\" + name;
+        std::wstring file = SystemFolder(drive) + L"\\config\\" + name;
         hive.Save(file);
         return file;
     }
