@@ -136,7 +136,7 @@ void Dialog::Press() {
 
 void Dialog::Release() {
     // The press may have brought up a box, or closed the dialog.
-    m_steps.push_back("release");
+    m_steps.emplace_back("release");
     SendMouse(MOUSEEVENTF_LEFTUP);
     Settle();
 }
@@ -204,7 +204,7 @@ std::wstring Dialog::ExpectBox() {
 }
 
 std::wstring Dialog::AnswerBox(int button) {
-    const std::wstring text = ExpectBox();
+    std::wstring text = ExpectBox();
     m_steps.push_back("answer with " + std::to_string(button) + ": " + Narrow(text));
     const HWND box = m_expectedBox;
     if (GetDlgItem(box, button) == nullptr) Fail("the box has no button " + std::to_string(button));
