@@ -9,6 +9,12 @@
 
 namespace {
 
+// The numbers of the interface are those of the carrying, which may not be changed without it.
+static_assert(static_cast<int>(CarryNoteKind::SkippedLine) == RR_NOTE_SKIPPED_LINE);
+static_assert(static_cast<int>(CarryNoteKind::OutOfReach) == RR_NOTE_OUT_OF_REACH);
+static_assert(static_cast<int>(RuleFlaw::Repeated) == RR_FLAW_REPEATED);
+static_assert(static_cast<int>(RuleFlaw::Shadowed) == RR_FLAW_SHADOWED);
+
 constexpr std::uint32_t kCaptureFlags = RR_REPLACE;
 constexpr std::uint32_t kApplyFlags = RR_REPLACE | RR_DRY_RUN | RR_REMOVE_HIVES | RR_NO_UNDO;
 
