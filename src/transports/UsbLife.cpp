@@ -14,22 +14,14 @@ constexpr DWORD kLookMilliseconds = 250;
 // One event for all sessions of the process, and gone with the first that is closed. By its name it is also that of
 // every other process of the user's session, so it can be set or reset by sessions that are no business of ours: it
 // tells when to look, and only a look tells what there is. The lock guards it and the steps from one phase to the next;
-// nobody waits while holding it. The event is closed when it has no users, who wait for it or set it.
+// nobody waits while holding it.
 CCriticalSection s_lock;
 HANDLE s_fileEvent = CreateEventW(nullptr, TRUE, FALSE, L"file_event");
-std::atomic<int> s_users = 0;
+std::atomic<int> s_waiters = 0;
 
-// Not under the lock, which the caller that wakes wants at once for its next request.
 void SetEventOfProcess() {
-    HANDLE event = nullptr;
-    {
-        const CSingleLock lock(&s_lock, TRUE);
-        if (s_fileEvent == nullptr) return;
-        event = s_fileEvent;
-        ++s_users;
-    }
-    SetEvent(event);
-    --s_users;
+    const CSingleLock lock(&s_lock, TRUE);
+    if (s_fileEvent != nullptr) SetEvent(s_fileEvent);
 }
 
 }  // namespace
@@ -55,7 +47,7 @@ void UsbLife::Close() {
     }
     if (event == nullptr) return;
     SetEvent(event);
-    while (s_users != 0) Sleep(kAgainMilliseconds);
+    while (s_waiters != 0) Sleep(kAgainMilliseconds);
     CloseHandle(event);
 }
 
@@ -66,7 +58,7 @@ bool UsbLife::BeginRequest(DWORD reply) {
     ResetEvent(m_awaitedEvent);
     m_reply = reply;
     m_awaitedReply = reply;
-    ++s_users;
+    ++s_waiters;
     return true;
 }
 
@@ -80,7 +72,7 @@ bool UsbLife::AwaitReply() {
         isOver = m_phase == Closed || (m_sendIsOver && m_awaitedReply.compare_exchange_strong(reply, 0));
         if (waited == WAIT_OBJECT_0 && m_awaitedReply != 0) Sleep(kAgainMilliseconds);
     }
-    --s_users;
+    --s_waiters;
     return !isOver;
 }
 
