@@ -10,7 +10,7 @@ if(CMAKE_BUILD_TYPE STREQUAL Checked)
     # The guarded stack of the checked objects, for programs that are not themselves built with it.
     target_link_libraries(toolkit INTERFACE $<INSTALL_INTERFACE:ssp>)
 endif()
-install(TARGETS RegistryRules RulesC framework ZmUiCtrl ZmCoreSv toolkit decisions EXPORT RegistryRulesTargets
+install(TARGETS RegistryRules RulesC RegistryRulesFramework ZmUiCtrl ZmCoreSv toolkit decisions EXPORT RegistryRulesTargets
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(TARGETS RulesHost RulesProbe RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES ${CMAKE_ARCHIVE_OUTPUT_DIRECTORY}/RulesC.lib DESTINATION ${CMAKE_INSTALL_LIBDIR})
@@ -30,7 +30,7 @@ foreach(folder framework siblings helpers registry crypto files transports profi
 endforeach()
 
 install(EXPORT RegistryRulesTargets NAMESPACE RegistryRules:: DESTINATION ${package_cmake})
-set(package_dlls RegistryRules.dll RulesC.dll framework.dll ZmUiCtrl.dll ZmCoreSv.dll ${toolchain_dlls})
+set(package_dlls RegistryRules.dll RulesC.dll RegistryRulesFramework.dll ZmUiCtrl.dll ZmCoreSv.dll ${toolchain_dlls})
 configure_package_config_file(cmake/RegistryRulesConfig.cmake.in ${CMAKE_BINARY_DIR}/RegistryRulesConfig.cmake
     INSTALL_DESTINATION ${package_cmake} PATH_VARS CMAKE_INSTALL_BINDIR)
 write_basic_package_version_file(${CMAKE_BINARY_DIR}/RegistryRulesConfigVersion.cmake COMPATIBILITY SameMajorVersion)

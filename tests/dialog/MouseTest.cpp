@@ -317,7 +317,8 @@ TEST_F(Mouse, OnlyYesGivesTheEditsUpAndTheOwnerIsBackBeforeTheDialogGoes) {
         d.Key(VK_ESCAPE);
         if (IsWindowVisible(box)) d.AnswerBox(IDNO);  // Windows leaves it open; Wine 8.0 closes it
         {
-            const ImportPatch<decltype(&MessageBoxW)> cannotShow(LoadedModule(L"framework.dll"), "MessageBoxW",
+            const ImportPatch<decltype(&MessageBoxW)> cannotShow(LoadedModule(L"RegistryRulesFramework.dll"),
+                                                                 "MessageBoxW",
                                                                  [](HWND, LPCWSTR, LPCWSTR, UINT) { return 0; });
             d.Key(VK_ESCAPE);
         }

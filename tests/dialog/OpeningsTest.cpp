@@ -11,8 +11,8 @@ class Openings : public RulesDialog {};
 TEST_F(Openings, LeaveTheLastDragImageAndTheKeysThatWereExpandedAlone) {
     constexpr int openings = 40;
     Work({{Click(IDCANCEL)}});  // what is made once per process is made now
-    const ResourceCounter counter(
-        {LoadedModule(L"framework.dll"), LoadedModule(L"ZmUiCtrl.dll"), LoadedModule(L"RegistryRules.dll")});
+    const ResourceCounter counter({LoadedModule(L"RegistryRulesFramework.dll"), LoadedModule(L"ZmUiCtrl.dll"),
+                                   LoadedModule(L"RegistryRules.dll")});
     {
         CRegistryRulesCtrl shown;
         shown.AddKeyRule(L"HKCU\\a", 1, 0);

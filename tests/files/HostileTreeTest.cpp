@@ -112,10 +112,11 @@ bool MayEveryoneWrite(const std::wstring& path) {
 
 TEST_F(HostileTree, TheSearchFindsEverythingOnceAndShowsNoPrefix) {
     static int s_ended = 0;
-    const ImportPatch<decltype(&FindClose)> ended(LoadedModule(L"framework.dll"), "FindClose", [](HANDLE search) {
-        ++s_ended;
-        return FindClose(search);
-    });
+    const ImportPatch<decltype(&FindClose)> ended(LoadedModule(L"RegistryRulesFramework.dll"), "FindClose",
+                                                  [](HANDLE search) {
+                                                      ++s_ended;
+                                                      return FindClose(search);
+                                                  });
     Names all;
     const CString top = m_long.Left(120), deep = In(m_source, m_long);
     for (const LPCWSTR name : {L"file", L"read-only", L"hidden", L"\xd83d\xde00.txt", L"Folder", L"inside", L"outside",

@@ -89,7 +89,7 @@ TEST_F(TextFile, AMarkThatCannotBeWrittenFailsTheOpeningAndClosesTheFile) {
     EXPECT_FALSE(file.Open(m_cut, kNew, &problem));
     EXPECT_EQ(problem.m_lOsError, LONG{ERROR_INVALID_NAME});
     const ImportPatch<decltype(&WriteFile)> full(
-        LoadedModule(L"framework.dll"), "WriteFile",
+        LoadedModule(L"RegistryRulesFramework.dll"), "WriteFile",
         [](HANDLE, LPCVOID, DWORD, LPDWORD, LPOVERLAPPED) -> BOOL { return SetLastError(ERROR_DISK_FULL), FALSE; });
     EXPECT_FALSE(file.Open(m_path.c_str(), kNew, &problem) || file.Open(m_path.c_str(), kNew));
     EXPECT_EQ(std::tuple(problem.m_cause, problem.m_lOsError, problem.m_strFileName),

@@ -53,7 +53,7 @@ TEST(VlpFile, EveryFlagReachesTheSystem) {
     // The transaction is a stand-in, because Wine has none: its CreateTransaction answers a handle that stands for
     // nothing, and kernel32 lacks CreateFileTransactedW. So how the file is opened is seen, not that it is rolled back.
     const ImportPatch<decltype(&GetProcAddress)> transacted(
-        LoadedModule(L"framework.dll"), "GetProcAddress", [](HMODULE, LPCSTR name) -> FARPROC {
+        LoadedModule(L"RegistryRulesFramework.dll"), "GetProcAddress", [](HMODULE, LPCSTR name) -> FARPROC {
             if (std::string_view(name) != "CreateFileTransactedW") return nullptr;
             return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&CreateTransacted));
         });
@@ -118,7 +118,7 @@ TEST(WriteRate, WritersShareWindowsOfOneSecond) {
         s_clock += ms * kTicksPerMs;
     });
     const ImportPatch<decltype(&WriteFile)> write(
-        LoadedModule(L"framework.dll"), "WriteFile",
+        LoadedModule(L"RegistryRulesFramework.dll"), "WriteFile",
         [](HANDLE file, LPCVOID data, DWORD bytes, LPDWORD done, LPOVERLAPPED overlapped) {
             s_writes.push_back(bytes);
             return WriteFile(file, data, bytes, done, overlapped);

@@ -128,7 +128,7 @@ TEST_F(Window, IsBoundFromItsFirstMessageToItsLastAndARefusedOneNotAtAll) {
 TEST_F(Window, IsNotTheInputMethodWindowThatTheSystemMakesBeforeIt) {
     static HWND s_first = nullptr;
     const ImportPatch<decltype(&CreateWindowExW)> patch(
-        LoadedModule(L"framework.dll"), "CreateWindowExW",
+        LoadedModule(L"RegistryRulesFramework.dll"), "CreateWindowExW",
         [](DWORD, LPCWSTR name, LPCWSTR, DWORD style, int, int, int, int, HWND, HMENU, HINSTANCE module, LPVOID) {
             s_first = ::CreateWindowExW(0, L"IME", L"", style, 0, 0, 9, 9, nullptr, nullptr, module, nullptr);
             return ::CreateWindowExW(0, name, L"", style, 0, 0, 9, 9, nullptr, nullptr, module, nullptr);
@@ -188,7 +188,7 @@ TEST_F(Window, WhatAHandlerThrowsOutsideOfADialogIsToldToTheUserAndEndsThere) {
 TEST(MessageBoxes, OfTheUsualKindsHaveAnIcon) {
     static UINT s_type = 0;
     const ImportPatch<decltype(&MessageBoxW)> patch(
-        LoadedModule(L"framework.dll"), "MessageBoxW",
+        LoadedModule(L"RegistryRulesFramework.dll"), "MessageBoxW",
         [](HWND, LPCWSTR, LPCWSTR, UINT type) -> int { return s_type = type, IDNO; });
     const auto shown = [](long type) {
         EXPECT_EQ(g_app.CWinApp::DoMessageBox(L"", static_cast<UINT>(type), 0), IDNO);

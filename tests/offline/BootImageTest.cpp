@@ -214,7 +214,7 @@ TEST(BootImage, WithAnInstallationOf64BitsBothViewsAreReadAndAllIsTakenDown) {
         CRegistryHelper::CreateChildKey(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Made32", nullptr, 0);
         EXPECT_EQ(ValueBelow(L"OS_SOFTWARE\\Only32\\child") + ValueBelow(L"OS_SOFTWARE\\Wow6432Node\\Made32"), L"");
         {
-            const ResourceCounter counter({kSelf, LoadedModule(L"framework.dll")});
+            const ResourceCounter counter({kSelf, LoadedModule(L"RegistryRulesFramework.dll")});
             for (const LPCWSTR path : {L"SOFTWARE\\Both", L"SOFTWARE\\No\\CurrentControlSet"}) Redirected(path);
             EXPECT_GE(counter.Created("registry handle"), 5);
             EXPECT_EQ(counter.Report(), "");

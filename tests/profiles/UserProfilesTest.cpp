@@ -47,7 +47,7 @@ Folders Read(bool verbose = false) {
 template <class Work>
 std::wstring WrittenBy(Work work) {
     std::wstring writes;
-    const SeenCall<RegSetValueExW> setting(LoadedModule(L"framework.dll"), "RegSetValueExW",
+    const SeenCall<RegSetValueExW> setting(LoadedModule(L"RegistryRulesFramework.dll"), "RegSetValueExW",
                                            [&](HKEY, LPCWSTR name, DWORD, DWORD type, const BYTE* data, DWORD bytes) {
                                                const auto text = reinterpret_cast<const wchar_t*>(data);
                                                EXPECT_EQ(std::pair(type, size_t{bytes}),

@@ -85,7 +85,7 @@ TEST_F(RegistryHelper, AKeyMadeInOneViewIsReadBackThere) {
     EXPECT_EQ(Helper(emulated.Key(), L"32", KEY_READ).GetStringValue(L"v"), L"Software\\RrViews\\32");
     // A 32-bit process gets the 64-bit view only by the mask.
     std::wstring made;  // mask and class
-    const SeenCall<RegCreateKeyExW> creation(LoadedModule(L"framework.dll"), "RegCreateKeyExW",
+    const SeenCall<RegCreateKeyExW> creation(LoadedModule(L"RegistryRulesFramework.dll"), "RegCreateKeyExW",
                                              [&](HKEY, LPCWSTR, DWORD, LPWSTR keyClass, DWORD, REGSAM access, auto...) {
                                                  made += std::to_wstring(access) + (keyClass ? keyClass : L"") + L" ";
                                              });
@@ -135,7 +135,7 @@ TEST_F(RegistryHelper, FailuresLeaveNothingOpenAndADeletionItsParent) {
     m_key.AddKey(L"full\\below");
     const CString missing = Path(L"\\missing");
     const CString bad = CString(L'x', 300);
-    const ResourceCounter counter({GetModuleHandleW(nullptr), LoadedModule(L"framework.dll")});
+    const ResourceCounter counter({GetModuleHandleW(nullptr), LoadedModule(L"RegistryRulesFramework.dll")});
     Helper key(kUser, Path(), KEY_ALL_ACCESS);
     CRegKey brief;
     brief.Create(key, L"brief", nullptr, REG_OPTION_VOLATILE);
@@ -165,7 +165,8 @@ TEST_F(RegistryHelper, FailuresLeaveNothingOpenAndADeletionItsParent) {
 }
 
 TEST_F(RegistryHelper, ATransactionGoesToTheSystemAndWithoutAHandleTheFallBackDecides) {
-    const ImportPatch<decltype(&GetProcAddress)> find(LoadedModule(L"framework.dll"), "GetProcAddress", FindTransacted);
+    const ImportPatch<decltype(&GetProcAddress)> find(LoadedModule(L"RegistryRulesFramework.dll"), "GetProcAddress",
+                                                      FindTransacted);
     // Any handle will do: the system's transactions are out of reach here.
     CRegistryTransaction transaction(CreateEventW(nullptr, TRUE, FALSE, nullptr), FALSE);
     CRegistryTransaction allowed(nullptr, TRUE);

@@ -1,6 +1,6 @@
 // Counts what a set of modules creates and destroys by imported calls, as long as the object lives:
 //
-//     ResourceCounter counter({LoadedModule(L"framework.dll"), LoadedModule(L"RegistryRules.dll")});
+//     ResourceCounter counter({LoadedModule(L"RegistryRulesFramework.dll"), LoadedModule(L"RegistryRules.dll")});
 //     for (int i = 0; i < 200; ++i) OpenAndEnd();
 //     EXPECT_GE(counter.Created("window"), 200);
 //     EXPECT_EQ(counter.Report(), "");

@@ -9,7 +9,7 @@ TEST_F(UsbSession, EndsAThreadOnlyWhenItHasBegun) {
         static int s_started = 0;
         static int s_ended = 0;
         const ImportPatch<decltype(&ResumeThread)> late(
-            LoadedModule(L"framework.dll"), "ResumeThread", [](HANDLE thread) -> DWORD {
+            LoadedModule(L"RegistryRulesFramework.dll"), "ResumeThread", [](HANDLE thread) -> DWORD {
                 if (++s_started == 1) return ResumeThread(thread);
                 std::thread([thread] {
                     while (s_looks < 300) Sleep(1);  // more than it takes to find a thread at rest

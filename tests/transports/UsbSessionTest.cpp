@@ -219,7 +219,7 @@ TEST_F(UsbSession, WhatItLacksIsTold) {
     EXPECT_IN_FRESH_PROCESS([&] {
         static int s_threads = 0;
         const ImportPatch<decltype(&_beginthreadex)> none(
-            LoadedModule(L"framework.dll"), "_beginthreadex",
+            LoadedModule(L"RegistryRulesFramework.dll"), "_beginthreadex",
             [](void* security, unsigned stack, unsigned(__stdcall * start)(void*), void* argument, unsigned flags,
                unsigned* id) -> uintptr_t {
                 return ++s_threads == 2 ? 0 : _beginthreadex(security, stack, start, argument, flags, id);
@@ -228,7 +228,7 @@ TEST_F(UsbSession, WhatItLacksIsTold) {
         EXPECT_EQ(s_threads, 2);
     });
     EXPECT_IN_FRESH_PROCESS([&] {
-        const ImportPatch<void* (*)(void*, size_t)> memory(LoadedModule(L"framework.dll"), "realloc",
+        const ImportPatch<void* (*)(void*, size_t)> memory(LoadedModule(L"RegistryRulesFramework.dll"), "realloc",
                                                            [](void*, size_t) -> void* { return nullptr; });
         const Owner owner;
         Connect(owner.Window());
