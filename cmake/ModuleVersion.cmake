@@ -1,9 +1,12 @@
-# module_version(TARGET DESCRIPTION): gives a DLL or program a version resource with the build's version.
+# module_version(TARGET DESCRIPTION): gives a DLL or program a version resource with the build's version, and a program its
+# icon.
 function(module_version target MODULE_DESCRIPTION)
     get_target_property(type ${target} TYPE)
     if(type STREQUAL EXECUTABLE)
         set(MODULE_TYPE VFT_APP)
         set(MODULE_FILE ${target}.exe)
+        set(icon ${PROJECT_SOURCE_DIR}/src/resources/icons/program.ico)
+        set(MODULE_ICON "1 ICON \"${icon}\"")
     else()
         set(MODULE_TYPE VFT_DLL)
         set(MODULE_FILE ${target}.dll)
@@ -11,5 +14,6 @@ function(module_version target MODULE_DESCRIPTION)
     set(MODULE_NAME ${target})
     set(resource ${PROJECT_BINARY_DIR}/version/${target}.rc)
     configure_file(${PROJECT_SOURCE_DIR}/src/resources/Version.rc.in ${resource} @ONLY)
+    set_source_files_properties(${resource} PROPERTIES OBJECT_DEPENDS "${icon}")
     target_sources(${target} PRIVATE ${resource})
 endfunction()
