@@ -5,7 +5,7 @@
 set -uo pipefail
 cd "$(dirname "$0")" || exit 1
 . scripts/packages
-install_missing "${packages[@]}" || exit 1
+install_missing "${run_packages[@]}" || exit 1
 mkdir -p build
 
 step() { printf '%s  %s\n' "$(date +%H:%M:%S)" "$*"; }

@@ -9,8 +9,9 @@ cd "$(dirname "$0")"
 
 step() { printf '%s  %s\n' "$(date +%H:%M:%S)" "$*"; }
 
-install_missing "${packages[@]}"
-[ -n "${DISPLAY:-}" ] || install_missing "${picture_packages[@]}"
+needed=("${run_packages[@]}")
+[ -n "${DISPLAY:-}" ] || needed+=("${picture_packages[@]}")
+install_missing "${needed[@]}"
 
 step "building: windows-release"
 mkdir -p build/run
@@ -18,6 +19,9 @@ if ! { cmake --preset windows-release && cmake --build --preset windows-release 
     >build/windows-release.log 2>&1; then
     grep -E 'error|undefined reference' build/windows-release.log | head -40
     fail "the build (whole log: build/windows-release.log)"
+fi
+if [ ${#missing[@]} -eq 0 ] && grep -q 'ninja: no work to do' build/windows-release.log; then
+    step "nothing was missing, and nothing had to be built"
 fi
 host=build/windows-release/bin/RulesHost.exe
 rules=${1:-build/run/rules.json}

@@ -3,7 +3,7 @@
 set -uo pipefail
 cd "$(dirname "$0")" || exit 1
 . scripts/packages
-install_missing "${packages[@]}" || exit 1
+install_missing "${test_packages[@]}" || exit 1
 
 mkdir -p build
 passed=0 failed=0
