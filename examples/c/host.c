@@ -1,5 +1,5 @@
 /* A host in C99: hands rules in, shows the dialog, prints what it gives back. */
-#include <registry_rules.h>
+#include <registry-rules/registry_rules.h>
 #include <stdio.h>
 
 static int fail(const char* what) {

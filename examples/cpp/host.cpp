@@ -1,7 +1,7 @@
 // A host in C++ by a compiler that shares nothing with the library's: no runtime, no exceptions, no standard library.
 // It captures what its rules select and shows how far it is. Built as
 //     clang++ --target=x86_64-pc-windows-msvc ... host.cpp, lld-link host.obj RulesC.lib kernel32.lib
-#include <registry_rules.h>
+#include <registry-rules/registry_rules.h>
 
 extern "C" {
 __declspec(dllimport) void* __stdcall GetStdHandle(unsigned long which);

@@ -3,6 +3,10 @@
 
 #include <windows.h>
 
+#if __cplusplus <= 201703L || !defined(UNICODE)
+#error "The headers of Registry Rules need -std=c++20 -DUNICODE -D_UNICODE"
+#endif
+
 #ifdef FRAMEWORK_BUILD
 #define AFX_API __declspec(dllexport)
 #else

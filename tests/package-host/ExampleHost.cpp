@@ -1,7 +1,7 @@
+#include <registry-rules/RegistryRulesCtrl.h>
+
 #include <cstdio>
 #include <vector>
-
-#include "rules/RegistryRulesCtrl.h"
 
 struct SavedRule {
     enum Kind { Branch, Key, Value } kind;

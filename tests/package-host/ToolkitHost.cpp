@@ -1,7 +1,7 @@
-#include <cstdio>
+#include <registry-rules/toolkit/registry/RegistryException.h>
+#include <registry-rules/toolkit/registry/RegistryHelper.h>
 
-#include "registry/RegistryException.h"
-#include "registry/RegistryHelper.h"
+#include <cstdio>
 
 int main() {
     try {
