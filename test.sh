@@ -55,6 +55,8 @@ if build windows; then
     for dll in RegistryRules RulesC; do
         if scripts/check-exports build/windows/bin/$dll.dll; then passed=$((passed + 1)); else fail "the export table of $dll"; fi
     done
+    step "reading what the modules are defended by"
+    if scripts/check-hardening build/windows/bin/*.dll build/windows/bin/Rules*.exe; then passed=$((passed + 1)); else fail "the hardening"; fi
     step "asking the system what the library depends on"
     if (cd build && ../scripts/wine-run windows/bin/RulesProbe.exe) >build/probe.log 2>&1; then
         passed=$((passed + 1))

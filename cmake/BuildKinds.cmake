@@ -21,6 +21,12 @@ if(WIN32)
     set(CMAKE_SHARED_LINKER_FLAGS_CHECKED "")
     target_compile_options(project_options INTERFACE $<$<AND:$<CONFIG:Checked>,$<COMPILE_LANGUAGE:CXX>>:${checks}>)
     target_link_options(project_options INTERFACE $<$<CONFIG:Checked>:-fstack-protector-strong>)
+    # What Windows defends a process by: scripts/check-hardening reads it out of the modules again.
+    target_link_options(project_options INTERFACE -Wl,--dynamicbase,--high-entropy-va,--nxcompat)
+    # The same sources give the same bytes, wherever and whenever they are built: see scripts/check-reproducible.
+    target_link_options(project_options INTERFACE -Wl,--no-insert-timestamp)
+    target_compile_options(project_options INTERFACE
+        $<$<AND:$<CONFIG:Release>,$<COMPILE_LANGUAGE:C,CXX>>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>)
 else()
     target_compile_options(project_options INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(project_options INTERFACE -fsanitize=address,undefined)

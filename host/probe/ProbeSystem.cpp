@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstring>
+#include <filesystem>
 #include <ktmw32.h>
 #include <stdexcept>
 
@@ -126,6 +127,20 @@ std::string WrongPadding(const ProbePlace&) {
     return text;
 }
 
+// A DLL of ours is planted, under a name that nobody has.
+std::string PlantedLibrary(const ProbePlace& place) {
+    const std::filesystem::path before = std::filesystem::current_path();
+    wchar_t ours[MAX_PATH];
+    GetModuleFileNameW(GetModuleHandleW(L"ZmCoreSv.dll"), ours, MAX_PATH);
+    std::filesystem::copy_file(ours, place.File(L"planted.dll"));
+    std::filesystem::current_path(place.folder);
+    const HMODULE planted = LoadLibraryW(L"planted.dll");
+    const std::string seen = YesOrStatus(planted != nullptr);
+    std::filesystem::current_path(before);
+    if (planted != nullptr) FreeLibrary(planted);
+    return seen;
+}
+
 constexpr ProbeRow kRows[] = {
     {37, "a key made in a transaction is taken back", Transactions, "yes", "no (120)"},
     {38, "a hive saved without a privilege", HiveWithoutPrivilege, "status 1314", "status 1314"},
@@ -136,6 +151,7 @@ constexpr ProbeRow kRows[] = {
     {51, "AES without a vector, a padded call after a block", ChainOfPadded, "begins anew", "begins anew"},
     {52, "padding that makes no sense", WrongPadding, "0xC000003E", "0xC0000001"},
     {53, "a symbolic link between keys is made", SymbolicLinks, "yes", "yes"},
+    {54, "a DLL in the current folder is loaded", PlantedLibrary, "no (126)", "no (126)"},
 };
 
 }  // namespace

@@ -111,6 +111,7 @@ std::string YesOrStatus(bool isDone) {
 }
 
 int wmain(int argc, wchar_t** argv) {
+    SetDefaultDllDirectories(LOAD_LIBRARY_SEARCH_SYSTEM32);  // as RulesHost does; row 54 asks whether it counts
     try {
         return Probe(argc > 1 ? argv[1] : L"RulesProbe-report.txt");
     } catch (const std::exception& problem) {
