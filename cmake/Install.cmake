@@ -25,6 +25,10 @@ install(CODE "set(SOURCE \"${PROJECT_SOURCE_DIR}/src\")\nset(TARGET \"${package_
 install(SCRIPT cmake/PackageHeaders.cmake)
 install(DIRECTORY ${package_headers}/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
+# All that is installed, without tests and benches.
+add_custom_target(shipped DEPENDS RegistryRules RulesC RulesC_lib RegistryRulesFramework ZmUiCtrl ZmCoreSv toolkit decisions
+    RulesHost RulesProbe)
+
 # The package of CMake. A component is a name for what find_package can be asked for, and for the DLLs that it takes.
 install(EXPORT RegistryRulesTargets NAMESPACE RegistryRules:: DESTINATION ${package_cmake})
 configure_package_config_file(cmake/RegistryRulesConfig.cmake.in ${CMAKE_BINARY_DIR}/RegistryRulesConfig.cmake

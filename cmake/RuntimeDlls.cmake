@@ -12,7 +12,9 @@ foreach(dll ${toolchain_dlls})
     set(copy ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${dll})
     if(NOT EXISTS ${copy} OR ${path} IS_NEWER_THAN ${copy})
         file(MAKE_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
-        execute_process(COMMAND ${CMAKE_STRIP} -o ${copy} ${path} COMMAND_ERROR_IS_FATAL ANY)
+        # Without the time of day in the header.
+        execute_process(COMMAND ${CMAKE_COMMAND} -E env SOURCE_DATE_EPOCH=0 ${CMAKE_STRIP} -o ${copy} ${path}
+            COMMAND_ERROR_IS_FATAL ANY)
     endif()
     list(APPEND runtime_dlls ${copy})
 endforeach()
