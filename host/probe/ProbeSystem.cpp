@@ -135,7 +135,7 @@ std::string PlantedLibrary(const ProbePlace& place) {
     std::filesystem::copy_file(ours, place.File(L"planted.dll"));
     std::filesystem::current_path(place.folder);
     const HMODULE planted = LoadLibraryW(L"planted.dll");
-    const std::string seen = YesOrStatus(planted != nullptr);
+    std::string seen = YesOrStatus(planted != nullptr);
     std::filesystem::current_path(before);
     if (planted != nullptr) FreeLibrary(planted);
     return seen;
