@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "controls/AccessibleName.h"
 #include "controls/CellGeometry.h"
 #include "entry/InPlaceCombo.h"
 #include "entry/InPlaceEdit.h"
@@ -155,6 +156,7 @@ void CComboListCtrl::ShowInPlaceEdit(int row, int column, const CString& text) {
     --rect.bottom;
     CInPlaceEdit::GetInstance()->ShowEditCtrl(m_dwEditCtrlStyle, rect, this, 0, row, column, m_strValidEditCtrlChars,
                                               text);
+    NameEditor(CInPlaceEdit::GetInstance()->m_hWnd, column);
 }
 
 CInPlaceCombo* CComboListCtrl::ShowInPlaceCombo(int row, int column, const CStringList& items, const CString& text,
@@ -167,7 +169,18 @@ CInPlaceCombo* CComboListCtrl::ShowInPlaceCombo(int row, int column, const CStri
     rect.bottom += rect.Height() * DropDownRows(static_cast<int>(items.GetCount()));
     CInPlaceCombo* combo = CInPlaceCombo::GetInstance();
     const BOOL shown = combo->ShowComboCtrl(m_dwDropDownCtrlStyle, rect, this, 0, row, column, items, text, selection);
-    return shown ? combo : nullptr;
+    if (!shown) return nullptr;
+    NameEditor(combo->m_hWnd, column);
+    return combo;
+}
+
+void CComboListCtrl::NameEditor(HWND editor, int column) const {
+    WCHAR header[80] = {};
+    LVCOLUMNW asked{};
+    asked.mask = LVCF_TEXT;
+    asked.pszText = header;
+    asked.cchTextMax = static_cast<int>(std::size(header));
+    if (ListView_GetColumn(m_hWnd, column, &asked)) SetAccessibleName(editor, header);
 }
 
 bool CComboListCtrl::EndOpenEdit() {

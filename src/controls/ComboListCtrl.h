@@ -70,6 +70,8 @@ private:
     std::vector<int> ColumnWidths() const;
     LRESULT TellParent(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const;
     void TakeFocus();
+    // By the header of its column.
+    void NameEditor(HWND editor, int column) const;
 
     ColumnSet m_ComboColumns;
     ColumnSet m_ReadOnlyColumns;

@@ -1,5 +1,6 @@
 #include "dialog/RegistryRulesDlg.h"
 
+#include "controls/AccessibleName.h"
 #include "entry/PrivateMessages.h"
 #include "helpers/ResourceString.h"
 
@@ -82,7 +83,22 @@ BOOL CRegistryRulesDlg::OnInitDialog() {
     m_registryTree.SetFocus();
     m_deleteButton.ModifyStyle(WS_TABSTOP, 0);
     LayoutStrip();
+    NameControls();
     return FALSE;
+}
+
+void CRegistryRulesDlg::NameControls() {
+    // The boxes stand before their labels in the tab order, so the system finds none for them.
+    const std::pair<CWnd*, CWnd*> labelled[] = {{&m_typeCombo, &m_typeLabel},  {&m_typeHeaderFrame, &m_typeLabel},
+                                                {&m_keyEdit, &m_keyLabel},     {&m_keyHeaderFrame, &m_keyLabel},
+                                                {&m_valueEdit, &m_valueLabel}, {&m_valueHeaderFrame, &m_valueLabel}};
+    for (const auto& [control, label] : labelled) {
+        CString name;
+        label->GetWindowText(name);
+        SetAccessibleName(*control, name);
+    }
+    SetAccessibleName(m_registryTree, L"Registry");
+    SetAccessibleName(m_ruleList, L"Rules");
 }
 
 void CRegistryRulesDlg::OnOK() {

@@ -100,6 +100,8 @@ protected:
     DECLARE_MESSAGE_MAP()
 
 private:
+    void NameControls();
+
     // DlgRows.cpp
     void InitRuleList();
     void InsertColumns();

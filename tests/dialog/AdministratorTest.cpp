@@ -1,6 +1,7 @@
 // The editor as an administrator works it, from the host's rules to the host's rules: rows made, edited in place and
 // deleted, and the ways of ending.
 #include <gtest/gtest.h>
+#include <oleacc.h>
 
 #include "dialog/RulesDialog.h"
 
@@ -19,6 +20,24 @@ protected:
     static void ClickCloseBox(Dialog& d) {
         const RECT frame = Frame(d.Window());
         d.Click(POINT{frame.right - 13, frame.top + 12});
+    }
+    // The name that a screen reader says of what has the focus.
+    static Act Hear(const std::wstring& expected) {
+        return [=](Dialog& d) {
+            void* object = nullptr;
+            BSTR name = nullptr;
+            VARIANT self{};
+            self.vt = VT_I4;
+            CoInitialize(nullptr);
+            AccessibleObjectFromWindow(d.Focus(), OBJID_CLIENT, __uuidof(IAccessible), &object);
+            if (auto* const heard = static_cast<IAccessible*>(object)) {
+                heard->get_accName(self, &name);
+                heard->Release();
+            }
+            EXPECT_EQ(std::wstring(name, SysStringLen(name)), expected);
+            SysFreeString(name);
+            CoUninitialize();
+        };
     }
 };
 
@@ -100,6 +119,7 @@ TEST_F(Administrator, ChangesCellsByMouseAndKeys) {
                   {Type(L"name\r"), L"cell= focus=list rows=Value|HKCU\\a|name;"},
                   // The value cell decides the kind; blanks count as nothing and stay.
                   {Open(0, 2), L"cell=name focus=cell"},
+                  {Hear(L"Value")},
                   {Type(L"  \r"), L"cell= focus=list rows=Branch|HKCU\\a|  ;"},
                   {Open(0, 2), L"cell=   focus=cell"},
                   {Type(L" n \r"), L"cell= focus=list rows=Value|HKCU\\a| n ;"},
@@ -107,6 +127,7 @@ TEST_F(Administrator, ChangesCellsByMouseAndKeys) {
                   {Type(L"\b\r"), L"cell= focus=list rows=Branch|HKCU\\a|;"},
                   // By keys; what is left of the Return must not end the edit that it opens.
                   {Open(0, 0), L"cell=Branch focus=cell"},
+                  {Hear(L"Type")},
                   {Press(VK_END), L"cell=Value"},
                   {Type(L"\r"), L"cell=(Default) rows=Value|HKCU\\a|(Default);"},
                   {Press(VK_ESCAPE), L"cell= focus=list"},
