@@ -1,8 +1,6 @@
 #include "controls/AccessibleName.h"
 
 #include <commctrl.h>
-
-#include <memory>
 #include <oleacc.h>
 
 namespace {
@@ -137,6 +135,6 @@ void SetAccessibleName(HWND window, const CString& name) {
         *before = name;
         return;
     }
-    auto kept = std::make_unique<CString>(name);
-    if (SetWindowSubclass(window, AnswerWithName, 0, 0) && SetPropW(window, kNameProperty, kept.get())) kept.release();
+    auto* const kept = new CString(name);
+    if (!SetWindowSubclass(window, AnswerWithName, 0, 0) || !SetPropW(window, kNameProperty, kept)) delete kept;
 }
