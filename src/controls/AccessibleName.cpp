@@ -1,6 +1,7 @@
 #include "controls/AccessibleName.h"
 
 #include <commctrl.h>
+
 #include <oleacc.h>
 
 namespace {
