@@ -3,7 +3,7 @@
 // for sending it ("RulesProbe-report.txt" here when it is not named). Changes nothing but in a folder and a key of its
 // own, which it removes; asks for no rights beyond a user's.
 //
-// Exit code: 0 when each answer is one that is known, 1 when one differs, 2 when it cannot work.
+// Exit code: 0 when each answer that there is is known, 1 when one differs, 2 when it cannot work.
 #include <windows.h>
 
 #include <cstdio>
@@ -67,40 +67,43 @@ bool IsWine() {
     return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
 }
 
-// False when the answer is one that nobody expects.
-bool Tell(Report& report, const ProbeRow& row, const ProbePlace& place) {
+enum Outcome { Known, Different, NotAsked };
+
+Outcome Tell(Report& report, const ProbeRow& row, const ProbePlace& place) {
     std::string seen;
     std::string verdict;
-    bool isKnown = true;
+    Outcome outcome = Known;
     try {
         SetLastError(0);
         seen = row.look(place);
         const bool isWindows = row.windows != nullptr && seen == row.windows;
         const bool isWine = row.wine != nullptr && seen == row.wine;
-        isKnown = row.windows == nullptr || isWindows || isWine;
+        if (row.windows != nullptr && !isWindows && !isWine) outcome = Different;
         verdict = row.windows == nullptr ? "told"
                   : isWindows            ? (isWine ? "as on both" : "as on Windows")
                   : isWine               ? "as on Wine"
                                          : std::string("DIFFERS: expected ") + row.windows;
     } catch (const std::exception& problem) {
+        outcome = NotAsked;
         verdict = std::string("not asked: ") + problem.what();
     }
     report.Line(Padded(std::to_string(row.number), 4) + Padded(row.question, 52) + Padded(seen, 26) + verdict);
-    return isKnown;
+    return outcome;
 }
 
 int Probe(const wchar_t* file) {
     const ScopedPlace scoped;
     Report report;
     report.Line(std::string("RulesProbe on ") + (IsWine() ? "Wine" : "Windows"));
-    int differences = 0;
+    int counts[3] = {};
     for (const auto rows : {ControlRows(), FileRows(), SystemRows()}) {
-        for (const ProbeRow& row : rows) differences += Tell(report, row, scoped.place) ? 0 : 1;
+        for (const ProbeRow& row : rows) ++counts[Tell(report, row, scoped.place)];
     }
-    report.Line(differences == 0 ? "Every answer is one that the library knows."
-                                 : std::to_string(differences) + " answer(s) differ.");
+    report.Line(counts[Different] == 0 ? "Every answer is one that the library knows."
+                                       : std::to_string(counts[Different]) + " answer(s) differ.");
+    if (counts[NotAsked] != 0) report.Line(std::to_string(counts[NotAsked]) + " row(s) could not be asked.");
     if (!report.Save(file)) throw std::runtime_error("the report cannot be written");
-    return differences == 0 ? 0 : 1;
+    return counts[Different] == 0 ? 0 : 1;
 }
 
 }  // namespace
