@@ -104,6 +104,10 @@ private:
 
 // 0 when the system has nothing to say of the window.
 LRESULT AnswerWithName(HWND window, WPARAM wParam, const CString& name) {
+    // Who asked may keep the object longer than the host keeps this module, so from now on it stays.
+    HMODULE module = nullptr;
+    constexpr DWORD kPin = GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS;
+    if (!GetModuleHandleExW(kPin, kNameProperty, &module)) return 0;
     void* system = nullptr;
     if (FAILED(CreateStdAccessibleObject(window, OBJID_CLIENT, kAccessibleId, &system))) return 0;
     auto* const object = new NamedObject(static_cast<IAccessible*>(system), name);
