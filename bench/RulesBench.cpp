@@ -1,6 +1,7 @@
 // Reading all rules back through the exported class takes time in proportion to their number, though the sets are lists
 // and the class reads them by index. "Bare" walks a standard list of the same texts and copies them out; memory that no
 // longer fits into the caches slows both alike.
+#include <cstdint>
 #include <cstdio>
 #include <list>
 #include <registry_rules.h>

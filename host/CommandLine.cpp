@@ -31,8 +31,8 @@ constexpr unsigned kWriting = Bit(HostCommand::Capture) | Bit(HostCommand::Apply
 struct Option {
     const char* name;
     unsigned commands;
-    bool CommandLine::*flag;
-    std::wstring CommandLine::*text;
+    bool CommandLine::* flag;
+    std::wstring CommandLine::* text;
 };
 
 const std::array<Option, 6> kOptions{{

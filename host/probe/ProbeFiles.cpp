@@ -82,7 +82,7 @@ std::string CopyOntoHidden(const ProbePlace& place) {
 }
 
 std::string FolderWithBackslash(const ProbePlace& place) {
-    struct _stat64 status {};
+    struct _stat64 status{};
     return _wstat64((place.folder + L"\\").c_str(), &status) == 0 ? "found" : "refused";
 }
 

@@ -12,7 +12,7 @@ namespace {
 constexpr std::array<std::size_t, 5> kExpandPrefixChars{4, 4, 4, 3, 4};
 
 // Each hive works on the text that the hives before it left.
-std::wstring ReplaceLeading(std::wstring_view path, const HiveTable& hives, std::wstring Hive::*leading) {
+std::wstring ReplaceLeading(std::wstring_view path, const HiveTable& hives, std::wstring Hive::* leading) {
     std::wstring text(path);
     for (const Hive& hive : hives) {
         const std::wstring& prefix = hive.*leading;

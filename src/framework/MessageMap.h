@@ -154,7 +154,7 @@ protected:                                        \
         using TheBaseClass = base_class;                 \
         static const AFX_MSGMAP_ENTRY messageEntries[] = {
 #define END_MESSAGE_MAP()                                                                    \
-    { 0, 0, 0, nullptr }                                                                     \
+    AFX_MSGMAP_ENTRY {}                                                                      \
     }                                                                                        \
     ;                                                                                        \
     static const AFX_MSGMAP messageMap = {&TheBaseClass::GetThisMessageMap, messageEntries}; \

@@ -26,7 +26,7 @@ CShellFolderPathHelper::CShellFolderPathHelper(const CString& sid, const CString
 }
 
 CString& CShellFolderPathHelper::Path(UserPath path) {
-    static constexpr CString CShellFolderPathHelper::*kMembers[kUserPathCount] = {
+    static constexpr CString CShellFolderPathHelper::* kMembers[kUserPathCount] = {
         &CShellFolderPathHelper::_profilePath,   &CShellFolderPathHelper::_localProfilePath,
         &CShellFolderPathHelper::m_desktop,      &CShellFolderPathHelper::m_personal,
         &CShellFolderPathHelper::m_myPictures,   &CShellFolderPathHelper::m_myVideo,

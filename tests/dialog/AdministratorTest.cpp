@@ -79,7 +79,9 @@ TEST_F(Administrator, FindsTheRowsOfTheHostAndGivesBackWhatTheyBecome) {
               (Texts{L"Branch|HKEY_CURRENT_USER\\Software\\C|0", L"Key|HKEY_LOCAL_MACHINE\\Software\\B|2",
                      L"Key|HKEY_CURRENT_USER\\Software\\C|3", L"Branch|HKEY_CURRENT_USER\\SOFTWARE\\a|4",
                      L"Value|HKEY_CURRENT_USER\\Environment|TEMP|1", L"Value|HKEY_USERS\\.default\\e||5"}));
-    { const CRegistryRulesCtrl second; }
+    {
+        const CRegistryRulesCtrl second;
+    }
     EXPECT_EQ(HostRules(), Texts{}) << "the end of one control takes the rules of all";
     EXPECT_EQ(driver.BoxTexts(), Texts{});
 }

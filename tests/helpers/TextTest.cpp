@@ -199,11 +199,7 @@ TEST(NumberFormat, GroupsSeparatorsAndSignsAreTheSystemsLocales) {
         {{L"###", L"\u202F", L"3;2;0", 1, 0}, {L"12\u202F34\u202F56\u202F789", L"-1\u202F234", L"###50"}}};
     for (const auto& [locale, texts] : rows) {
         ExpectUnder(
-            locale,
-            [] {
-                return Texts{FormatUnsigned(123456789), FormatSigned(-1234), FormatDecimal(0.5)};
-            },
-            texts);
+            locale, [] { return Texts{FormatUnsigned(123456789), FormatSigned(-1234), FormatDecimal(0.5)}; }, texts);
     }
 }
 
