@@ -15,17 +15,17 @@ void RegistryChanges::LeaveKey() {
 
 void RegistryChanges::EnterKey(LinkMode mode) {
     m_isPending = false;
-    const auto place = m_target.Find(m_key);
-    m_target.NoteChange(*place);
-    Check(CreateKey(*place, mode, m_handle), "the key cannot be made");
+    const KeyPlace place = m_target.At(m_key);
+    m_target.NoteChange(place);
+    Check(CreateKey(place, mode, m_handle), "the key cannot be made");
 }
 
 void RegistryChanges::OnKeyRemoval(const KeyName& key) {
     LeaveKey();
     m_key = key;
-    const auto place = m_target.Find(key);
-    m_target.NoteChange(*place);
-    Check(RemoveBranch(*place), "the key cannot be removed");
+    const KeyPlace place = m_target.At(key);
+    m_target.NoteChange(place);
+    Check(RemoveBranch(place), "the key cannot be removed");
 }
 
 void RegistryChanges::OnValue(std::wstring_view name, std::uint32_t type, std::span<const std::uint8_t> data) {

@@ -62,6 +62,11 @@ std::optional<KeyPlace> RegistryTarget::Find(const KeyName& key) const {
     return KeyPlace{HandleOf(mapped->hive), std::move(mapped->subkey)};
 }
 
+KeyPlace RegistryTarget::At(const KeyName& key) const {
+    if (auto place = Find(key)) return *std::move(place);
+    throw CarryException(CarryFailure::Failed, "the installation has no such key", FormatKeyName(key));
+}
+
 void RegistryTarget::NoteChange(const KeyPlace& place) {
     for (const auto& mount : m_mounts) {
         if (place.path.starts_with(mount->Name())) mount->NoteChange();

@@ -28,6 +28,8 @@ public:
 
     // None for a key that an installation on another drive has not got.
     std::optional<KeyPlace> Find(const KeyName& key) const;
+    // For a key that was found before; throws CarryException where Find has none.
+    KeyPlace At(const KeyName& key) const;
 
     // What has been changed through places replaces the files of the mounted hives; nothing else is written. Throws
     // CarryException; the hives that come after the one that failed stay as they were.

@@ -43,8 +43,8 @@ void UndoFile::EnterKey(LinkMode mode) {
     m_handle.reset();
     m_isCovered = IsCovered(m_key);
     if (m_isCovered) return;
-    const auto place = m_target.Find(m_key);
-    const LONG status = OpenKey(place->root, place->path, KEY_READ, mode, m_handle);
+    const KeyPlace place = m_target.At(m_key);
+    const LONG status = OpenKey(place.root, place.path, KEY_READ, mode, m_handle);
     if (status == ERROR_FILE_NOT_FOUND) return TellAbsence();
     if (status != ERROR_SUCCESS) {
         throw CarryException(CarryFailure::Failed, "the key cannot be read and so not be put back",
@@ -66,9 +66,9 @@ bool UndoFile::IsCovered(const KeyName& key) const {
 }
 
 bool UndoFile::IsThere(const KeyName& key) const {
-    const auto place = m_target.Find(key);
+    const KeyPlace place = m_target.At(key);
     UniqueKey handle;
-    return OpenKey(place->root, place->path, KEY_QUERY_VALUE, LinkMode::Open, handle) != ERROR_FILE_NOT_FOUND;
+    return OpenKey(place.root, place.path, KEY_QUERY_VALUE, LinkMode::Open, handle) != ERROR_FILE_NOT_FOUND;
 }
 
 void UndoFile::OnKeyRemoval(const KeyName& key) {
@@ -76,7 +76,7 @@ void UndoFile::OnKeyRemoval(const KeyName& key) {
     if (IsCovered(key) || !IsThere(key)) return;
     const std::wstring path = FormatKeyName(key);
     m_writer.KeyRemoval(path);
-    WalkBranch(*m_target.Find(key), path, *this);
+    WalkBranch(m_target.At(key), path, *this);
     m_covered.Add(Folded(key));
 }
 

@@ -88,6 +88,8 @@ bool CRegistryRulesDlg::MoveSplitter(CPoint point) {
     }
     // The frames of the heads do not paint their inside and carry along what another control has left there by then.
     RedrawWindow(&strip, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
+    // The tree's icons have soft edges, which grow darker when they are painted over themselves.
+    GetDlgItem(IDC_REGISTRY_TREE)->RedrawWindow(nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
     m_splitterRect.left -= delta;
     m_splitterRect.right -= delta;
     return true;
