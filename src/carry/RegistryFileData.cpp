@@ -57,7 +57,8 @@ std::size_t RegistryFileReader::ReadData(std::wstring_view piece, std::size_t at
         ++at;
         const bool isEmpty = at < piece.size() && piece[at] == L')';
         const auto type = isEmpty ? 0 : ReadHexNumber(piece, at, false);
-        if (!type || at == piece.size() || piece[at++] != L')') return Skip(piece, SkippedLine::BrokenValue);
+        if (!type || at == piece.size() || piece[at] != L')') return Skip(piece, SkippedLine::BrokenValue);
+        ++at;
         m_type = *type;
     }
     if (at == piece.size() || piece[at] != L':') return Skip(piece, SkippedLine::BrokenValue);

@@ -75,6 +75,7 @@ void ModalScope::KeepCurrentException() {
     } catch (CException* dropped) {
         dropped->Delete();
     } catch (...) {
+        // The first one is thrown again, and only one can be.
     }
 }
 
