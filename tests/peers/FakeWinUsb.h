@@ -91,7 +91,9 @@ private:
         std::string piece;
         if (onCable[1]) onCable[1](piece.assign(buffer, buffer + got));
         std::copy(piece.begin(), piece.end(), buffer);
-        return Answer(failedReads > 0 && failedReads-- > 0 ? ERROR_SEM_TIMEOUT : 0);
+        if (failedReads == 0) return Answer(0);
+        --failedReads;
+        return Answer(ERROR_SEM_TIMEOUT);
     }
     template <class Function>
     static void* Address(Function function) {

@@ -6,7 +6,7 @@
 
 // The status of the CRegistryException that the function throws, or ERROR_SUCCESS when it throws none.
 template <class Function>
-DWORD StatusThrownBy(Function function) {
+DWORD StatusThrownBy(const Function& function) {
     DWORD status = ERROR_SUCCESS;
     Throws<CRegistryException>(function, [&](const CRegistryException& problem) { status = problem.GetStatus(); });
     return status;

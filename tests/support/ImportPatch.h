@@ -14,6 +14,7 @@
 #include <functional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "support/Narrow.h"
 
@@ -61,9 +62,9 @@ public:
 private:
     void Write(void* value) {
         DWORD protection = 0;
-        VirtualProtect(m_slot, sizeof *m_slot, PAGE_READWRITE, &protection);
+        VirtualProtect(static_cast<void*>(m_slot), sizeof *m_slot, PAGE_READWRITE, &protection);
         *m_slot = value;
-        VirtualProtect(m_slot, sizeof *m_slot, protection, &protection);
+        VirtualProtect(static_cast<void*>(m_slot), sizeof *m_slot, protection, &protection);
     }
 
     void** m_slot;
@@ -101,8 +102,8 @@ public:
               s_after(arguments...);
               return result;
           }) {
-        s_before = before;
-        s_after = after;
+        s_before = std::move(before);
+        s_after = std::move(after);
         s_real = m_patch.Original();
     }
 

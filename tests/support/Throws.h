@@ -7,7 +7,7 @@
 
 // Whether `work` throws an exception of the class; `see` looks at it.
 template <class Exception, class Work>
-bool Throws(Work work, const std::function<void(const Exception&)>& see = [](const Exception&) {}) {
+bool Throws(const Work& work, const std::function<void(const Exception&)>& see = [](const Exception&) {}) {
     try {
         work();
     } catch (Exception* problem) {
