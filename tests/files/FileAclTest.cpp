@@ -134,7 +134,7 @@ TEST(FileAcl, FailingCallsAndOddDescriptorsLeaveNothingBehind) {
         {CString(L"C:\0x", 4), CFileException::badPath, ERROR_INVALID_NAME},
         {path, CFileException::genericException, ERROR_FILE_NOT_FOUND}};
     for (const auto& [name, cause, error] : refused)
-        EXPECT_EQ(ProblemOf([&name = name] { CFileAcl acl(name); }), std::tuple(cause, error, name));
+        EXPECT_EQ(ProblemOf([&file = name] { CFileAcl acl(file); }), std::tuple(cause, error, name));
     const std::wstring installer = L"S-1-5-80-956008885-3418522649-1831038044-1853292631-2271478464";
     const std::wstring entries = L"D:(A;;FR;;;SY)(A;;FR;;;" + installer + L")(A;;FR;;;" + installer + L")";
     const GivenSecurity file((L"O:" + installer + entries).c_str());

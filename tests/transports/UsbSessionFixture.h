@@ -84,7 +84,7 @@ protected:
     }
     // What a request gives that waits for the peer: what goes and what comes, in turns.
     template <class Work>
-    auto Ask(Work work, const std::vector<std::string>& exchange) {
+    auto Ask(const Work& work, const std::vector<std::string>& exchange) {
         auto result = std::async(std::launch::async, work);
         for (size_t i = 0; i < exchange.size(); i += 2) {
             EXPECT_EQ(usb.Take(exchange[i].size() / 2), exchange[i]);

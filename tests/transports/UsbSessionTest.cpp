@@ -28,7 +28,7 @@ TEST_F(UsbSession, ServesThePeerAndTellsItsOwner) {
         Connect(owner.Window());
         const std::string h = Open(L"f");
         const std::string full = Open(L"full");
-        std::memcpy(&s_full, FromHex(full).data(), sizeof(s_full));
+        std::memcpy(static_cast<void*>(&s_full), FromHex(full).data(), sizeof(s_full));
         EXPECT_EQ(owner.Take(33), "Opening 'f'...;Opening 'full'...;");
         const struct {
             std::string comes;
