@@ -58,7 +58,7 @@ if build windows; then
     step "reading what the modules are defended by"
     if scripts/check-hardening build/windows/bin/*.dll build/windows/bin/Rules*.exe; then passed=$((passed + 1)); else fail "the hardening"; fi
     step "asking the system what the library depends on"
-    if (cd build && ../scripts/wine-run windows/bin/RulesProbe.exe) >build/probe.log 2>&1; then
+    if (cd build && ../scripts/wine-run windows/bin/RulesProbe.exe --dialog) >build/probe.log 2>&1; then
         passed=$((passed + 1))
     else
         grep DIFFERS build/probe.log

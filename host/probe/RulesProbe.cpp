@@ -1,7 +1,8 @@
-// RulesProbe [REPORT]: asks this system what the library depends on and prints a table: how it answers, and whether
-// that is as on Windows, as on Wine, or as on neither, which the library was not made for. Writes the same into REPORT,
-// for sending it ("RulesProbe-report.txt" here when it is not named). Changes nothing but in a folder and a key of its
-// own, which it removes; asks for no rights beyond a user's.
+// RulesProbe [--dialog] [REPORT]: asks this system what the library depends on and prints a table: how it answers, and
+// whether that is as on Windows, as on Wine, or as on neither, which the library was not made for. Writes the same into
+// REPORT, for sending it ("RulesProbe-report.txt" here when it is not named). Changes nothing but in a folder and a key
+// of its own, which it removes; asks for no rights beyond a user's. With --dialog it then works the dialog by mouse and
+// keyboard for some ten seconds, and tells what was seen after each step.
 //
 // Exit code: 0 when each answer that there is is known, 1 when one differs, 2 when it cannot work.
 #include <windows.h>
@@ -9,7 +10,9 @@
 #include <cstdio>
 #include <filesystem>
 #include <stdexcept>
+#include <string_view>
 
+#include "ProbeDialog.h"
 #include "ProbeRows.h"
 #include "carry/KeyAccess.h"
 
@@ -91,13 +94,25 @@ Outcome Tell(Report& report, const ProbeRow& row, const ProbePlace& place) {
     return outcome;
 }
 
-int Probe(const wchar_t* file) {
+Outcome TellStep(Report& report, const DialogStep& step) {
+    const bool isExpected = step.seen == step.expected;
+    report.Line(Padded("", 4) + Padded(step.what, 52) + step.seen);
+    if (!isExpected) report.Line(Padded("", 56) + "DIFFERS: expected " + step.expected);
+    return isExpected ? Known : Different;
+}
+
+int Probe(bool withDialog, const wchar_t* file) {
     const ScopedPlace scoped;
     Report report;
     report.Line(std::string("RulesProbe on ") + (IsWine() ? "Wine" : "Windows"));
     int counts[3] = {};
     for (const auto rows : {ControlRows(), FileRows(), SystemRows()}) {
         for (const ProbeRow& row : rows) ++counts[Tell(report, row, scoped.place)];
+    }
+    if (withDialog) {
+        std::printf("The dialog now works by itself for some ten seconds: leave mouse and keyboard alone.\n");
+        std::fflush(stdout);
+        for (const DialogStep& step : WorkDialog()) ++counts[TellStep(report, step)];
     }
     report.Line(counts[Different] == 0 ? "Every answer is one that the library knows."
                                        : std::to_string(counts[Different]) + " answer(s) differ.");
@@ -116,7 +131,9 @@ std::string YesOrStatus(bool isDone) {
 int wmain(int argc, wchar_t** argv) {
     SetDefaultDllDirectories(LOAD_LIBRARY_SEARCH_SYSTEM32);  // as RulesHost does; row 54 asks whether it counts
     try {
-        return Probe(argc > 1 ? argv[1] : L"RulesProbe-report.txt");
+        const bool withDialog = argc > 1 && std::wstring_view(argv[1]) == L"--dialog";
+        const int report = withDialog ? 2 : 1;
+        return Probe(withDialog, argc > report ? argv[report] : L"RulesProbe-report.txt");
     } catch (const std::exception& problem) {
         std::fprintf(stderr, "RulesProbe: %s\n", problem.what());
         return 2;
