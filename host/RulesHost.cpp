@@ -100,10 +100,10 @@ ExitCode EditRules(const std::wstring& path) {
 }
 
 std::string ExceptionText(CException* problem) {
-    std::wstring text(512, L'\0');
-    const BOOL hasText = problem->GetErrorMessage(text.data(), static_cast<UINT>(text.size()));
+    wchar_t text[512] = L"";
+    const BOOL hasText = problem->GetErrorMessage(text, static_cast<UINT>(std::size(text)));
     problem->Delete();
-    return hasText ? ToReadableUtf8(text.c_str()) : "the rule editor failed";
+    return hasText ? ToReadableUtf8(text) : "the rule editor failed";
 }
 
 }  // namespace

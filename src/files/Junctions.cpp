@@ -26,6 +26,7 @@ UniqueHandle Open(const CString& path, bool forWriting) {
     return MakeUniqueHandle(OpenJunction(path, forWriting));
 }
 
+// cppcheck-suppress passedByValue ; DeviceIoControl takes no constant data
 bool Control(const UniqueHandle& link, DWORD code, std::vector<std::byte> bytes) {
     DWORD unused = 0;
     return DeviceIoControl(link.get(), code, bytes.data(), static_cast<DWORD>(bytes.size()), nullptr, 0, &unused,
