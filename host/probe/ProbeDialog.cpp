@@ -42,9 +42,10 @@ private:
         }
         // However it went, the dialog does not stay.
         for (; !m_isOver; Sleep(kPaceMs)) {
-            if (!IsWindow(m_dialog)) continue;
-            const HWND box = GetWindow(m_dialog, GW_ENABLEDPOPUP);
-            PostMessageW(box != nullptr ? box : m_dialog, WM_COMMAND, box != nullptr ? IDYES : IDCANCEL, 0);
+            const HWND dialog = OwnDialog();
+            if (dialog == nullptr) continue;
+            const HWND box = GetWindow(dialog, GW_ENABLEDPOPUP);
+            PostMessageW(box != nullptr ? box : dialog, WM_COMMAND, box != nullptr ? IDYES : IDCANCEL, 0);
         }
     }
 
@@ -92,12 +93,20 @@ private:
         return false;
     }
 
+    // Another program's dialog of that name is somebody's work. Null when there is none of ours.
+    static HWND OwnDialog() {
+        HWND dialog = nullptr;
+        DWORD process = 0;
+        do {
+            dialog = FindWindowExW(nullptr, dialog, WC_DIALOG, L"Registry Rules");
+            GetWindowThreadProcessId(dialog, &process);
+        } while (dialog != nullptr && process != GetCurrentProcessId());
+        return dialog;
+    }
     void FindDialog() {
         const auto isThere = [&] {
-            DWORD process = 0;
-            m_dialog = FindWindowW(WC_DIALOG, L"Registry Rules");
-            GetWindowThreadProcessId(m_dialog, &process);
-            return process == GetCurrentProcessId() && IsWindowVisible(m_dialog);
+            m_dialog = OwnDialog();
+            return IsWindowVisible(m_dialog) != FALSE;
         };
         if (!IsSoon(isThere)) throw std::runtime_error("no dialog appeared");
         // Clicks are to reach it, whatever else is on the screen.
