@@ -13,15 +13,23 @@ constexpr DWORD kLookMilliseconds = 250;
 
 // One event for all sessions of the process, and gone with the first that is closed. By its name it is also that of
 // every other process of the user's session, so it can be set or reset by sessions that are no business of ours: it
-// tells when to look, and only a look tells what there is. The lock guards it and the steps from one phase to the next;
-// nobody waits while holding it.
+// tells when to look, and only a look tells what there is. The lock guards the handle and the steps from one phase to
+// the next; nobody waits while holding it.
 CCriticalSection s_lock;
 HANDLE s_fileEvent = CreateEventW(nullptr, TRUE, FALSE, L"file_event");
-std::atomic<int> s_waiters = 0;
+std::atomic<int> s_users = 0;  // of the event, which is closed after the last is out
 
+// Not under the lock: whoever wakes by it begins the next request at once.
 void SetEventOfProcess() {
-    const CSingleLock lock(&s_lock, TRUE);
-    if (s_fileEvent != nullptr) SetEvent(s_fileEvent);
+    HANDLE event = nullptr;
+    {
+        const CSingleLock lock(&s_lock, TRUE);
+        event = s_fileEvent;
+        if (event == nullptr) return;
+        ++s_users;
+    }
+    SetEvent(event);
+    --s_users;
 }
 
 }  // namespace
@@ -47,7 +55,7 @@ void UsbLife::Close() {
     }
     if (event == nullptr) return;
     SetEvent(event);
-    while (s_waiters != 0) Sleep(kAgainMilliseconds);
+    while (s_users != 0) Sleep(kAgainMilliseconds);
     CloseHandle(event);
 }
 
@@ -58,7 +66,7 @@ bool UsbLife::BeginRequest(DWORD reply) {
     ResetEvent(m_awaitedEvent);
     m_reply = reply;
     m_awaitedReply = reply;
-    ++s_waiters;
+    ++s_users;
     return true;
 }
 
@@ -72,7 +80,7 @@ bool UsbLife::AwaitReply() {
         isOver = m_phase == Closed || (m_sendIsOver && m_awaitedReply.compare_exchange_strong(reply, 0));
         if (waited == WAIT_OBJECT_0 && m_awaitedReply != 0) Sleep(kAgainMilliseconds);
     }
-    --s_waiters;
+    --s_users;
     return !isOver;
 }
 

@@ -158,5 +158,7 @@ bool WinUsbSession::Ask(Command command) {
         const CSingleLock lock(&s_commandLock, TRUE);
         m_pendingCommand = command;
     }
+    // The sending thread looks for it at once, even on our processor, instead of after our way into the wait.
+    SwitchToThread();
     return m_life.AwaitReply();
 }
